@@ -1,0 +1,162 @@
+#include "platform/containers/page_heap.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <new>
+#include <vector>
+
+#if defined(__unix__)
+#include <sys/mman.h>
+#endif
+
+#if defined(__SANITIZE_ADDRESS__)
+#define MENDEX_PAGES_APART 1  // every page its own allocation, so that the sanitizer sees its bounds
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define MENDEX_PAGES_APART 1
+#endif
+#endif
+
+namespace {
+
+constexpr std::size_t page_alignment = 64;
+
+// Below this size a slab would hold so many pages that the general heap is as good.
+constexpr std::size_t smallest_slab_page = std::size_t{16} << 10;
+
+// The first pages of an array are plain ones, so that a small mesh does not occupy whole slabs.
+constexpr int plain_pages = 16;
+
+bool from_slab(std::size_t bytes, int ordinal) {
+#if defined(MENDEX_PAGES_APART)
+  (void)bytes;
+  (void)ordinal;
+  return false;
+#else
+  return ordinal >= plain_pages && bytes >= smallest_slab_page && bytes <= coPageHeap::slab_bytes / 2;
+#endif
+}
+
+struct Slab {
+  std::size_t page_bytes = 0;
+  int fresh = 0;           // pages never handed out start at this index
+  int live = 0;            // pages in use
+  std::vector<int> freed;  // indices of pages given back
+  int page_total() const { return static_cast<int>(coPageHeap::slab_bytes / page_bytes); }
+  bool full() const { return freed.empty() && fresh == page_total(); }
+};
+
+// Slabs by address; `open` names, for each page size, the slabs that still have room. Only page addresses depend on the order of
+// the addresses here, never a result.
+struct SlabTable {
+  std::map<char*, Slab> slabs;
+  std::map<std::size_t, std::vector<char*>> open;
+};
+
+SlabTable& table() {
+  static SlabTable* instance = new SlabTable;  // never destroyed: a host's global objects may outlive any of ours
+  return *instance;
+}
+
+char* open_slab(std::size_t bytes) {
+  SlabTable& all = table();
+  std::vector<char*>& open = all.open[bytes];
+  if (!open.empty()) return open.back();
+  char* base = static_cast<char*>(coPageHeap::allocate_slab(true));
+  if (base == nullptr) return nullptr;
+  all.slabs[base].page_bytes = bytes;
+  open.push_back(base);
+  return base;
+}
+
+void* take_from_slab(std::size_t bytes) {
+  char* base = open_slab(bytes);
+  if (base == nullptr) return nullptr;
+  Slab& slab = table().slabs[base];
+  int index = slab.fresh;
+  if (slab.freed.empty()) {
+    ++slab.fresh;
+  } else {
+    index = slab.freed.back();
+    slab.freed.pop_back();
+  }
+  ++slab.live;
+  if (slab.full()) table().open[bytes].pop_back();
+  return base + static_cast<std::size_t>(index) * bytes;
+}
+
+void give_to_slab(char* page, std::size_t bytes) {
+  SlabTable& all = table();
+  auto found = all.slabs.upper_bound(page);
+  --found;
+  Slab& slab = found->second;
+  std::vector<char*>& open = all.open[bytes];
+  const bool was_full = slab.full();
+  slab.freed.push_back(static_cast<int>(static_cast<std::size_t>(page - found->first) / bytes));
+  if (--slab.live > 0) {
+    if (was_full) open.push_back(found->first);
+    return;
+  }
+  for (std::size_t k = 0; k < open.size(); ++k) {
+    if (open[k] != found->first) continue;
+    open.erase(open.begin() + static_cast<std::ptrdiff_t>(k));
+    break;
+  }
+  coPageHeap::release_slab(found->first);
+  all.slabs.erase(found);
+}
+
+}  // namespace
+
+void* coPageHeap::allocate(std::size_t bytes, int ordinal) noexcept {
+  try {
+    if (from_slab(bytes, ordinal)) return take_from_slab(bytes);
+    return ::operator new(bytes, std::align_val_t{page_alignment}, std::nothrow);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
+void coPageHeap::release(void* page, std::size_t bytes, int ordinal) noexcept {
+  if (page == nullptr) return;
+  if (!from_slab(bytes, ordinal)) {
+    ::operator delete(page, std::align_val_t{page_alignment});
+    return;
+  }
+  try {
+    give_to_slab(static_cast<char*>(page), bytes);
+  } catch (const std::bad_alloc&) {
+    // The page stays unused until its slab goes; nothing else is lost.
+  }
+}
+
+#if defined(__unix__) && !defined(MENDEX_PAGES_APART)
+
+void* coPageHeap::allocate_slab(bool large_page) noexcept {
+  void* raw = mmap(nullptr, 2 * slab_bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  if (raw == MAP_FAILED) return nullptr;
+  char* start = static_cast<char*>(raw);
+  const std::size_t before = (slab_bytes - reinterpret_cast<std::uintptr_t>(start) % slab_bytes) % slab_bytes;
+  if (before > 0) munmap(start, before);
+  munmap(start + before + slab_bytes, slab_bytes - before);
+#if defined(MADV_HUGEPAGE)
+  if (large_page) madvise(start + before, slab_bytes, MADV_HUGEPAGE);
+#else
+  (void)large_page;
+#endif
+  return start + before;
+}
+
+void coPageHeap::release_slab(void* slab) noexcept {
+  if (slab != nullptr) munmap(slab, slab_bytes);
+}
+
+#else
+
+void* coPageHeap::allocate_slab(bool) noexcept { return std::calloc(1, slab_bytes); }
+
+void coPageHeap::release_slab(void* slab) noexcept { std::free(slab); }
+
+#endif
