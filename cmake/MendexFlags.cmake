@@ -5,14 +5,14 @@ target_compile_options(mendex_flags INTERFACE
   -ffp-contract=off      # the same bits on every machine: no fused multiply-add behind our back
   -fno-strict-aliasing   # elements are viewed through their base class inside one array
   -Wall -Wextra -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wformat=2)
-target_compile_definitions(mendex_flags INTERFACE
-  $<$<OR:$<CONFIG:Debug>,$<BOOL:${MENDEX_SANITIZE}>>:_GLIBCXX_ASSERTIONS>)
+target_compile_definitions(mendex_flags INTERFACE $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
 if(MENDEX_WARNINGS_AS_ERRORS)
   target_compile_options(mendex_flags INTERFACE -Werror)
 endif()
 if(MENDEX_SANITIZE)
   target_compile_options(mendex_flags INTERFACE
     -fsanitize=${MENDEX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_compile_definitions(mendex_flags INTERFACE _GLIBCXX_ASSERTIONS)
   target_link_options(mendex_flags INTERFACE -fsanitize=${MENDEX_SANITIZE})
 endif()
 if(MENDEX_BUILD_FUZZ)

