@@ -15,4 +15,12 @@ add_test(NAME consumer.pkg_config COMMAND
   sh "${CMAKE_CURRENT_LIST_DIR}/pkg_config.sh" "${CMAKE_CXX_COMPILER}"
   "${consumer_dir}/prefix/${CMAKE_INSTALL_LIBDIR}" "${consumer_dir}/with_pkg_config")
 
+if(BUILD_SHARED_LIBS)
+  add_test(NAME consumer.exports COMMAND
+    bash "${CMAKE_CURRENT_LIST_DIR}/exports.sh" "${PROJECT_SOURCE_DIR}/src" "$<TARGET_FILE:mendexlib>"
+    "${consumer_dir}/prefix/${mendex_header_dir}" $<TARGET_OBJECTS:mendexlib> -- $<TARGET_OBJECTS:mendex_tests>
+    COMMAND_EXPAND_LISTS)
+  set_tests_properties(consumer.exports PROPERTIES FIXTURES_REQUIRED installed_tree TIMEOUT 60)
+endif()
+
 set_tests_properties(consumer.find_package consumer.pkg_config PROPERTIES FIXTURES_REQUIRED installed_tree TIMEOUT 120)
