@@ -4,7 +4,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <regex>
 #include <sstream>
 
 namespace {
@@ -12,6 +11,20 @@ namespace {
 const std::string src_prefix = "src/";
 
 bool is_source_name(const std::filesystem::path& path) { return path.extension() == ".h" || path.extension() == ".cpp"; }
+
+// What an include line names, or nothing for any other line.
+std::string include_of(const std::string& line) {
+  const std::string blanks = " \t";
+  const std::string word = "include";
+  const std::size_t hash = line.find_first_not_of(blanks);
+  if (hash == std::string::npos || line[hash] != '#') return {};
+  const std::size_t begin = line.find_first_not_of(blanks, hash + 1);
+  if (begin == std::string::npos || line.compare(begin, word.size(), word) != 0) return {};
+  const std::size_t open = line.find_first_not_of(blanks, begin + word.size());
+  if (open == std::string::npos || (line[open] != '<' && line[open] != '"')) return {};
+  const std::size_t close = line.find_first_of(">\"", open + 1);
+  return close == std::string::npos ? std::string() : line.substr(open + 1, close - open - 1);
+}
 
 }  // namespace
 
@@ -28,15 +41,11 @@ std::string SourceFile::folder_in_src() const {
 bool SourceFile::is_header() const { return path.size() > 2 && path.compare(path.size() - 2, 2, ".h") == 0; }
 
 SourceFile parse_source(const std::string& path, const std::string& text) {
-  static const std::regex include_line(R"(^\s*#\s*include\s*[<"]([^>"]+)[>"].*)");
   SourceFile file;
   file.path = path;
   std::istringstream lines(text);
-  std::smatch match;
   for (std::string line; std::getline(lines, line); ++file.line_count) {
-    if (line.find('#') != std::string::npos && std::regex_match(line, match, include_line)) {
-      file.includes.push_back(match[1]);
-    }
+    if (std::string name = include_of(line); !name.empty()) file.includes.push_back(std::move(name));
   }
   return file;
 }
