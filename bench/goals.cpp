@@ -1,6 +1,8 @@
 #include "goals.h"
 
-#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
 
 #include "measure.h"
 
@@ -37,13 +39,13 @@ class Judge {
   // The worst exponent of any operation.
   void growth(double limit) {
     if (facts_.largest_size <= growth_start) return;
-    double worst = -1.0;
+    double worst = std::numeric_limits<double>::quiet_NaN();
     std::string which;
     for (const Measure& measure : all_measures()) {
       if (measure.is_floor()) continue;
       for (const FacetOrder order : orders) {
         const double exponent = facts_.results.growth(measure.name, growth_start, facts_.largest_size, order);
-        if (!(exponent > worst)) continue;
+        if (std::isnan(exponent) || exponent <= worst) continue;
         worst = exponent;
         which = measure.name + ", " + name_of(order);
       }
@@ -64,6 +66,7 @@ std::vector<GoalLine> judge_goals(const RunFacts& facts) {
   Judge judge(facts);
   judge.ratio("read_stl", "flat_parse", 6.0);
   for (const FacetOrder order : orders) {
+    if (facts.ascii_bytes == 0.0) break;
     judge.at_least(std::string("read_ast, MB/s, ") + name_of(order), 150.0, facts.ascii_bytes / 1e6 / judge.seconds("read_ast", order));
   }
   for (const char* merge : merges) judge.ratio(merge, "hash_merge", 4.0);

@@ -62,8 +62,11 @@ class Summary {
       : options_(options), sizes_(chosen_sizes(options)), measures_(chosen_measures(options)) {}
 
   int run() {
-    for (const std::size_t facets : sizes_) measure_size(facets);
-    if (!sizes_.empty()) facts_.largest_size = sizes_.back();
+    for (const std::size_t facets : sizes_) {
+      measure_size(facets);
+      facts_.largest_size = facets;
+    }
+    find_worst_memory();
     print_times();
     print_memory();
     return print_goals();
@@ -80,26 +83,28 @@ class Summary {
         for (const auto& model : models) facts_.results.add(measure.name, facets, model->order(), measure.seconds(*model));
       }
     }
-    if (facets <= largest_judged_size) {
-      facts_.judged_size = facets;
-      facts_.ascii_bytes = static_cast<double>(std::filesystem::file_size(models[0]->ascii_file()));
-    }
+    if (facets <= largest_judged_size) facts_.judged_size = facets;
     if (options_.only.empty()) {
       for (const auto& model : models) measure_memory_of(*model);
+      if (facets == facts_.judged_size) {
+        facts_.ascii_bytes = static_cast<double>(std::filesystem::file_size(models[0]->ascii_file()));
+      }
     }
   }
 
   void measure_memory_of(const Model& model) {
     const std::pair<const char*, double> tolerances[] = {{"exact", exact_tolerance()}, {"0.1 edge", model.shortest_edge() * 0.1}};
     for (const auto& [name, tol] : tolerances) {
-      const auto use = measure_memory(model.binary_file(), tol);
-      if (!use) continue;
-      memory_.push_back({model.facets(), model.order(), name, *use});
-      if (model.facets() > largest_judged_size) continue;
-      if (!facts_.memory || memory_size_ != model.facets()) facts_.memory = *use;
-      memory_size_ = model.facets();
-      facts_.memory->after_reading = std::max(facts_.memory->after_reading, use->after_reading);
-      facts_.memory->while_merging = std::max(facts_.memory->while_merging, use->while_merging);
+      if (const auto use = measure_memory(model.binary_file(), tol)) memory_.push_back({model.facets(), model.order(), name, *use});
+    }
+  }
+
+  void find_worst_memory() {
+    for (const MemoryLine& line : memory_) {
+      if (line.facets != facts_.judged_size) continue;
+      if (!facts_.memory) facts_.memory = line.use;
+      facts_.memory->after_reading = std::max(facts_.memory->after_reading, line.use.after_reading);
+      facts_.memory->while_merging = std::max(facts_.memory->while_merging, line.use.while_merging);
     }
   }
 
@@ -162,7 +167,6 @@ class Summary {
   ScratchFolder folder_;
   RunFacts facts_;
   std::vector<MemoryLine> memory_;
-  std::size_t memory_size_ = 0;  // the size that facts_.memory tells of
 };
 
 }  // namespace

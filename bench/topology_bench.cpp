@@ -9,7 +9,7 @@
 
 namespace {
 
-// Three uses a facet, and no list holds a number twice in a row: the lists are the elements', once.
+// Each element stands in the lists of its three nodes, once.
 void check_lists(const trTriBlock& block, const Model& model) {
   std::size_t uses = 0;
   for (int i = 1; i < block.node_count(); ++i) {
