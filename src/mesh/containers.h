@@ -3,7 +3,7 @@
 #include "mesh/edge_connection.h"
 #include "mesh/features.h"
 #include "mesh/tri_block.h"
-#include "platform/containers/arrays.h"
+#include "platform/containers/number_arrays.h"
 #include "platform/containers/owning_ptr.h"
 #include "platform/containers/set.h"
 #include "platform/containers/shared_ptr.h"

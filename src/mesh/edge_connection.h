@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/containers/arrays.h"
+#include "platform/containers/number_arrays.h"
 #include "platform/containers/int_set.h"
 #include "platform/utilities/export.h"
 
@@ -9,8 +9,6 @@ class MENDEX_EXPORT trEdgeConnection {
  public:
   trEdgeConnection() : trEdgeConnection(0, 0) {}
   trEdgeConnection(int start, int end) : start_node_(start), end_node_(end), triangles_(4, 50) {}
-  trEdgeConnection(const trEdgeConnection& other);
-  trEdgeConnection& operator=(const trEdgeConnection& other);
 
   int start_node() const { return start_node_; }
   int end_node() const { return end_node_; }

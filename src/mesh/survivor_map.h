@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "platform/containers/arrays.h"
+#include "platform/containers/number_arrays.h"
 
 /// Which node takes the place of each deleted one. Survivors are named by slots: their own numbers, or places in a list of them.
 class SurvivorMap {

@@ -8,7 +8,7 @@
 #include "mesh/features.h"
 #include "mesh/loop_it.h"
 #include "platform/common/workplane.h"
-#include "platform/containers/arrays.h"
+#include "platform/containers/number_arrays.h"
 #include "platform/geometry/box3.h"
 #include "platform/geometry/tri_block_base.h"
 #include "platform/geometry/xform3.h"
