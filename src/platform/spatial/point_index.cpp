@@ -1,0 +1,272 @@
+#include "platform/spatial/point_index.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <new>
+
+#if defined(__linux__)
+#include <sys/mman.h>
+#endif
+
+namespace {
+
+constexpr int first_shift = 28;  // 16 slots
+constexpr std::size_t large_page = std::size_t{2} << 20;
+
+// Adding 1.5 * 2^52 rounds a double below 2^51 in magnitude to a whole number, which then stands in the low bits of the sum.
+constexpr double rounding = 6755399441055744.0;
+
+// Odd numbers with irregular bits: 2^64 divided by the golden ratio, and two multipliers of A. Appleby's MurmurHash3 (2011).
+constexpr std::uint64_t x_factor = 0x9E3779B97F4A7C15u;
+constexpr std::uint64_t y_factor = 0x87C37B91114253D5u;
+constexpr std::uint64_t z_factor = 0x4CF5AD432745937Fu;
+constexpr std::uint64_t mix_factor = 0xFF51AFD7ED558CCDu;
+
+// Squares that underflow are off by up to 2^-1075 each, so points up to 2.3e-162 farther apart than the tolerance can match.
+constexpr double underflow_slack = 1e-161;
+
+std::uint64_t bits_of(double x) {
+  std::uint64_t bits;
+  std::memcpy(&bits, &x, sizeof bits);
+  return bits;
+}
+
+std::uint32_t tag_of(std::uint64_t mixed) {
+  mixed = (mixed ^ mixed >> 32) * mix_factor;
+  return static_cast<std::uint32_t>(mixed >> 32);
+}
+
+bool finite(const giPoint3& p) { return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z); }
+bool has_nan(const giPoint3& p) { return std::isnan(p.x) || std::isnan(p.y) || std::isnan(p.z); }
+
+// 0 for a finite coordinate, 1 for +inf, 2 for -inf.
+int class_of(double x) { return std::isinf(x) ? (x > 0 ? 1 : 2) : 0; }
+
+int class_of(const giPoint3& p) { return 9 * class_of(p.x) + 3 * class_of(p.y) + class_of(p.z); }
+
+// Whether points of the two classes have a squared distance: not when both have the same infinity on one axis.
+bool comparable(int a, int b) {
+  for (; a > 0 && b > 0; a /= 3, b /= 3) {
+    if (a % 3 != 0 && a % 3 == b % 3) return false;
+  }
+  return true;
+}
+
+// Zeroed memory that the system can back with large pages, as a search touches one line of it at random.
+void* allocate_table(std::size_t bytes) {
+  if (bytes < large_page) return std::calloc(1, bytes);
+  void* block = std::aligned_alloc(large_page, bytes);
+  if (block == nullptr) return nullptr;
+#if defined(MADV_HUGEPAGE)
+  madvise(block, bytes, MADV_HUGEPAGE);
+#endif
+  return std::memset(block, 0, bytes);
+}
+
+}  // namespace
+
+PointIndex::PointIndex(double tol, Winner winner)
+    : tol_(tol),
+      reach_sq_(tol * tol),
+      reach_(std::fabs(tol) * (1.0 + 0x1p-30) + underflow_slack),
+      cells_per_unit_(0.25 / reach_),
+      grid_end_(0x1p53 * reach_),
+      grid_last_(std::nextafter(grid_end_, 0.0)),
+      winner_(winner),
+      kind_(std::isnan(reach_sq_) ? Reach::nothing : std::isinf(reach_sq_) ? Reach::everything : Reach::near_points),
+      conditions_on_x_(winner == Winner::tree_order && tol > 0.0 && std::isnormal(reach_sq_)),
+      records_(10, 5, 10),
+      slots_(few_slots_),
+      shift_(first_shift),
+      greatest_x_(-std::numeric_limits<double>::infinity()) {
+  std::fill(std::begin(class_best_), std::end(class_best_), -1);
+}
+
+PointIndex::~PointIndex() {
+  if (slots_ != few_slots_) std::free(slots_);
+}
+
+// A monotone function of x: cells of four reaches, 2^51 of them on either side. Just inside grid_end_ doubles are a reach apart,
+// and the reach is longer than the tolerance by more than all rounding: so no match lies across that border, and none farther out
+// but an equal coordinate.
+std::uint64_t PointIndex::cell(double x) const {
+  return bits_of(std::fabs(x) < grid_end_ ? x * cells_per_unit_ + rounding : x + 0.0);
+}
+
+// The cells of all coordinates within reach: one or two, or three where rounding is coarse.
+PointIndex::CellRange PointIndex::cells_near(double x) const {
+  if (!(std::fabs(x) < grid_end_)) return {cell(x), cell(x)};
+  return {cell(std::max(x - reach_, -grid_last_)), cell(std::min(x + reach_, grid_last_))};
+}
+
+PointIndex::Probe PointIndex::home_of(const giPoint3& p) const {
+  return {tag_of(cell(p.x) * x_factor + cell(p.y) * y_factor + cell(p.z) * z_factor)};
+}
+
+void PointIndex::warm(Probe probe) const {
+  const std::size_t mask = (std::size_t{1} << (32 - shift_)) - 1;
+  for (std::size_t k = probe.home >> shift_; slots_[k].ordinal != 0; k = (k + 1) & mask) {
+    if (slots_[k].tag != probe.home) continue;
+    __builtin_prefetch(&records_.at(static_cast<int>(slots_[k].ordinal - 1)));
+    return;
+  }
+}
+
+int PointIndex::find(const giPoint3& p) const {
+  const int found = search(p, home_of(p));
+  return found < 0 ? -1 : records_.at(found).number;
+}
+
+int PointIndex::find_or_add(const giPoint3& p, int number, Probe probe) {
+  const int found = search(p, probe);
+  if (found >= 0) return records_.at(found).number;
+  keep(p, number, probe);
+  return -1;
+}
+
+void PointIndex::keep(const giPoint3& p, int number) {
+  apart_ = false;
+  keep(p, number, home_of(p));
+}
+
+int PointIndex::search(const giPoint3& p, Probe probe) const {
+  if (kind_ != Reach::near_points) return kind_ == Reach::nothing ? -1 : search_classes(p);
+  Search search{p};
+  if (!search_cell(probe.home, search) && finite(p)) search_neighbours(search, probe);
+  return search.best;
+}
+
+void PointIndex::search_neighbours(Search& search, Probe probe) const {
+  const CellRange x = cells_near(search.p.x), y = cells_near(search.p.y), z = cells_near(search.p.z);
+  for (std::uint64_t i = x.first; i <= x.last; ++i) {
+    for (std::uint64_t j = y.first; j <= y.last; ++j) {
+      for (std::uint64_t k = z.first; k <= z.last; ++k) {
+        const std::uint32_t tag = tag_of(i * x_factor + j * y_factor + k * z_factor);
+        if (tag != probe.home) search_cell(tag, search);
+      }
+    }
+  }
+}
+
+// Looks at all records whose cell has this tag; other cells may share it, but the distance decides. True when a record at p itself
+// makes looking further needless, since no other can match.
+bool PointIndex::search_cell(std::uint32_t tag, Search& search) const {
+  const std::size_t mask = (std::size_t{1} << (32 - shift_)) - 1;
+  for (std::size_t k = tag >> shift_; slots_[k].ordinal != 0; k = (k + 1) & mask) {
+    if (slots_[k].tag != tag) continue;
+    const int ordinal = static_cast<int>(slots_[k].ordinal - 1);
+    const Record& record = records_.at(ordinal);
+    const double dx = search.p.x - record.x, dy = search.p.y - record.y, dz = search.p.z - record.z;
+    if (!(dx * dx + dy * dy + dz * dz <= reach_sq_)) continue;
+    if (apart_ && dx == 0.0 && dy == 0.0 && dz == 0.0) {
+      search.best = ordinal;
+      return true;
+    }
+    consider(ordinal, search);
+  }
+  return false;
+}
+
+int PointIndex::search_classes(const giPoint3& p) const {
+  int best = -1;
+  if (has_nan(p)) return best;
+  for (int c = 0; c < 27; ++c) {
+    const int ordinal = class_best_[c];
+    if (ordinal >= 0 && comparable(class_of(p), c) && (best < 0 || better(ordinal, best))) best = ordinal;
+  }
+  return best;
+}
+
+void PointIndex::consider(int ordinal, Search& search) const {
+  if (ordinal == search.best) return;
+  if (conditions_on_x_ && cut_off(ordinal, search.p.x)) {
+    apart_ = false;
+  } else if (search.best < 0 || better(ordinal, search.best)) {
+    search.best = ordinal;
+  }
+}
+
+bool PointIndex::better(int ordinal, int than) const {
+  if (winner_ == Winner::lowest_number) return records_.at(ordinal).number < records_.at(than).number;
+  try {
+    complete_order();
+    return order_.precedes(key(ordinal), key(than));
+  } catch (const std::bad_alloc&) {
+    return ordinal < than;
+  }
+}
+
+// Whether the tree's conditions on x keep a search for this x from reaching the record. Conditions that the record itself meets
+// are met by all entries on the way to it.
+bool PointIndex::cut_off(int ordinal, double x) const {
+  const double at = records_.at(ordinal).x;
+  if (at + tol_ >= x && x >= at - tol_) return false;
+  try {
+    complete_order();
+    return !order_.reachable(key(ordinal), x, tol_);
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+}
+
+void PointIndex::complete_order() const {
+  for (; ordered_ < records_.count(); ++ordered_) order_.add(key(ordered_));
+}
+
+void PointIndex::keep(const giPoint3& p, int number, Probe probe) {
+  if (kind_ == Reach::nothing || (winner_ == Winner::tree_order && hidden(p.x))) return;
+  const bool in_grid = kind_ == Reach::near_points && finite(p);
+  const bool in_class = kind_ == Reach::everything && !has_nan(p);
+  if (!in_grid && !in_class && winner_ != Winner::tree_order) return;
+  const int ordinal = records_.count();
+  if ((in_grid && !grow()) || !records_.expand(ordinal + 1)) return;
+  records_.at(ordinal) = Record{p.x, p.y, p.z, number};
+  if (in_grid) enter(probe.home, static_cast<std::uint32_t>(ordinal) + 1);
+  if (in_class) keep_class(p, ordinal);
+}
+
+// In the tree an entry with a NaN x lies at the right end, behind the greatest x, and a search never passes it.
+bool PointIndex::hidden(double x) {
+  if (std::isnan(x)) {
+    if (!hides_) hidden_from_ = greatest_x_;
+    hides_ = true;
+    return true;
+  }
+  if (hides_ && x >= hidden_from_) return true;
+  greatest_x_ = std::max(greatest_x_, x);
+  return false;
+}
+
+void PointIndex::keep_class(const giPoint3& p, int ordinal) {
+  int& best = class_best_[class_of(p)];
+  if (best < 0 || better(ordinal, best)) best = ordinal;
+}
+
+void PointIndex::enter(std::uint32_t tag, std::uint32_t ordinal) {
+  const std::size_t mask = (std::size_t{1} << (32 - shift_)) - 1;
+  std::size_t k = tag >> shift_;
+  while (slots_[k].ordinal != 0) k = (k + 1) & mask;
+  slots_[k] = Slot{tag, ordinal};
+  ++entered_;
+}
+
+// Doubles a table that one more entry would fill beyond a half; false when it is then full. Places follow the high bits of the
+// tags, so that the old table is read and the new one is written from front to back.
+bool PointIndex::grow() {
+  const std::size_t size = std::size_t{1} << (32 - shift_);
+  if (2 * (std::size_t{entered_} + 1) <= size) return true;
+  Slot* fresh = shift_ > 1 ? static_cast<Slot*>(allocate_table(2 * size * sizeof(Slot))) : nullptr;
+  if (fresh == nullptr) return std::size_t{entered_} + 1 < size;
+  Slot* old = slots_;
+  slots_ = fresh;
+  --shift_;
+  entered_ = 0;
+  for (std::size_t k = 0; k < size; ++k) {
+    if (old[k].ordinal != 0) enter(old[k].tag, old[k].ordinal);
+  }
+  if (old != few_slots_) std::free(old);
+  return true;
+}

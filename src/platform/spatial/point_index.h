@@ -1,0 +1,123 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "platform/containers/page_arr.h"
+#include "platform/geometry/point3.h"
+#include "platform/spatial/tree_order.h"
+
+/// Growing set of points in which no two lie within a tolerance of each other, for merging points one after the other.
+///
+/// Points p and q match when dx * dx + dy * dy + dz * dz <= tol * tol, in double arithmetic and in this order of operations. So a
+/// negative tolerance counts by its square, a NaN tolerance or a NaN coordinate never matches, an infinite coordinate matches only
+/// under a tolerance whose square overflows, and under such a one everything matches whose squared distance is not NaN.
+///
+/// Method: a hash grid with cells of four tolerances. Where coordinates are so large that neighbouring doubles lie farther apart
+/// than the tolerance, each coordinate is a cell of its own. A search looks into the cell of the point and into those of its
+/// neighbours, on average 2.4, that the ball round it touches. Points kept lie farther apart than the tolerance, so a cell holds
+/// O(1) of them whatever the input.
+/// Cost: O(1) a point; 32 bytes for each point kept and 16 to 32 for its slots. When there is no memory a point is not kept.
+class PointIndex {
+ public:
+  /// Which of several matching points a search names.
+  enum class Winner {
+    lowest_number,  // the one with the lowest number
+    tree_order      // the one that `trPointTree::find` meets first, with the same points added in the same order
+  };
+
+  // What a search needs to know beforehand, so that the memory it will touch can be on its way.
+  struct Probe {
+    std::uint32_t home;
+  };
+
+  PointIndex(double tol, Winner winner);
+  PointIndex(const PointIndex&) = delete;
+  PointIndex& operator=(const PointIndex&) = delete;
+  ~PointIndex();
+
+  /// The number of a kept point that matches p; or -1, and then p is kept under `number`, which should not be negative.
+  ///
+  /// In tree order an entry cut off by the search conditions of the tree (on x alone, rounded) is not found, as in the tree. This
+  /// holds for positive tolerances with a square of normal size; for others the conditions on x are passed over. In all cases a
+  /// point whose x is NaN hides all later points that are not left of every point before it, as in the tree.
+  int find_or_add(const giPoint3& p, int number) { return find_or_add(p, number, home_of(p)); }
+
+  /// The number of a kept point that matches p, or -1.
+  int find(const giPoint3& p) const;
+
+  /// Keeps p without a search. If p matches a point kept before, cells may fill up and searches get slower.
+  void keep(const giPoint3& p, int number);
+
+  /// For calls in batches of about 16, three loops: `prepare` each point, `warm` each probe, `find_or_add` each with its probe. The
+  /// waits for memory then overlap. A probe stays good while other points are added.
+  Probe prepare(const giPoint3& p) const {
+    const Probe probe = home_of(p);
+    __builtin_prefetch(slots_ + (probe.home >> shift_));
+    return probe;
+  }
+  void warm(Probe probe) const;
+  int find_or_add(const giPoint3& p, int number, Probe probe);
+
+ private:
+  struct Record {
+    double x, y, z;
+    int number;
+  };
+  struct Slot {
+    std::uint32_t tag;      // all bits of the cell's hash
+    std::uint32_t ordinal;  // position of the record plus one; 0: empty
+  };
+  struct Search {
+    const giPoint3& p;
+    int best = -1;  // ordinal of the record to be named so far
+  };
+  struct CellRange {
+    std::uint64_t first, last;
+  };
+  enum class Reach { nothing, near_points, everything };
+
+  std::uint64_t cell(double x) const;
+  CellRange cells_near(double x) const;
+  Probe home_of(const giPoint3& p) const;
+  int search(const giPoint3& p, Probe probe) const;
+  void search_neighbours(Search& search, Probe probe) const;
+  bool search_cell(std::uint32_t tag, Search& search) const;
+  int search_classes(const giPoint3& p) const;
+  void consider(int ordinal, Search& search) const;
+  bool better(int ordinal, int than) const;
+  bool cut_off(int ordinal, double x) const;
+  void complete_order() const;
+  TreeOrder::Key key(int ordinal) const { return {records_.at(ordinal).x, ordinal}; }
+
+  void keep(const giPoint3& p, int number, Probe probe);
+  bool hidden(double x);
+  void keep_class(const giPoint3& p, int ordinal);
+  void enter(std::uint32_t tag, std::uint32_t ordinal);
+  bool grow();
+
+  double tol_;
+  double reach_sq_;         // tol * tol
+  double reach_;            // no coordinate of matching points differs by more
+  double cells_per_unit_;   // 1 / cell size
+  double grid_end_;         // from this magnitude on each coordinate is a cell of its own
+  double grid_last_;        // the largest double before
+  Winner winner_;
+  Reach kind_;
+  bool conditions_on_x_;    // whether the tree's search conditions are followed
+  mutable bool apart_ = true;  // surely no two points kept match each other
+
+  coPageArr<Record> records_;
+  Slot* slots_;
+  int shift_;  // 32 - log2 of the slots
+  std::uint32_t entered_ = 0;  // slots in use
+  Slot few_slots_[16] = {};    // the first table
+
+  int class_best_[27];  // under an overflowing tolerance: the winner of each class of points, -1 for none
+
+  mutable TreeOrder order_;   // brought up to date only when a search depends on the tree's shape
+  mutable int ordered_ = 0;   // records in it
+  double greatest_x_;         // of the records
+  double hidden_from_ = 0.0;  // once a point with a NaN x has come, points from this x on are not kept
+  bool hides_ = false;        // whether one has come
+};
