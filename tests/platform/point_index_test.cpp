@@ -211,11 +211,15 @@ TEST(PointIndex, ProbesOutliveGrowth) {
     std::vector<giPoint3> points;
     std::vector<PointIndex::Probe> probes;
     for (int k = 0; k < 100; ++k) points.emplace_back((random() % 100) * 0.05, (random() % 100) * 0.05, (random() % 3) * 0.005);
-    for (const giPoint3& p : points) probes.push_back(batched.prepare(p));
-    for (PointIndex::Probe probe : probes) batched.warm(probe);
+    for (const giPoint3& p : points) probes.push_back(batched.probe(p));
+    for (PointIndex::Probe probe : probes) {
+      batched.prefetch(probe);
+      batched.prefetch_record(probe);
+    }
     for (int k = 0; k < 100; ++k) {
       const int expected = single.find_or_add(points[k], batch * 100 + k);
-      ASSERT_EQ(batched.find_or_add(points[k], batch * 100 + k, probes[k]), expected);
+      const int position = batched.find_or_add_position(points[k], batch * 100 + k, probes[k]);
+      ASSERT_EQ(position < 0 ? -1 : batched.number(position), expected);
       merged += expected >= 0;
     }
   }

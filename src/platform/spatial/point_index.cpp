@@ -2,19 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <new>
 
-#if defined(__linux__)
-#include <sys/mman.h>
-#endif
-
 namespace {
 
-constexpr int first_shift = 28;  // 16 slots
-constexpr std::size_t large_page = std::size_t{2} << 20;
 
 // Adding 1.5 * 2^52 rounds a double below 2^51 in magnitude to a whole number, which then stands in the low bits of the sum.
 constexpr double rounding = 6755399441055744.0;
@@ -55,17 +48,6 @@ bool comparable(int a, int b) {
   return true;
 }
 
-// Zeroed memory that the system can back with large pages, as a search touches one line of it at random.
-void* allocate_table(std::size_t bytes) {
-  if (bytes < large_page) return std::calloc(1, bytes);
-  void* block = std::aligned_alloc(large_page, bytes);
-  if (block == nullptr) return nullptr;
-#if defined(MADV_HUGEPAGE)
-  madvise(block, bytes, MADV_HUGEPAGE);
-#endif
-  return std::memset(block, 0, bytes);
-}
-
 }  // namespace
 
 PointIndex::PointIndex(double tol, Winner winner)
@@ -79,14 +61,8 @@ PointIndex::PointIndex(double tol, Winner winner)
       kind_(std::isnan(reach_sq_) ? Reach::nothing : std::isinf(reach_sq_) ? Reach::everything : Reach::near_points),
       conditions_on_x_(winner == Winner::tree_order && tol > 0.0 && std::isnormal(reach_sq_)),
       records_(10, 5, 10),
-      slots_(few_slots_),
-      shift_(first_shift),
       greatest_x_(-std::numeric_limits<double>::infinity()) {
   std::fill(std::begin(class_best_), std::end(class_best_), -1);
-}
-
-PointIndex::~PointIndex() {
-  if (slots_ != few_slots_) std::free(slots_);
 }
 
 // A monotone function of x: cells of four reaches, 2^51 of them on either side. Just inside grid_end_ doubles are a reach apart,
@@ -102,34 +78,33 @@ PointIndex::CellRange PointIndex::cells_near(double x) const {
   return {cell(std::max(x - reach_, -grid_last_)), cell(std::min(x + reach_, grid_last_))};
 }
 
-PointIndex::Probe PointIndex::home_of(const giPoint3& p) const {
+PointIndex::Probe PointIndex::probe(const giPoint3& p) const {
   return {tag_of(cell(p.x) * x_factor + cell(p.y) * y_factor + cell(p.z) * z_factor)};
 }
 
-void PointIndex::warm(Probe probe) const {
-  const std::size_t mask = (std::size_t{1} << (32 - shift_)) - 1;
-  for (std::size_t k = probe.home >> shift_; slots_[k].ordinal != 0; k = (k + 1) & mask) {
+void PointIndex::prefetch_record(Probe probe) const {
+  const std::size_t mask = size() - 1;
+  for (std::size_t k = probe.home >> shift_; slots_[k].position != 0; k = (k + 1) & mask) {
     if (slots_[k].tag != probe.home) continue;
-    __builtin_prefetch(&records_.at(static_cast<int>(slots_[k].ordinal - 1)));
+    __builtin_prefetch(&records_.at(static_cast<int>(slots_[k].position - 1)));
     return;
   }
 }
 
 int PointIndex::find(const giPoint3& p) const {
-  const int found = search(p, home_of(p));
+  const int found = search(p, probe(p));
   return found < 0 ? -1 : records_.at(found).number;
 }
 
-int PointIndex::find_or_add(const giPoint3& p, int number, Probe probe) {
+int PointIndex::find_or_add_position(const giPoint3& p, int number, Probe probe) {
   const int found = search(p, probe);
-  if (found >= 0) return records_.at(found).number;
-  keep(p, number, probe);
-  return -1;
+  if (found < 0) keep(p, number, probe);
+  return found;
 }
 
 void PointIndex::keep(const giPoint3& p, int number) {
   apart_ = false;
-  keep(p, number, home_of(p));
+  keep(p, number, probe(p));
 }
 
 int PointIndex::search(const giPoint3& p, Probe probe) const {
@@ -154,18 +129,18 @@ void PointIndex::search_neighbours(Search& search, Probe probe) const {
 // Looks at all records whose cell has this tag; other cells may share it, but the distance decides. True when a record at p itself
 // makes looking further needless, since no other can match.
 bool PointIndex::search_cell(std::uint32_t tag, Search& search) const {
-  const std::size_t mask = (std::size_t{1} << (32 - shift_)) - 1;
-  for (std::size_t k = tag >> shift_; slots_[k].ordinal != 0; k = (k + 1) & mask) {
+  const std::size_t mask = size() - 1;
+  for (std::size_t k = tag >> shift_; slots_[k].position != 0; k = (k + 1) & mask) {
     if (slots_[k].tag != tag) continue;
-    const int ordinal = static_cast<int>(slots_[k].ordinal - 1);
-    const Record& record = records_.at(ordinal);
+    const int position = static_cast<int>(slots_[k].position - 1);
+    const Record& record = records_.at(position);
     const double dx = search.p.x - record.x, dy = search.p.y - record.y, dz = search.p.z - record.z;
     if (!(dx * dx + dy * dy + dz * dz <= reach_sq_)) continue;
     if (apart_ && dx == 0.0 && dy == 0.0 && dz == 0.0) {
-      search.best = ordinal;
+      search.best = position;
       return true;
     }
-    consider(ordinal, search);
+    consider(position, search);
   }
   return false;
 }
@@ -174,39 +149,39 @@ int PointIndex::search_classes(const giPoint3& p) const {
   int best = -1;
   if (has_nan(p)) return best;
   for (int c = 0; c < 27; ++c) {
-    const int ordinal = class_best_[c];
-    if (ordinal >= 0 && comparable(class_of(p), c) && (best < 0 || better(ordinal, best))) best = ordinal;
+    const int position = class_best_[c];
+    if (position >= 0 && comparable(class_of(p), c) && (best < 0 || better(position, best))) best = position;
   }
   return best;
 }
 
-void PointIndex::consider(int ordinal, Search& search) const {
-  if (ordinal == search.best) return;
-  if (conditions_on_x_ && cut_off(ordinal, search.p.x)) {
+void PointIndex::consider(int position, Search& search) const {
+  if (position == search.best) return;
+  if (conditions_on_x_ && cut_off(position, search.p.x)) {
     apart_ = false;
-  } else if (search.best < 0 || better(ordinal, search.best)) {
-    search.best = ordinal;
+  } else if (search.best < 0 || better(position, search.best)) {
+    search.best = position;
   }
 }
 
-bool PointIndex::better(int ordinal, int than) const {
-  if (winner_ == Winner::lowest_number) return records_.at(ordinal).number < records_.at(than).number;
+bool PointIndex::better(int position, int than) const {
+  if (winner_ == Winner::lowest_number) return records_.at(position).number < records_.at(than).number;
   try {
     complete_order();
-    return order_.precedes(key(ordinal), key(than));
+    return order_.precedes(key(position), key(than));
   } catch (const std::bad_alloc&) {
-    return ordinal < than;
+    return position < than;
   }
 }
 
 // Whether the tree's conditions on x keep a search for this x from reaching the record. Conditions that the record itself meets
 // are met by all entries on the way to it.
-bool PointIndex::cut_off(int ordinal, double x) const {
-  const double at = records_.at(ordinal).x;
+bool PointIndex::cut_off(int position, double x) const {
+  const double at = records_.at(position).x;
   if (at + tol_ >= x && x >= at - tol_) return false;
   try {
     complete_order();
-    return !order_.reachable(key(ordinal), x, tol_);
+    return !order_.reachable(key(position), x, tol_);
   } catch (const std::bad_alloc&) {
     return false;
   }
@@ -221,11 +196,11 @@ void PointIndex::keep(const giPoint3& p, int number, Probe probe) {
   const bool in_grid = kind_ == Reach::near_points && finite(p);
   const bool in_class = kind_ == Reach::everything && !has_nan(p);
   if (!in_grid && !in_class && winner_ != Winner::tree_order) return;
-  const int ordinal = records_.count();
-  if ((in_grid && !grow()) || !records_.expand(ordinal + 1)) return;
-  records_.at(ordinal) = Record{p.x, p.y, p.z, number};
-  if (in_grid) enter(probe.home, static_cast<std::uint32_t>(ordinal) + 1);
-  if (in_class) keep_class(p, ordinal);
+  const int position = records_.count();
+  if ((in_grid && !grow(entered_ + 1)) || !records_.expand(position + 1)) return;
+  records_.at(position) = Record{p.x, p.y, p.z, number};
+  if (in_grid) enter(probe.home, static_cast<std::uint32_t>(position) + 1);
+  if (in_class) keep_class(p, position);
 }
 
 // In the tree an entry with a NaN x lies at the right end, behind the greatest x, and a search never passes it.
@@ -240,33 +215,35 @@ bool PointIndex::hidden(double x) {
   return false;
 }
 
-void PointIndex::keep_class(const giPoint3& p, int ordinal) {
+void PointIndex::keep_class(const giPoint3& p, int position) {
   int& best = class_best_[class_of(p)];
-  if (best < 0 || better(ordinal, best)) best = ordinal;
+  if (best < 0 || better(position, best)) best = position;
 }
 
-void PointIndex::enter(std::uint32_t tag, std::uint32_t ordinal) {
-  const std::size_t mask = (std::size_t{1} << (32 - shift_)) - 1;
+void PointIndex::enter(std::uint32_t tag, std::uint32_t position) {
+  const std::size_t mask = size() - 1;
   std::size_t k = tag >> shift_;
-  while (slots_[k].ordinal != 0) k = (k + 1) & mask;
-  slots_[k] = Slot{tag, ordinal};
+  while (slots_[k].position != 0) k = (k + 1) & mask;
+  slots_[k] = Slot{tag, position};
   ++entered_;
 }
 
-// Doubles a table that one more entry would fill beyond a half; false when it is then full. Places follow the high bits of the
-// tags, so that the old table is read and the new one is written from front to back.
-bool PointIndex::grow() {
-  const std::size_t size = std::size_t{1} << (32 - shift_);
-  if (2 * (std::size_t{entered_} + 1) <= size) return true;
-  Slot* fresh = shift_ > 1 ? static_cast<Slot*>(allocate_table(2 * size * sizeof(Slot))) : nullptr;
-  if (fresh == nullptr) return std::size_t{entered_} + 1 < size;
-  Slot* old = slots_;
-  slots_ = fresh;
-  --shift_;
+// Makes room for so many entries in no more than half of the slots; false when there is not even one slot to spare. Places follow
+// the high bits of the tags, so that the old table is read and the new one is written from front to back.
+bool PointIndex::grow(int entries) {
+  int shift = shift_;
+  while (shift > 1 && (std::int64_t{1} << (32 - shift)) < 2 * std::int64_t{entries}) --shift;
+  if (shift == shift_) return std::size_t(entries) < size();
+  coFlatArray<Slot> old(std::size_t{1} << (32 - shift));
+  if (old.size() == 0) return std::size_t(entries) < size();
+  const Slot* const old_slots = slots_;
+  const std::size_t old_size = size();
+  old.swap(large_table_);
+  slots_ = large_table_.begin();
+  shift_ = shift;
   entered_ = 0;
-  for (std::size_t k = 0; k < size; ++k) {
-    if (old[k].ordinal != 0) enter(old[k].tag, old[k].ordinal);
+  for (std::size_t k = 0; k < old_size; ++k) {
+    if (old_slots[k].position != 0) enter(old_slots[k].tag, old_slots[k].position);
   }
-  if (old != few_slots_) std::free(old);
   return true;
 }

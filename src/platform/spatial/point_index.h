@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "platform/containers/flat_array.h"
 #include "platform/containers/page_arr.h"
 #include "platform/geometry/point3.h"
 #include "platform/spatial/tree_order.h"
@@ -34,14 +35,23 @@ class PointIndex {
   PointIndex(double tol, Winner winner);
   PointIndex(const PointIndex&) = delete;
   PointIndex& operator=(const PointIndex&) = delete;
-  ~PointIndex();
+
+  /// Sizes the table for n kept points.
+  void reserve(int n) { grow(n); }
+
+  /// Kept points, and the number of each by its position in the order of keeping. Points that can match nothing may be left out.
+  int count() const { return records_.count(); }
+  int number(int position) const { return records_.at(position).number; }
 
   /// The number of a kept point that matches p; or -1, and then p is kept under `number`, which should not be negative.
   ///
   /// In tree order an entry cut off by the search conditions of the tree (on x alone, rounded) is not found, as in the tree. This
   /// holds for positive tolerances with a square of normal size; for others the conditions on x are passed over. In all cases a
   /// point whose x is NaN hides all later points that are not left of every point before it, as in the tree.
-  int find_or_add(const giPoint3& p, int number) { return find_or_add(p, number, home_of(p)); }
+  int find_or_add(const giPoint3& p, int number) {
+    const int found = find_or_add_position(p, number, probe(p));
+    return found < 0 ? -1 : records_.at(found).number;
+  }
 
   /// The number of a kept point that matches p, or -1.
   int find(const giPoint3& p) const;
@@ -49,15 +59,14 @@ class PointIndex {
   /// Keeps p without a search. If p matches a point kept before, cells may fill up and searches get slower.
   void keep(const giPoint3& p, int number);
 
-  /// For calls in batches of about 16, three loops: `prepare` each point, `warm` each probe, `find_or_add` each with its probe. The
-  /// waits for memory then overlap. A probe stays good while other points are added.
-  Probe prepare(const giPoint3& p) const {
-    const Probe probe = home_of(p);
-    __builtin_prefetch(slots_ + (probe.home >> shift_));
-    return probe;
-  }
-  void warm(Probe probe) const;
-  int find_or_add(const giPoint3& p, int number, Probe probe);
+  /// For many points in a row: let `probe` and `prefetch` run some 32 points ahead and `prefetch_record` some 16, so that the waits
+  /// for memory overlap. A probe stays good while other points are added.
+  Probe probe(const giPoint3& p) const;
+  void prefetch(Probe probe) const { __builtin_prefetch(&slots_[probe.home >> shift_]); }
+  void prefetch_record(Probe probe) const;
+
+  /// The same as `find_or_add`, but names the position of the point found.
+  int find_or_add_position(const giPoint3& p, int number, Probe probe);
 
  private:
   struct Record {
@@ -66,11 +75,11 @@ class PointIndex {
   };
   struct Slot {
     std::uint32_t tag;      // all bits of the cell's hash
-    std::uint32_t ordinal;  // position of the record plus one; 0: empty
+    std::uint32_t position;  // of the record, plus one; 0: empty
   };
   struct Search {
     const giPoint3& p;
-    int best = -1;  // ordinal of the record to be named so far
+    int best = -1;  // position of the record to be named so far
   };
   struct CellRange {
     std::uint64_t first, last;
@@ -79,22 +88,22 @@ class PointIndex {
 
   std::uint64_t cell(double x) const;
   CellRange cells_near(double x) const;
-  Probe home_of(const giPoint3& p) const;
   int search(const giPoint3& p, Probe probe) const;
   void search_neighbours(Search& search, Probe probe) const;
   bool search_cell(std::uint32_t tag, Search& search) const;
   int search_classes(const giPoint3& p) const;
-  void consider(int ordinal, Search& search) const;
-  bool better(int ordinal, int than) const;
-  bool cut_off(int ordinal, double x) const;
+  void consider(int position, Search& search) const;
+  bool better(int position, int than) const;
+  bool cut_off(int position, double x) const;
   void complete_order() const;
-  TreeOrder::Key key(int ordinal) const { return {records_.at(ordinal).x, ordinal}; }
+  TreeOrder::Key key(int position) const { return {records_.at(position).x, position}; }
 
   void keep(const giPoint3& p, int number, Probe probe);
   bool hidden(double x);
-  void keep_class(const giPoint3& p, int ordinal);
-  void enter(std::uint32_t tag, std::uint32_t ordinal);
-  bool grow();
+  void keep_class(const giPoint3& p, int position);
+  void enter(std::uint32_t tag, std::uint32_t position);
+  bool grow(int entries);
+  std::size_t size() const { return std::size_t{1} << (32 - shift_); }
 
   double tol_;
   double reach_sq_;         // tol * tol
@@ -108,10 +117,11 @@ class PointIndex {
   mutable bool apart_ = true;  // surely no two points kept match each other
 
   coPageArr<Record> records_;
-  Slot* slots_;
-  int shift_;  // 32 - log2 of the slots
-  std::uint32_t entered_ = 0;  // slots in use
-  Slot few_slots_[16] = {};    // the first table
+  coFlatArray<Slot> large_table_;
+  Slot small_table_[16] = {};
+  Slot* slots_ = small_table_;
+  int shift_ = 28;   // 32 - log2 of the slots
+  int entered_ = 0;  // slots in use
 
   int class_best_[27];  // under an overflowing tolerance: the winner of each class of points, -1 for none
 

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+/// What the program returns to the shell. Of several files the highest code counts.
+enum class ExitCode { done = 0, wrong_usage = 2, cannot_read = 3, cannot_write = 4, interrupted = 6 };
+
+/// Ends the work on one file: its text is shown to the user, its code becomes the exit code.
+class Failure : public std::runtime_error {
+ public:
+  Failure(ExitCode code, const std::string& text) : std::runtime_error(text), code_(code) {}
+  ExitCode code() const { return code_; }
+
+  static Failure interrupted() { return {ExitCode::interrupted, "interrupted"}; }
+
+ private:
+  ExitCode code_;
+};

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <atomic>
+#include <string>
+
+/// The user's wish to stop: Ctrl-C, a polite kill, a closed terminal.
+///
+/// The first signal only sets a flag, which the library polls; system calls that wait are cut short. The second one ends the
+/// program at once. Either way no half-written file is left behind.
+class Interruption {
+ public:
+  /// Catches the signals, except those that the parent process asked to ignore. Writing to a closed pipe or beyond a file size
+  /// limit becomes an ordinary error instead of a signal.
+  static void install();
+
+  static bool requested() { return signals_.load(std::memory_order_relaxed) != 0; }
+
+  /// Throws when the user wants to stop.
+  static void check();
+
+  /// The file that the second signal removes; an empty path means none. Paths too long for the system are ignored.
+  static void set_unfinished_file(const std::string& path);
+
+ private:
+  static void on_signal(int);
+  static std::atomic<int> signals_;
+};

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+enum class MeshFormat { binary_stl, ascii_stl };
+
+/// "binary STL" or "ASCII STL".
+const char* name_of(MeshFormat format);
+
+/// The format that a file's name asks for by its extension, in any case; none when the program cannot write it.
+std::optional<MeshFormat> format_of_extension(const std::string& path);
+
+/// One line that names the extensions that can be written.
+const char* writable_extensions();
+
+/// How much of a file's start `format_of_content` wants to see.
+constexpr std::size_t sniffed_bytes = 64 * 1024;
+
+/// The format of a file that begins with `head`, told by its content alone: many binary files begin with "solid", and many files
+/// named .stl are text.
+/// @param size  size of the whole file where it is known
+/// @return      none when it is no STL file: too short, or a text without facets
+std::optional<MeshFormat> format_of_content(std::string_view head, std::optional<std::uint64_t> size);
+
+constexpr std::uint64_t binary_stl_header_bytes = 84;
+constexpr std::uint64_t binary_stl_facet_bytes = 50;
+
+/// The facet count that the header of a binary STL file promises; `head` holds at least the header.
+std::uint32_t promised_facets(std::string_view head);

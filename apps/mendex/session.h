@@ -1,0 +1,14 @@
+#pragma once
+
+#include <mendexlib.h>
+
+#include "messages.h"
+#include "progress_bar.h"
+
+/// What one run of the program works with. There is one, and it is never torn down: see `main`.
+struct Session {
+  ProgressBar progress;
+  Messages messages{progress};
+  trTriBlock mesh;
+  bool is_quiet = false;  // no summary beside the result that was asked for
+};

@@ -1,0 +1,103 @@
+#include "written_file_check.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <cstring>
+#include <string>
+
+namespace {
+
+constexpr std::size_t facets_at_a_time = 8192;
+constexpr std::size_t normal_bytes = 12;
+constexpr std::int64_t lines_of_a_facet = 7;
+constexpr std::int64_t lines_of_a_solid = 2;
+
+// Fills `to` from the file's position `from` on; false when the file ends before.
+bool read_at(int file, std::uint64_t from, char* to, std::size_t size) {
+  for (std::size_t done = 0; done < size;) {
+    const ssize_t n = pread(file, to + done, size - done, static_cast<off_t>(from + done));
+    if (n < 0 && errno == EINTR) continue;
+    if (n <= 0) return false;
+    done += static_cast<std::size_t>(n);
+  }
+  return true;
+}
+
+std::uint64_t size_of(int file) {
+  struct stat status = {};
+  return fstat(file, &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
+}
+
+}  // namespace
+
+WrittenFileCheck::WrittenFileCheck(const trTriBlock& mesh, int file, MeshFormat format, bool positive) : mesh_(mesh), file_(file) {
+  is_sound_ = format == MeshFormat::binary_stl ? check_binary(positive) : check_ascii();
+}
+
+bool WrittenFileCheck::check_binary(bool positive) {
+  const auto facets = static_cast<std::uint64_t>(mesh_.valid_elements());
+  char header[binary_stl_header_bytes];
+  if (size_of(file_) != binary_stl_header_bytes + binary_stl_facet_bytes * facets) return false;
+  if (!read_at(file_, 0, header, sizeof header)) return false;
+  if (promised_facets({header, sizeof header}) != facets) return false;
+  if (positive) return true;
+  std::string records(facets_at_a_time * binary_stl_facet_bytes, '\0');
+  int element = 0;
+  for (std::uint64_t done = 0; done < facets;) {
+    const std::uint64_t count = std::min<std::uint64_t>(facets_at_a_time, facets - done);
+    const std::uint64_t at = binary_stl_header_bytes + binary_stl_facet_bytes * done;
+    if (!read_at(file_, at, &records[0], count * binary_stl_facet_bytes)) return false;
+    if (!check_facets(records.data(), static_cast<int>(count), element)) return false;
+    done += count;
+  }
+  return true;
+}
+
+// Compares records with the valid elements that follow number `element`, which ends as the last one compared.
+bool WrittenFileCheck::check_facets(const char* records, int count, int& element) {
+  for (int k = 0; k < count; ++k) {
+    do {
+      if (++element >= mesh_.element_count()) return false;
+    } while (!mesh_.element(element).valid());
+    const char* corner = records + static_cast<std::size_t>(k) * binary_stl_facet_bytes + normal_bytes;
+    for (int c = 0; c < 3; ++c, corner += 3 * sizeof(float)) {
+      if (!check_corner(corner, mesh_.point(mesh_.element(element)[c]))) return false;
+    }
+  }
+  return true;
+}
+
+// Finite values are compared by their bits, so that a zero keeps its sign.
+bool WrittenFileCheck::check_corner(const char* record, const giPoint3& point) {
+  const float expected[3] = {static_cast<float>(point.x), static_cast<float>(point.y), static_cast<float>(point.z)};
+  const bool is_finite = expected[0] * 0.0f + expected[1] * 0.0f + expected[2] * 0.0f == 0.0f;
+  if (is_finite) return std::memcmp(record, expected, sizeof expected) == 0;
+  const double exact[3] = {point.x, point.y, point.z};
+  for (int k = 0; k < 3; ++k) {
+    float written;
+    std::memcpy(&written, record + static_cast<std::size_t>(k) * sizeof written, sizeof written);
+    if (!(written == expected[k] || (std::isnan(written) && std::isnan(expected[k])))) return false;
+    if (std::isinf(expected[k]) && std::isfinite(exact[k])) has_overflow_ = true;
+  }
+  return true;
+}
+
+bool WrittenFileCheck::check_ascii() const {
+  const std::string closing = "endsolid\n";
+  const std::uint64_t size = size_of(file_);
+  std::string piece(256 * 1024, '\0');
+  std::int64_t lines = 0;
+  for (std::uint64_t at = 0; at < size;) {
+    const std::size_t n = std::min<std::uint64_t>(piece.size(), size - at);
+    if (!read_at(file_, at, &piece[0], n)) return false;
+    lines += std::count(piece.data(), piece.data() + n, '\n');
+    at += n;
+  }
+  std::string end(closing.size(), '\0');
+  return size >= closing.size() && read_at(file_, size - closing.size(), &end[0], end.size()) && end == closing &&
+         lines == lines_of_a_facet * mesh_.valid_elements() + lines_of_a_solid;
+}

@@ -1,0 +1,85 @@
+#include "goals.h"
+
+#include <cmath>
+#include <limits>
+#include <utility>
+
+#include "measure.h"
+
+namespace {
+
+constexpr FacetOrder orders[] = {FacetOrder::ordered, FacetOrder::shuffled};
+constexpr const char* merges[] = {"unduplicate_exact", "unduplicate_1e-6_edge", "unduplicate_0.1_edge"};
+
+// The lines of one run, put together goal by goal.
+class Judge {
+ public:
+  explicit Judge(const RunFacts& facts) : facts_(facts) {}
+
+  void at_most(const std::string& text, double limit, double value) { lines_.push_back({text, limit, false, value}); }
+  void at_least(const std::string& text, double limit, double value) { lines_.push_back({text, limit, true, value}); }
+
+  void ratio(const std::string& measure, const std::string& yardstick, FacetOrder order, double limit) {
+    at_most(measure + " / " + yardstick + ", " + name_of(order), limit,
+            facts_.results.ratio(measure, yardstick, facts_.judged_size, order));
+  }
+
+  void ratio(const std::string& measure, const std::string& yardstick, double limit) {
+    for (const FacetOrder order : orders) ratio(measure, yardstick, order, limit);
+  }
+
+  void shuffled_against_ordered(const std::string& measure, double limit) {
+    at_most(measure + ", shuffled / ordered", limit, seconds(measure, FacetOrder::shuffled) / seconds(measure, FacetOrder::ordered));
+  }
+
+  double seconds(const std::string& measure, FacetOrder order) const {
+    return facts_.results.seconds(measure, facts_.judged_size, order);
+  }
+
+  // The worst exponent of any operation.
+  void growth(double limit) {
+    if (facts_.largest_size <= growth_start) return;
+    double worst = std::numeric_limits<double>::quiet_NaN();
+    std::string which;
+    for (const Measure& measure : all_measures()) {
+      if (measure.is_floor()) continue;
+      for (const FacetOrder order : orders) {
+        const double exponent = facts_.results.growth(measure.name, growth_start, facts_.largest_size, order);
+        if (std::isnan(exponent) || exponent <= worst) continue;
+        worst = exponent;
+        which = measure.name + ", " + name_of(order);
+      }
+    }
+    at_most("growth exponent, worst of all: " + which, limit, worst);
+  }
+
+  std::vector<GoalLine> take() { return std::move(lines_); }
+
+ private:
+  const RunFacts& facts_;
+  std::vector<GoalLine> lines_;
+};
+
+}  // namespace
+
+std::vector<GoalLine> judge_goals(const RunFacts& facts) {
+  Judge judge(facts);
+  judge.ratio("read_stl", "flat_parse", 6.0);
+  for (const FacetOrder order : orders) {
+    if (facts.ascii_bytes == 0.0) break;
+    judge.at_least(std::string("read_ast, MB/s, ") + name_of(order), 150.0, facts.ascii_bytes / 1e6 / judge.seconds("read_ast", order));
+  }
+  for (const char* merge : merges) judge.ratio(merge, "hash_merge", 4.0);
+  for (const char* merge : merges) judge.shuffled_against_ordered(merge, 1.5);
+  judge.ratio("build_edges", "flat_parse", FacetOrder::ordered, 5.0);
+  judge.ratio("build_edges", "flat_parse", FacetOrder::shuffled, 12.0);
+  judge.ratio("reference_elements", "build_edges", 2.0 / 3.0);
+  judge.ratio("write_stl", "flat_write", 2.0);
+  judge.ratio("write_ast", "flat_write_ascii", 2.0);
+  judge.growth(1.15);
+  if (facts.memory) {
+    judge.at_most("bytes a triangle, after reading", 220.0, facts.memory->after_reading);
+    judge.at_most("bytes a triangle more, while merging", 60.0, facts.memory->while_merging);
+  }
+  return judge.take();
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "support/bumpy_torus.h"
+
+/// The input of one size and facet order: the soup in memory and the files that hold it.
+class Model {
+ public:
+  Model(std::size_t facets, FacetOrder order, std::filesystem::path folder);
+  ~Model();
+  Model(const Model&) = delete;
+  Model& operator=(const Model&) = delete;
+
+  const Soup& soup() const { return soup_; }
+  std::size_t facets() const { return soup_.facets; }
+  std::size_t vertices() const { return soup_.vertices; }
+  double shortest_edge() const { return soup_.shortest_edge; }
+  FacetOrder order() const { return order_; }
+
+  /// The soup as a file, written at the first call.
+  const std::filesystem::path& binary_file() const;
+  const std::filesystem::path& ascii_file() const;
+  /// Where a measure may write; what is there is overwritten.
+  const std::filesystem::path& output_file() const { return output_; }
+
+ private:
+  FacetOrder order_;
+  Soup soup_;
+  std::filesystem::path binary_;
+  std::filesystem::path ascii_;
+  std::filesystem::path output_;
+};
+
+const char* name_of(FacetOrder order);
