@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+
+#include "platform/utilities/export.h"
+
+class trTriBlock;
+
+/// Reads one file into a triangle block: built around an open stream, used for one read, and gone.
+///
+/// Nodes and elements are numbered on from the ends of the block's arrays, after clearing it unless the reader appends. No reader
+/// merges coincident corners. Every reader reports progress and polls for interruption for each record; interrupted, it returns 0
+/// at once and what was stored stays. Streams are read as bytes: open them in binary mode.
+class MENDEX_EXPORT trTriRead {
+ public:
+  /// @param mesh            the block to fill; not owned
+  /// @param stream          owned from here on: closed with the reader, whatever the outcome
+  /// @param append          non-zero: add to the block instead of replacing it
+  /// @param read_node_data  non-zero: keep node attributes found in the file, when not appending
+  trTriRead(trTriBlock* mesh, std::FILE* stream, int append, int read_node_data);
+  ~trTriRead();
+  trTriRead(const trTriRead&) = delete;
+  trTriRead& operator=(const trTriRead&) = delete;
+
+  /// Reads binary STL: three new nodes and one element for each facet; normals and attribute words are dropped.
+  ///
+  /// Keeps facets `start` (from 1) to `stop` (0: to the end); later ones are not read. A stop below start keeps nothing. At a facet
+  /// that the file cuts short, reading ends with "** Error reading element i **"; its complete corners stay as loose nodes.
+  /// @return 1 for success, 0 on failure or interruption
+  /// Cost: O(n); memory in proportion to the bytes that are there, whatever count the file declares.
+  int read_stl(int start, int stop);
+
+  /// Reads ASCII STL: keywords in any case, white space as it comes, any number of solids. The words facet, vertex and endfacet are
+  /// keywords wherever they stand, in names too. Coordinates are read as doubles, whatever the locale.
+  ///
+  /// Keeps facets `start` to `stop`; a stop below start means no limit. Reading ends at the first facet that fails, which stores
+  /// nothing.
+  /// @return 1 for success, 0 on failure or interruption
+  int read_ast(int start, int stop);
+
+ protected:
+  /// Reconciles the block's node attributes with the n attributes a node that the file carries, saying what becomes of them.
+  /// Returns the block's attributes a node afterwards.
+  int reset_node_data_size(int n);
+
+  trTriBlock* mesh;
+  std::FILE* file;
+  std::int32_t append;
+  std::int32_t read_node_data;
+
+ private:
+  void reconcile_appended_data(int n);
+  void begin_reading();
+  int read_facets(int start, std::uint32_t facets, std::uint32_t& failed);
+};
