@@ -6,7 +6,8 @@
 
 MeshFormat output_format(const std::string& path) {
   if (const std::optional<MeshFormat> format = format_of_extension(path)) return *format;
-  throw Failure(ExitCode::wrong_usage, path + ": cannot tell the format from the name; supported are " + writable_extensions());
+  throw Failure(ExitCode::wrong_usage,
+                path + ": cannot tell the format from the name; supported are " + writable_extensions());
 }
 
 ExitCode run_convert(Session& session, const ConvertOptions& options) {

@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <exception>
-#include <limits>
 
 #include "failure.h"
 #include "interruption.h"
@@ -84,20 +83,25 @@ class CommandLine {
     CLI::App* verb = app_.add_subcommand("info", "Statistics and mass properties of STL files");
     verb->add_option("FILE", info_.files, "Files to report on")->required();
     verb->add_flag("--json", info_.is_json, "One JSON object a file, each on one line");
-    verb->footer("Nothing is merged: an STL file has three nodes a triangle. Numbers that are not finite are null in JSON.");
+    verb->footer(
+        "Nothing is merged: an STL file has three nodes a triangle. Numbers that are not finite are null in JSON.");
   }
 
   void add_weld() {
-    CLI::App* verb = app_.add_subcommand("weld", "Merge coincident nodes, drop triangles that collapse, write the result");
+    CLI::App* verb =
+        app_.add_subcommand("weld", "Merge coincident nodes, drop triangles that collapse, write the result");
     verb->add_option("IN", weld_.input, "STL file to read")->required();
-    verb->add_option("-o,--output", weld_.output, "File to write: .stl binary, .ast ASCII; it may be IN itself")->required();
-    weld_.tolerance = std::numeric_limits<double>::denorm_min();
+    verb->add_option("-o,--output", weld_.output, "File to write: .stl binary, .ast ASCII; it may be IN itself")
+        ->required();
     verb->add_option("--tol", weld_.tolerance,
-                     "Merge nodes up to this far apart, in the units of the model; 0 merges nothing. Without it only exact copies merge")
+                     "Merge nodes up to this far apart, in the units of the model; 0 merges nothing. Without it only "
+                     "exact copies merge")
         ->check(CLI::Validator(tolerance_problem, "LENGTH"));
-    verb->add_flag("--positive", weld_.is_positive, "Move the model, by round amounts, to where no coordinate is negative");
+    verb->add_flag("--positive", weld_.is_positive,
+                   "Move the model, by round amounts, to where no coordinate is negative");
     verb->add_flag("--json", weld_.is_json, "Print one JSON object with the statistics before and after");
-    verb->footer("OUT is replaced only when the new file is complete; on any failure, and on Ctrl-C, it stays as it was.");
+    verb->footer(
+        "OUT is replaced only when the new file is complete; on any failure, and on Ctrl-C, it stays as it was.");
   }
 
   void add_convert() {
@@ -107,7 +111,8 @@ class CommandLine {
     verb->footer("ASCII files keep seven significant digits. Colours are not kept.");
   }
 
-  CLI::App app_{"Repair triangle meshes: read a broken STL file, merge its nodes, tell what is in it, write it back.", "mendex"};
+  CLI::App app_{"Repair triangle meshes: read a broken STL file, merge its nodes, tell what is in it, write it back.",
+                "mendex"};
   bool is_quiet_ = false;
   bool is_verbose_ = false;
   InfoOptions info_;
@@ -141,7 +146,8 @@ ExitCode after_flushing(ExitCode code, Session& session) {
 
 }  // namespace
 
-// Ends without destroying the session: the system takes a process's memory back faster than it could be given back page by page.
+// Ends without destroying the session: the system takes a process's memory back faster than it could be given back page
+// by page.
 int main(int argc, char** argv) {
   Interruption::install();
   static Session& session = *new Session;

@@ -26,7 +26,8 @@ void write_mesh(Session& session, const std::string& path, MeshFormat format, bo
   if (!is_written) throw Failure(ExitCode::cannot_write, "cannot be written");
   const WrittenFileCheck check(session.mesh, output.descriptor(), format, positive);
   Interruption::check();
-  if (!check.is_sound()) throw Failure(ExitCode::cannot_write, "what was written reads back differently; the file is left as it was");
+  if (!check.is_sound())
+    throw Failure(ExitCode::cannot_write, "what was written reads back differently; the file is left as it was");
   if (check.has_overflow()) session.messages.warning("coordinates too large for the format were written as infinite");
   output.commit();
 }

@@ -67,14 +67,16 @@ SafeOutput::~SafeOutput() {
   close(file_);
 }
 
-// The owner first, because changing it drops permission bits. Not being allowed to is no error: the file is then simply the user's.
+// The owner first, because changing it drops permission bits. Not being allowed to is no error: the file is then simply
+// the user's.
 void SafeOutput::take_over_permissions() const {
   struct stat status = {};
   if (!replaces_ || stat(target_.c_str(), &status) != 0) {
     fchmod(file_, permissions_of_new_files());
     return;
   }
-  if ((status.st_uid != geteuid() || status.st_gid != getegid()) && fchown(file_, status.st_uid, status.st_gid) != 0) errno = 0;
+  if ((status.st_uid != geteuid() || status.st_gid != getegid()) && fchown(file_, status.st_uid, status.st_gid) != 0)
+    errno = 0;
   fchmod(file_, status.st_mode & 07777);
 }
 

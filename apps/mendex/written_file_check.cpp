@@ -34,7 +34,8 @@ std::uint64_t size_of(int file) {
 
 }  // namespace
 
-WrittenFileCheck::WrittenFileCheck(const trTriBlock& mesh, int file, MeshFormat format, bool positive) : mesh_(mesh), file_(file) {
+WrittenFileCheck::WrittenFileCheck(const trTriBlock& mesh, int file, MeshFormat format, bool positive)
+    : mesh_(mesh), file_(file) {
   is_sound_ = format == MeshFormat::binary_stl ? check_binary(positive) : check_ascii();
 }
 

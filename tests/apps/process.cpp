@@ -28,7 +28,8 @@ std::string contents_of(int file) {
   std::string text;
   char piece[4096];
   off_t at = 0;
-  for (ssize_t n; (n = pread(file, piece, sizeof piece, at)) > 0; at += n) text.append(piece, static_cast<std::size_t>(n));
+  for (ssize_t n; (n = pread(file, piece, sizeof piece, at)) > 0; at += n)
+    text.append(piece, static_cast<std::size_t>(n));
   return text;
 }
 

@@ -42,7 +42,7 @@ class Process {
   void drain_terminal();
 
   pid_t id_ = -1;
-  int output_ = -1;    // unlinked files that collect the texts
+  int output_ = -1;  // unlinked files that collect the texts
   int errors_ = -1;
   int terminal_ = -1;  // our end of the terminal
   int terminal_of_program_ = -1;

@@ -20,7 +20,9 @@ const std::string old_contents = "the only copy of something";
 // A folder with a target and a pipe from which the program reads as slowly as the test wants.
 class SlowWeld {
  public:
-  SlowWeld() : pipe_(folder_.path("pipe")), target_(folder_.write("target.stl", old_contents)) { mkfifo(pipe_.c_str(), 0600); }
+  SlowWeld() : pipe_(folder_.path("pipe")), target_(folder_.write("target.stl", old_contents)) {
+    mkfifo(pipe_.c_str(), 0600);
+  }
 
   ProcessSetup setup() const { return mendex_setup({"weld", pipe_, "-o", target_}); }
 
@@ -106,13 +108,17 @@ TEST(MendexOutput, RefusesTargetsThatCannotBeReplaced) {
   std::filesystem::create_symlink("/dev/full", folder.path("full.stl"));
   const std::vector<std::string> names_before = folder.names();
   const std::vector<std::pair<const char*, const char*>> cases = {
-      {"missing/out.stl", "No such file or directory"}, {"file/out.stl", "Not a directory"},
-      {"folder.stl", "Is a directory"},                 {"pipe.stl", "it is not a regular file"},
-      {"loop.stl", "Too many levels of symbolic links"}, {"full.stl", "it is not a regular file"},
+      {"missing/out.stl", "No such file or directory"},
+      {"file/out.stl", "Not a directory"},
+      {"folder.stl", "Is a directory"},
+      {"pipe.stl", "it is not a regular file"},
+      {"loop.stl", "Too many levels of symbolic links"},
+      {"full.stl", "it is not a regular file"},
   };
   for (const auto& [name, message] : cases) {
-    for (const std::vector<std::string>& command : {std::vector<std::string>{"weld", sample("open_box.ast"), "-o", folder.path(name)},
-                                                    {"convert", sample("open_box.ast"), folder.path(name)}}) {
+    for (const std::vector<std::string>& command :
+         {std::vector<std::string>{"weld", sample("open_box.ast"), "-o", folder.path(name)},
+          {"convert", sample("open_box.ast"), folder.path(name)}}) {
       const ProcessResult result = run_mendex(command);
       EXPECT_EQ(result.exit_code, 4) << name;
       EXPECT_EQ(result.output, "") << name;
@@ -135,7 +141,8 @@ TEST(MendexOutput, RespectsWriteProtection) {
   EXPECT_EQ(contents_of_file(target), old_contents);
 }
 
-// A disk that fills up part of the way, played by a limit on the size of files: at every size below the whole the target stays.
+// A disk that fills up part of the way, played by a limit on the size of files: at every size below the whole the
+// target stays.
 TEST(MendexOutput, FullDiskLeavesTheTarget) {
   const TestFolder folder;
   const std::string target = folder.write("target.stl", old_contents);
@@ -179,8 +186,10 @@ TEST(MendexLocale, NumbersDoNotFollowTheUsersLanguage) {
   ProcessSetup make_locale;
   make_locale.program = "/usr/bin/localedef";
   make_locale.arguments = {"-i", "de_DE", "-f", "UTF-8", folder.path("de_DE.UTF-8")};
-  if (access(make_locale.program.c_str(), X_OK) != 0 || run_process(make_locale).exit_code > 1) GTEST_SKIP() << "no locale";
-  ProcessSetup setup = mendex_setup({"weld", sample("gap_sphere.stl"), "-o", folder.path("out.ast"), "--tol", "0.002", "--json"});
+  if (access(make_locale.program.c_str(), X_OK) != 0 || run_process(make_locale).exit_code > 1)
+    GTEST_SKIP() << "no locale";
+  ProcessSetup setup =
+      mendex_setup({"weld", sample("gap_sphere.stl"), "-o", folder.path("out.ast"), "--tol", "0.002", "--json"});
   setup.environment = {{"LOCPATH", folder.path("")}, {"LC_ALL", "de_DE.UTF-8"}};
   const ProcessResult result = run_process(setup);
   EXPECT_EQ(result.exit_code, 0) << result.errors;
