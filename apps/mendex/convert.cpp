@@ -14,7 +14,7 @@ ExitCode run_convert(Session& session, const ConvertOptions& options) {
   const MeshFormat format = output_format(options.output);
   const ReadOutcome read = read_mesh(session, options.input);
   const int triangles = session.mesh.valid_elements();
-  write_mesh(session, options.output, format, false);
+  write_mesh(session, {options.output, format, false, options.input});
   session.progress.erase();
   if (session.is_quiet) return ExitCode::done;
   std::printf("%s (%s) -> %s (%s): %d triangles\n", printable(options.input).c_str(), name_of(read.format),

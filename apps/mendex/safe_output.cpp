@@ -108,9 +108,11 @@ void SafeOutput::check() const {
   if (error_ != 0) fail(error_);
 }
 
+void SafeOutput::flush_to_disk() const {
+  if (fsync(file_) != 0) fail(errno);
+}
+
 void SafeOutput::commit() {
-  // Whoever replaces his only copy must not lose both to a power cut between the two steps.
-  if (replaces_ && fsync(file_) != 0) fail(errno);
   Interruption::check();
   if (rename(temporary_.c_str(), target_.c_str()) != 0) fail(errno);
   temporary_.clear();

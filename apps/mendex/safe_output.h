@@ -25,6 +25,9 @@ class SafeOutput {
   /// The temporary file, open for reading and writing.
   int descriptor() const { return file_; }
 
+  /// Waits until the contents are on the disk.
+  void flush_to_disk() const;
+
   /// Puts the file in the target's place.
   void commit();
 

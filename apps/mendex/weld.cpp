@@ -28,7 +28,7 @@ ExitCode run_weld(Session& session, const WeldOptions& options) {
   const MeshStatistics after = options.is_json ? measure_mesh(session.mesh) : counts_only(count_mesh(session.mesh));
   Interruption::check();
   const WeldAccount account{options.input, options.output, read, format, options.tolerance, before, after};
-  write_mesh(session, options.output, format, options.is_positive);
+  write_mesh(session, {options.output, format, options.is_positive, options.input});
   session.progress.erase();
   if (options.is_json) {
     std::printf("%s\n", json_of_weld(session, account).c_str());

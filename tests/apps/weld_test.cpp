@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <limits>
 #include <nlohmann/json.hpp>
 
 #include "apps/process.h"
@@ -101,6 +101,18 @@ TEST(MendexWeld, KeepsCoordinatesUnlessAskedToMoveThem) {
   EXPECT_EQ(corners_in(folder.path("same.stl")), corners_in(input));
   weld(input, folder.path("moved.stl"), {"--positive"});
   EXPECT_EQ(info(folder.path("moved.stl"))["box"]["min"], Json::parse("[3, 0, 0]"));  // by 10, the next round step
+}
+
+// Values that compare unlike their bits: writing turns a negative zero into a positive one, and nothing equals a NaN.
+TEST(MendexWeld, WritesZerosAndNumbersThatAreNone) {
+  const TestFolder folder;
+  std::vector<FacetCorners> facets = some_facets(3);
+  facets[0][1] = -0.0f;
+  facets[1][2] = std::numeric_limits<float>::quiet_NaN();
+  facets[2][3] = -std::numeric_limits<float>::infinity();
+  const Json report = weld(folder.write("in.stl", binary_stl(facets)), folder.path("out.stl"));
+  EXPECT_EQ(report["after"]["elements"], 3);
+  EXPECT_EQ(report["warnings"], Json::array());
 }
 
 // The output may be the input: the file is whole before it takes the name, and keeps its permissions.
