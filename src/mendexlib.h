@@ -20,3 +20,6 @@
 #include "platform/containers/shared_ptr.h"
 #include "platform/containers/sort.h"
 #include "platform/utilities/export.h"
+#include "progress/break_handler.h"
+#include "progress/output.h"
+#include "progress/progress.h"
