@@ -2,6 +2,10 @@
 
 /// The one header that a host includes: everything the library exports.
 
+#include "formats/bin_read.h"
+#include "formats/bin_write.h"
+#include "formats/tri_read.h"
+#include "formats/tri_write.h"
 #include "platform/containers/base_set.h"
 #include "platform/containers/buffer_guard.h"
 #include "platform/containers/cell_pool.h"
