@@ -51,7 +51,10 @@ double InputFile::fraction_read() const {
 
 FILE* InputFile::stream() { return make_stream(read_raw); }
 
-FILE* InputFile::stream_without_names() { return make_stream(read_filtered); }
+FILE* InputFile::stream_without_names() {
+  if (starts_with_byte_order_mark(head_)) head_used_ = byte_order_mark.size();
+  return make_stream(read_filtered);
+}
 
 FILE* InputFile::make_stream(ssize_t (*read)(void*, char*, std::size_t)) {
   cookie_io_functions_t functions = {};
@@ -64,16 +67,18 @@ FILE* InputFile::make_stream(ssize_t (*read)(void*, char*, std::size_t)) {
 
 // A signal that asks for the end cuts a waiting read short; any other one lets it go on.
 ssize_t InputFile::read_from_file(char* to, std::size_t size) {
-  for (;;) {
+  while (!Interruption::requested()) {
     const ssize_t n = ::read(file_, to, size);
     if (n >= 0) {
       bytes_read_ += static_cast<std::uint64_t>(n);
       return n;
     }
-    if (errno == EINTR && !Interruption::requested()) continue;
+    if (errno == EINTR) continue;
     error_ = errno;
     return -1;
   }
+  error_ = EINTR;
+  return -1;
 }
 
 ssize_t InputFile::read_more(char* to, std::size_t size) {

@@ -26,7 +26,7 @@ class InputFile {
   /// A stream over the whole contents, to be called once. Whoever takes it closes it, before this object ends.
   FILE* stream();
 
-  /// The same, without the names of solids.
+  /// The same for a text, without byte order mark and names of solids.
   FILE* stream_without_names();
 
   /// How much of the file was read, from 0 to 1; 0 when its size is not known.

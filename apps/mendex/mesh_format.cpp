@@ -13,8 +13,7 @@ std::string lower(std::string_view text) {
 bool contains(const std::string& text, const char* word) { return text.find(word) != std::string::npos; }
 
 std::string_view first_word(std::string_view text) {
-  constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
-  if (text.substr(0, byte_order_mark.size()) == byte_order_mark) text.remove_prefix(byte_order_mark.size());
+  if (starts_with_byte_order_mark(text)) text.remove_prefix(byte_order_mark.size());
   const std::size_t begin = text.find_first_not_of(" \t\r\n");
   if (begin == std::string_view::npos) return {};
   return text.substr(begin, text.find_first_of(" \t\r\n", begin) - begin);

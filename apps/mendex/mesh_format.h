@@ -25,6 +25,10 @@ constexpr std::size_t sniffed_bytes = 64 * 1024;
 /// @return      none when it is no STL file: too short, or a text without facets
 std::optional<MeshFormat> format_of_content(std::string_view head, std::optional<std::uint64_t> size);
 
+/// What some editors put before UTF-8 text.
+constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
+inline bool starts_with_byte_order_mark(std::string_view text) { return text.substr(0, byte_order_mark.size()) == byte_order_mark; }
+
 constexpr std::uint64_t binary_stl_header_bytes = 84;
 constexpr std::uint64_t binary_stl_facet_bytes = 50;
 

@@ -1,37 +1,25 @@
 #include "formats/bin_read.h"
 
-#include "formats/little_endian.h"
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "values are read in the machine's byte order, which must be that of the files");
+
+template <class T>
+T trBinRead::read_value() {
+  T value = 0;
+  if (file != nullptr && std::fread(&value, sizeof value, 1, file) == 1) return value;
+  error = 1;
+  return 0;
+}
+
+char trBinRead::read_char() { return read_value<char>(); }
+std::uint16_t trBinRead::read_ushort() { return read_value<std::uint16_t>(); }
+std::int32_t trBinRead::read_int() { return read_value<std::int32_t>(); }
+std::uint32_t trBinRead::read_ulong() { return read_value<std::uint32_t>(); }
+float trBinRead::read_float() { return read_value<float>(); }
+double trBinRead::read_double() { return read_value<double>(); }
 
 int trBinRead::b_read(char* bytes, int n) {
-  if (n <= 0) return 0;
-  const auto wanted = static_cast<std::size_t>(n);
+  const std::size_t wanted = n > 0 ? static_cast<std::size_t>(n) : 0;
   if (file != nullptr && std::fread(bytes, 1, wanted, file) == wanted) return 0;
   error = 1;
   return 1;
 }
-
-namespace {
-
-// The value's bytes, or zeros after a short read: a value that came in part reads as 0.
-template <int size>
-struct ValueBytes {
-  explicit ValueBytes(trBinRead& in) {
-    char read[size] = {};
-    if (in.b_read(read, size) == 0) std::memcpy(bytes, read, size);
-  }
-  unsigned char bytes[size] = {};
-};
-
-}  // namespace
-
-char trBinRead::read_char() { return static_cast<char>(ValueBytes<1>(*this).bytes[0]); }
-
-unsigned short trBinRead::read_ushort() { return load_u16(ValueBytes<2>(*this).bytes); }
-
-int trBinRead::read_int() { return static_cast<int>(load_u32(ValueBytes<4>(*this).bytes)); }
-
-std::uint32_t trBinRead::read_ulong() { return load_u32(ValueBytes<4>(*this).bytes); }
-
-float trBinRead::read_float() { return load_f32(ValueBytes<4>(*this).bytes); }
-
-double trBinRead::read_double() { return load_f64(ValueBytes<8>(*this).bytes); }

@@ -5,10 +5,7 @@
 
 #include "platform/utilities/export.h"
 
-/// Reads single values of a binary file, least significant byte first.
-///
-/// A read that comes up short yields 0 and sets `error`, which stays set; callers test it after each value or group of values.
-/// The stream is not owned.
+/// Reads little-endian values from a stream. A short read yields 0 and sets `error`, which stays set.
 class MENDEX_EXPORT trBinRead {
  public:
   explicit trBinRead(std::FILE* stream) : file(stream) {}
@@ -16,14 +13,18 @@ class MENDEX_EXPORT trBinRead {
   trBinRead& operator=(const trBinRead&) = delete;
 
   char read_char();
-  unsigned short read_ushort();
-  int read_int();
+  std::uint16_t read_ushort();
+  std::int32_t read_int();
   std::uint32_t read_ulong();
   float read_float();
   double read_double();
-  /// Moves n bytes; non-zero when fewer came. What came is stored.
+  /// Reads n bytes; returns non-zero when there were fewer.
   int b_read(char* bytes, int n);
 
-  std::FILE* file;
-  int error = 0;  ///< 1 once any read came up short
+  std::FILE* file;  ///< not owned
+  std::int32_t error = 0;
+
+ private:
+  template <class T>
+  T read_value();
 };

@@ -1,39 +1,22 @@
 #include "formats/bin_write.h"
 
-#include "formats/little_endian.h"
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "values are written in the machine's byte order, which must be that of the files");
+
+template <class T>
+void trBinWrite::write_value(T value) {
+  if (file == nullptr || std::fwrite(&value, sizeof value, 1, file) != 1) error = 1;
+}
+
+void trBinWrite::write_char(char value) { write_value(value); }
+void trBinWrite::write_ushort(std::uint16_t value) { write_value(value); }
+void trBinWrite::write_int(std::int32_t value) { write_value(value); }
+void trBinWrite::write_ulong(std::uint32_t value) { write_value(value); }
+void trBinWrite::write_float(float value) { write_value(value); }
+void trBinWrite::write_double(double value) { write_value(value); }
 
 int trBinWrite::b_write(const char* bytes, int n) {
-  if (n <= 0) return 0;
-  const auto wanted = static_cast<std::size_t>(n);
+  const std::size_t wanted = n > 0 ? static_cast<std::size_t>(n) : 0;
   if (file != nullptr && std::fwrite(bytes, 1, wanted, file) == wanted) return 0;
   error = 1;
   return 1;
-}
-
-void trBinWrite::write_char(char value) { b_write(&value, 1); }
-
-void trBinWrite::write_ushort(unsigned short value) {
-  unsigned char bytes[2];
-  store_u16(bytes, value);
-  write_bytes(bytes);
-}
-
-void trBinWrite::write_int(int value) { write_ulong(static_cast<std::uint32_t>(value)); }
-
-void trBinWrite::write_ulong(std::uint32_t value) {
-  unsigned char bytes[4];
-  store_u32(bytes, value);
-  write_bytes(bytes);
-}
-
-void trBinWrite::write_float(float value) {
-  unsigned char bytes[4];
-  store_f32(bytes, value);
-  write_bytes(bytes);
-}
-
-void trBinWrite::write_double(double value) {
-  unsigned char bytes[8];
-  store_f64(bytes, value);
-  write_bytes(bytes);
 }

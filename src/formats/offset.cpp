@@ -1,19 +1,23 @@
 #include "formats/offset.h"
 
-// Both loops end for every v: the first when p becomes infinite at the latest, the second when p / 10 sinks to the smallest double.
-double round_up_offset(double v) {
-  double p = 1.0;
+#include "mesh/tri_block.h"
+
+double round_offset_up(double v) {
+  double power = 1.0;
   if (v > 1.0) {
-    while (v > p) p *= 10.0;
+    while (v > power) power *= 10.0;
   } else {
-    while (p / 10.0 > v) p /= 10.0;
+    while (power / 10.0 > v) power /= 10.0;
   }
-  if (p / 5.0 > v) return p / 5.0;
-  if (p / 2.0 > v) return p / 2.0;
-  return p;
+  if (power / 5.0 > v) return power / 5.0;
+  return power / 2.0 > v ? power / 2.0 : power;
 }
 
-giVector3 positive_offset(const giPoint3& min) {
-  const auto along = [](double lowest) { return lowest < 0.0 ? round_up_offset(-lowest) : 0.0; };
-  return giVector3(along(min.x), along(min.y), along(min.z));
+giVector3 positive_offset(const trTriBlock& mesh) {
+  giVector3 offset;
+  for (int axis = 0; axis < 3; ++axis) {
+    const double least = mesh.box().min()[axis];
+    if (least < 0.0) offset.set(axis, round_offset_up(-least));
+  }
+  return offset;
 }

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <ostream>
 
-#include "formats/facet_room.h"
+#include "formats/entity_limit.h"
 #include "formats/message.h"
 #include "formats/tri_read.h"
 #include "formats/word_scanner.h"
@@ -113,7 +113,7 @@ class AsciiFacetReader {
       if (result == FacetScanner::Result::end) return End::complete;
       if (result == FacetScanner::Result::failed) return End::failed;
       if (!is_skipping) {
-        if (!has_facet_room(mesh_)) return End::failed;
+        if (!has_room_for_facet(mesh_)) return End::failed;
         mesh_.append_facet(corners);
       }
       ++facets_read_;
@@ -134,7 +134,7 @@ class AsciiFacetReader {
 int trTriRead::read_ast(int start, int stop) {
   tr_report_progress(tr_brnknls(append ? "Appending ASCII STL file ..." : "Reading ASCII STL file ..."), 0.0);
   reset_node_data_size(0);
-  begin_replacing_or_appending();
+  begin_reading();
   AsciiFacetReader facets(*mesh, file);
   const AsciiFacetReader::End end = facets.read_range(start, stop);
   if (end == AsciiFacetReader::End::interrupted) return 0;

@@ -1,114 +1,82 @@
+// Binary STL: 80 bytes of text, a 32-bit facet count, 50 bytes a facet.
+
 #include <algorithm>
+#include <climits>
+#include <cstring>
 #include <ostream>
+#include <vector>
 
 #include "formats/bin_read.h"
-#include "formats/facet_room.h"
-#include "formats/little_endian.h"
+#include "formats/entity_limit.h"
 #include "formats/message.h"
-#include "formats/stl_binary_layout.h"
 #include "formats/tri_read.h"
 #include "mesh/tri_block.h"
+#include "platform/utilities/ut_numeric_cast.h"
+#include "progress/output.h"
 #include "progress/progress.h"
 
 namespace {
 
-using namespace stl_binary;
+constexpr int header_bytes = 80;
+constexpr int facet_bytes = 50;
+constexpr int normal_bytes = 12;
+constexpr int corner_bytes = 12;
+constexpr int facets_a_chunk = 1300;  // close to 64 KB
 
-// Shows the header text, which need not be terminated. False when the file is shorter than a header.
-bool echo_header(trBinRead& in) {
-  char header[header_size];
-  for (char& letter : header) letter = in.read_char();
-  if (in.error) {
-    std::fputs(tr_brnknls("Error reading file header data\n"), stderr);
-    return false;
-  }
-  tr_out() << ' ';
-  tr_out().write(header, std::find(header, header + header_size, '\0') - header) << '\n';
-  return true;
+giPoint3 read_point(const char* bytes) {
+  float xyz[3];
+  std::memcpy(xyz, bytes, sizeof xyz);
+  return giPoint3(double{xyz[0]}, double{xyz[1]}, double{xyz[2]});
 }
 
-// The facets of the file one after the other, fetched in chunks of whole facets, never more than are asked for.
-class FacetSource {
+// Hands out the facets' bytes; reads ahead in chunks, but never past the last facet that is wanted.
+class FacetBytes {
  public:
-  FacetSource(std::FILE* file, std::uint32_t count) : file_(file), unread_(count) {}
+  FacetBytes(std::FILE* file, std::uint32_t facets) : file_(file), left_(facets), buffer_(facets_a_chunk * facet_bytes) {}
 
-  // Steps to the next facet and returns how many of its bytes are there: all, unless the file ends within.
-  int next() {
-    facet_ += facet_size;
-    if (facet_ >= filled_) fetch();
-    return static_cast<int>(std::min<std::size_t>(filled_ - facet_, facet_size));
+  // Moves to the next facet; false when the file ends before all its bytes.
+  bool next() {
+    at_ += facet_bytes;
+    if (at_ + facet_bytes <= filled_) return true;
+    if (at_ < filled_) return false;
+    read_chunk();
+    return filled_ >= facet_bytes;
   }
-
-  giPoint3 corner(int k) const {
-    const unsigned char* at = bytes_ + facet_ + corner_offset(k);
-    return giPoint3(load_f32(at), load_f32(at + 4), load_f32(at + 8));
-  }
+  const char* bytes() const { return buffer_.data() + at_; }
+  // Bytes of the current facet that are there.
+  int available() const { return std::min(filled_ - at_, facet_bytes); }
 
  private:
-  static constexpr std::uint32_t chunk = 65536 / facet_size;
-
-  void fetch() {
-    const std::uint32_t facets = std::min(chunk, unread_);
-    unread_ -= facets;
-    facet_ = 0;
-    filled_ = std::fread(bytes_, 1, std::size_t{facets} * facet_size, file_);
+  void read_chunk() {
+    const std::uint32_t facets = std::min<std::uint32_t>(left_, facets_a_chunk);
+    left_ -= facets;
+    at_ = 0;
+    filled_ = static_cast<int>(std::fread(buffer_.data(), 1, std::size_t{facets} * facet_bytes, file_));
   }
 
   std::FILE* file_;
-  std::uint32_t unread_;    // facets not yet fetched
-  std::size_t facet_ = 0;   // where the current facet begins in bytes_
-  std::size_t filled_ = 0;  // how many bytes_ are valid
-  unsigned char bytes_[chunk * facet_size];
+  std::uint32_t left_;  // facets not read yet
+  std::vector<char> buffer_;
+  int filled_ = 0;
+  int at_ = -facet_bytes;
 };
 
-int clamped(std::uint64_t number) { return static_cast<int>(std::min<std::uint64_t>(number, INT_MAX)); }
-
-class BinaryFacetReader {
- public:
-  BinaryFacetReader(trTriBlock& mesh, std::FILE* file, std::uint32_t count)
-      : mesh_(mesh), source_(file, count), count_(count) {}
-
-  enum class End { complete, failed, interrupted };
-
-  End read_from(int start) {
-    bool is_skipping = start != 1;
-    for (facet_ = 1; facet_ <= count_; ++facet_) {
-      if (tr_interrupt()) return End::interrupted;
-      if (is_skipping && static_cast<std::int64_t>(facet_) >= start) is_skipping = false;
-      tr_report_triangles(clamped(facet_), clamped(count_), 0.0, 100.0);
-      const int available = source_.next();
-      if (!is_skipping && !store(available)) return End::failed;
-      if (available < facet_size) return End::failed;
-    }
-    return End::complete;
+// Stores the corners that are complete in a facet cut short.
+void append_loose_corners(trTriBlock& mesh, const char* bytes, int available) {
+  for (int k = 0; k < 3 && normal_bytes + (k + 1) * corner_bytes <= available; ++k) {
+    mesh.set_node(mesh.node_count(), read_point(bytes + normal_bytes + k * corner_bytes));
   }
+}
 
-  // The facet that was read last, from 1: the one that failed.
-  std::int64_t facet() const { return static_cast<std::int64_t>(facet_); }
-
- private:
-  bool store(int available) {
-    if (!has_facet_room(mesh_)) return false;
-    giPoint3 corners[3];
-    const int complete = std::clamp(available / point_size - 1, 0, 3);
-    for (int k = 0; k < complete; ++k) corners[k] = source_.corner(k);
-    if (available == facet_size) {
-      mesh_.append_facet(corners);
-      return true;
-    }
-    for (int k = 0; k < complete; ++k) mesh_.set_node(mesh_.node_count(), corners[k]);
+// Echoes the header up to its first zero byte. False when it is cut short.
+bool read_header(trBinRead& in) {
+  char header[header_bytes + 1] = {};
+  if (in.b_read(header, header_bytes)) {
+    std::fputs(tr_brnknls("Error reading file header data\n"), stderr);
     return false;
   }
-
-  trTriBlock& mesh_;
-  FacetSource source_;
-  std::uint64_t count_;
-  std::uint64_t facet_ = 0;
-};
-
-// How many facets to read at most: the file's count, or `stop` when that is a limit below it.
-std::uint32_t limited(std::uint32_t count, int stop) {
-  return stop > 0 ? std::min(count, static_cast<std::uint32_t>(stop)) : count;
+  tr_out() << ' ' << header << '\n';
+  return true;
 }
 
 }  // namespace
@@ -117,18 +85,41 @@ int trTriRead::read_stl(int start, int stop) {
   tr_report_progress(tr_brnknls(append ? "Appending STL file..." : "Reading STL file..."), 0.0);
   reset_node_data_size(0);
   trBinRead in(file);
-  if (!echo_header(in)) return 0;
-  const std::uint32_t count = in.read_ulong();
+  if (!read_header(in)) return 0;
+  std::uint32_t facets = in.read_ulong();
   if (in.error) {
     std::fputs(tr_brnknls("Error reading facet count\n"), stderr);
     return 0;
   }
-  begin_replacing_or_appending();
-  BinaryFacetReader facets(*mesh, file, limited(count, stop));
-  const BinaryFacetReader::End end = facets.read_from(start);
-  if (end == BinaryFacetReader::End::interrupted) return 0;
-  const bool is_complete = end == BinaryFacetReader::End::complete;
-  if (!is_complete) print_message("** Error reading element ", facets.facet(), " **");
+  if (stop > 0) facets = std::min(facets, static_cast<std::uint32_t>(stop));
+  begin_reading();
+  std::uint32_t failed = 0;
+  if (!read_facets(start, facets, failed)) return 0;
+  if (failed != 0) print_message("** Error reading element ", failed, " **");
   tr_report_progress(tr_brnknls("Finished reading STL file..."), 100.0);
-  return is_complete;
+  return failed == 0;
+}
+
+// Reads the facets and stores those from `start` on; `failed` receives the number of the one that could not be read. 0 when
+// interrupted.
+int trTriRead::read_facets(int start, std::uint32_t facets, std::uint32_t& failed) {
+  const int total = ut_numeric_cast<int>(facets);
+  FacetBytes stream(file, facets);
+  bool skipping = start != 1;
+  for (std::uint32_t i = 1; i <= facets && i != 0; ++i) {
+    if (tr_interrupt()) return 0;
+    if (skipping && static_cast<std::int64_t>(i) >= start) skipping = false;
+    tr_report_triangles(ut_numeric_cast<int>(i), total, 0.0, 100.0);
+    const bool complete = stream.next();
+    if (!complete || (!skipping && !has_room_for_facet(*mesh))) {
+      if (!complete && !skipping) append_loose_corners(*mesh, stream.bytes(), stream.available());
+      failed = i;
+      return 1;
+    }
+    if (skipping) continue;
+    const char* corners = stream.bytes() + normal_bytes;
+    const giPoint3 points[3] = {read_point(corners), read_point(corners + corner_bytes), read_point(corners + 2 * corner_bytes)};
+    mesh->append_facet(points);
+  }
+  return 1;
 }

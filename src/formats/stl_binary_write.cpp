@@ -1,80 +1,95 @@
 #include <cstring>
 
 #include "formats/bin_write.h"
-#include "formats/facet.h"
-#include "formats/little_endian.h"
+#include "formats/facet_geometry.h"
 #include "formats/offset.h"
-#include "formats/stl_binary_layout.h"
 #include "formats/tri_write.h"
 #include "progress/output.h"
 #include "progress/progress.h"
 
 namespace {
 
-using namespace stl_binary;
+constexpr int header_bytes = 80;
+constexpr int facet_bytes = 50;
 
-bool write_header(trBinWrite& out, bool has_colour) {
-  char header[header_size] = {};
-  const char* text = has_colour ? "Binary STL file written by Brenko - COLOR=rgba" : "Binary STL file written by Brenko";
+// Writes one record a facet, so that a failure is told at the facet whose bytes found no room.
+class FacetWriter {
+ public:
+  FacetWriter(trBinWrite& out, double scale) : out_(out), scale_(static_cast<float>(scale)) {}
+
+  void write(const FacetGeometry& facet, std::uint16_t attribute) {
+    char* at = record_;
+    at = put(at, static_cast<float>(facet.normal.x()));
+    at = put(at, static_cast<float>(facet.normal.y()));
+    at = put(at, static_cast<float>(facet.normal.z()));
+    for (const giPoint3& p : facet.corners) {
+      at = put(at, scale_ * static_cast<float>(p.x));
+      at = put(at, scale_ * static_cast<float>(p.y));
+      at = put(at, scale_ * static_cast<float>(p.z));
+    }
+    put(at, attribute);
+    out_.b_write(record_, facet_bytes);
+  }
+
+ private:
+  template <class T>
+  static char* put(char* at, T value) {
+    std::memcpy(at, &value, sizeof value);
+    return at + sizeof value;
+  }
+
+  trBinWrite& out_;
+  float scale_;
+  char record_[facet_bytes];
+};
+
+bool write_header(trBinWrite& out, bool coloured) {
+  char header[header_bytes] = {};
+  const char* text = coloured ? "Binary STL file written by Brenko - COLOR=rgba" : "Binary STL file written by Brenko";
   std::memcpy(header, text, std::strlen(text));
-  for (const char letter : header) out.write_char(letter);
-  if (!out.error) return true;
+  if (!out.b_write(header, header_bytes)) return true;
   std::fputs(tr_brnknls("Error writing file header\n"), stderr);
   return false;
 }
 
-bool write_count(trBinWrite& out, int count) {
-  out.write_ulong(static_cast<std::uint32_t>(count));
-  if (!out.error) return true;
-  std::fputs(tr_brnknls("Error writing element count\n"), stderr);
-  return false;
-}
-
-void store_triple(unsigned char* bytes, float x, float y, float z) {
-  store_f32(bytes, x);
-  store_f32(bytes + 4, y);
-  store_f32(bytes + 8, z);
-}
-
-// One write a facet, so that a failure is told at the facet whose bytes found no room.
-void write_facet(trBinWrite& out, const Facet& facet, float scale, std::uint16_t attribute) {
-  const auto single = [](double value) { return static_cast<float>(value); };
-  unsigned char bytes[facet_size];
-  store_triple(bytes, single(facet.normal.x()), single(facet.normal.y()), single(facet.normal.z()));
-  for (int k = 0; k < 3; ++k) {
-    const giPoint3& p = facet.corners[k];
-    store_triple(bytes + corner_offset(k), scale * single(p.x), scale * single(p.y), scale * single(p.z));
-  }
-  store_u16(bytes + attribute_offset, attribute);
-  out.b_write(reinterpret_cast<const char*>(bytes), facet_size);
-}
-
-// The formats are the library's own texts, possibly translated, for one integer.
+void report_facet_error(int e) {
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
-void tell_failed_facet(int e) { std::fprintf(stderr, tr_brnknls("** Error occurred writing facet %d **\n"), e); }
+  std::fprintf(stderr, tr_brnknls("** Error occurred writing facet %d **\n"), e);
 #pragma GCC diagnostic pop
+}
 
 }  // namespace
 
 int trTriWrite::write_stl(int positive) {
   tr_report_progress(tr_brnknls("Writing STL file..."), 0.0);
-  const bool has_colour = mesh->get_element_colour(1) != NO_COLOUR;
-  const giVector3 offset = positive ? positive_offset(mesh->box().min()) : giVector3(0.0, 0.0, 0.0);
+  const bool coloured = mesh->get_element_colour(1) != NO_COLOUR;
+  const giVector3 offset = positive ? positive_offset(*mesh) : giVector3();
   trBinWrite out(file);
-  if (!write_header(out, has_colour) || !write_count(out, mesh->valid_elements())) return 0;
-  const int count = mesh->element_count();
-  for (int e = 1; e < count; ++e) {
-    if (tr_interrupt()) return 0;
-    tr_report_triangles(e, count, 0.0, 100.0);
-    if (!mesh->element(e).valid()) continue;
-    const int colour = has_colour ? mesh->get_element_colour(e) : 0;
-    write_facet(out, Facet(*mesh, e, offset), static_cast<float>(scale), static_cast<std::uint16_t>(colour));
-    if (out.error) {
-      tell_failed_facet(e);
-      return 0;
-    }
+  if (!write_header(out, coloured)) return 0;
+  out.write_ulong(static_cast<std::uint32_t>(mesh->valid_elements()));
+  if (out.error) {
+    std::fputs(tr_brnknls("Error writing element count\n"), stderr);
+    return 0;
   }
+  if (!write_facets(out, offset, coloured)) return 0;
   tr_report_progress(tr_brnknls("Finished writing STL file..."), 100.0);
   return 1;
+}
+
+// 0 when interrupted or when the stream took no more, which for the last facets shows only as the stream is emptied.
+int trTriWrite::write_facets(trBinWrite& out, const giVector3& offset, bool coloured) {
+  const int total = mesh->element_count();
+  FacetWriter writer(out, scale);
+  int last_written = 0;
+  for (int e = 1; e < total && !out.error; ++e) {
+    if (tr_interrupt()) return 0;
+    tr_report_triangles(e, total, 0.0, 100.0);
+    if (!mesh->element(e).valid()) continue;
+    writer.write(FacetGeometry(*mesh, e, offset), coloured ? static_cast<std::uint16_t>(mesh->get_element_colour(e)) : 0);
+    last_written = e;
+  }
+  if (!out.error && std::fflush(file) == 0) return 1;
+  report_facet_error(last_written);
+  return 0;
 }

@@ -1,59 +1,56 @@
 #pragma once
 
+#include <cstdint>
 #include <cstdio>
 
 #include "platform/utilities/export.h"
 
 class trTriBlock;
 
-/// Fills a mesh from a file. An object serves one read: it is built around an open stream, one member is called, and its destructor
-/// closes the stream whatever came of the call.
+/// Reads one file into a triangle block: built around an open stream, used for one read, and gone.
 ///
-/// A plain read replaces the mesh, an appending one adds to it, numbering new nodes and elements on from the ends of its arrays and
-/// joining nothing to what is there. Every facet brings three nodes of its own; no reader merges corners.
-///
-/// `start` is the number, from 1, of the first facet to keep, `stop` that of the last, 0 meaning all that follow. Facets before
-/// `start` are read and dropped, those after `stop` are not read. The two formats differ where the range is odd; see each.
-///
-/// Messages go to `tr_out()`. The host is asked at every facet whether to stop; a reader then returns 0 at once and leaves the facets
-/// stored so far. Results: 1 when the file was read to its end or to `stop`, 0 after a failure or an interruption.
+/// Nodes and elements are numbered on from the ends of the block's arrays, after clearing it unless the reader appends. No reader
+/// merges coincident corners. Every reader reports progress and polls for interruption for each record; interrupted, it returns 0
+/// at once and what was stored stays. Streams are read as bytes: open them in binary mode.
 class MENDEX_EXPORT trTriRead {
  public:
-  /// @param append          non-zero adds to the mesh instead of replacing it
-  /// @param read_node_data  non-zero keeps node attributes that the file carries, when the mesh is replaced
-  trTriRead(trTriBlock* mesh, std::FILE* file, int append, int read_node_data);
+  /// @param mesh            the block to fill; not owned
+  /// @param stream          owned from here on: closed with the reader, whatever the outcome
+  /// @param append          non-zero: add to the block instead of replacing it
+  /// @param read_node_data  non-zero: keep node attributes found in the file, when not appending
+  trTriRead(trTriBlock* mesh, std::FILE* stream, int append, int read_node_data);
   ~trTriRead();
   trTriRead(const trTriRead&) = delete;
   trTriRead& operator=(const trTriRead&) = delete;
 
-  /// Reads binary STL. Normals and attribute words are ignored.
+  /// Reads binary STL: three new nodes and one element for each facet; normals and attribute words are dropped.
   ///
-  /// A `stop` below 1 stands for no limit. With `stop` below `start` the facets up to `stop` are read and none is kept. A file shorter
-  /// than its facet count yields the facets that are there, and as nodes without an element the corners of the one that is cut off.
-  /// A failure within the first 84 bytes leaves nodes and elements as they were; attributes of a mesh that is appended to are gone by
-  /// then. Node numbers end at a quarter of the largest int; the facet that would pass it counts as unreadable.
-  /// Cost: O(facets); memory in proportion to the facets that are there, whatever the count claims.
+  /// Keeps facets `start` (from 1) to `stop` (0: to the end); later ones are not read. A stop below start keeps nothing. At a facet
+  /// that the file cuts short, reading ends with "** Error reading element i **"; its complete corners stay as loose nodes.
+  /// @return 1 for success, 0 on failure or interruption
+  /// Cost: O(n); memory in proportion to the bytes that are there, whatever count the file declares.
   int read_stl(int start, int stop);
 
-  /// Reads ASCII STL, keywords in any case, independently of the locale.
+  /// Reads ASCII STL: keywords in any case, white space as it comes, any number of solids. The words facet, vertex and endfacet are
+  /// keywords wherever they stand, in names too. Coordinates are read as doubles, whatever the locale.
   ///
-  /// Only the words "facet", "vertex" and "endfacet" count, in this order; all others are skipped, normals included. A `stop` below
-  /// `start` stands for no limit; with a `start` below 1 nothing is kept. Reading ends at the first facet that is malformed; it stores
-  /// nothing. Coordinates are what `scanf` takes for "%lf", of any length and correctly rounded.
-  /// Cost: O(bytes); 64 KB beside the mesh, however long a line or number is.
+  /// Keeps facets `start` to `stop`; a stop below start means no limit. Reading ends at the first facet that fails, which stores
+  /// nothing.
+  /// @return 1 for success, 0 on failure or interruption
   int read_ast(int start, int stop);
 
  protected:
-  /// Reconciles the mesh's attributes per node with the n that the file carries, says what becomes of them, and returns how many the
-  /// mesh has now. An appending read keeps the lower number, dropping the attributes when that is 0; a replacing read takes over n
-  /// when attributes are wanted.
+  /// Reconciles the block's node attributes with the n attributes a node that the file carries, saying what becomes of them.
+  /// Returns the block's attributes a node afterwards.
   int reset_node_data_size(int n);
 
   trTriBlock* mesh;
   std::FILE* file;
-  int append;
-  int read_node_data;
+  std::int32_t append;
+  std::int32_t read_node_data;
 
  private:
-  void begin_replacing_or_appending();
+  void reconcile_appended_data(int n);
+  void begin_reading();
+  int read_facets(int start, std::uint32_t facets, std::uint32_t& failed);
 };

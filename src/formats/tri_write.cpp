@@ -1,7 +1,7 @@
 #include "formats/tri_write.h"
 
-trTriWrite::trTriWrite(const trTriBlock* mesh_in, std::FILE* file_in, double scale_in)
-    : mesh(mesh_in), file(file_in), scale(scale_in) {}
+trTriWrite::trTriWrite(const trTriBlock* mesh_block, std::FILE* stream, double coordinate_scale)
+    : mesh(mesh_block), file(stream), scale(coordinate_scale) {}
 
 trTriWrite::~trTriWrite() {
   if (file != nullptr) std::fclose(file);

@@ -4,24 +4,21 @@
 
 namespace {
 
-// Both are initialised at compile time, so that a host's global objects may use them.
 std::ostream* output = nullptr;  // null: the standard output
 const char* (*translation)(const char*) = nullptr;
 
-std::ostream& standard_output() {
-  static const std::ios_base::Init ready;  // std::cout may be asked for before its own initialisation
-  return std::cout;
-}
-
 }  // namespace
 
-std::ostream& tr_out() { return output != nullptr ? *output : standard_output(); }
+std::ostream& tr_out() {
+  static const std::ios_base::Init ready;  // a host's global object may print before our own initialisers ran
+  return output == nullptr ? std::cout : *output;
+}
 
 void tr_set_output(std::ostream* stream) { output = stream; }
 
 const char* tr_brnknls(const char* text) {
-  const char* translated = translation != nullptr ? translation(text) : text;
-  return translated != nullptr ? translated : text;
+  const char* translated = translation == nullptr ? text : translation(text);
+  return translated == nullptr ? text : translated;
 }
 
 void tr_set_brnknls_function(const char* (*hook)(const char*)) { translation = hook; }

@@ -4,20 +4,15 @@
 
 #include "platform/utilities/export.h"
 
-/// The stream that every text of the library goes to: the standard output until a host replaces it. Works before main as well.
+/// Where every text of the library goes: the standard output until the host redirects it. Usable from global objects.
 MENDEX_EXPORT std::ostream& tr_out();
-
-/// Replaces the stream; a null pointer brings the standard output back. The library never closes or deletes it, so it must live
-/// until it is replaced or the process ends.
+/// Redirects all texts; the stream stays the host's and must outlive its use. Null restores the standard output.
 MENDEX_EXPORT void tr_set_output(std::ostream* stream);
 
-/// Turns a text into the host's language: what the registered hook returns for it, or the text itself without a hook (or when the
-/// hook has no answer and returns null). Every text and every format string of the library passes through here before it is used;
-/// a translated format must take the same arguments.
+/// The host's translation of a text, or the text itself, also where the hook has none and returns null. Every message and format
+/// passes through before it is used. A translated format must take the same values.
 MENDEX_EXPORT const char* tr_brnknls(const char* text);
-
-/// Registers the translation hook; a null pointer unregisters it.
+/// Registers the translation; null unregisters it.
 MENDEX_EXPORT void tr_set_brnknls_function(const char* (*hook)(const char*));
-
-/// The text unchanged: a hook for hosts that want to register one explicitly.
+/// The identity, for hosts that want an explicit hook.
 MENDEX_EXPORT const char* tr_dummy_brnknls(const char* text);

@@ -1,47 +1,42 @@
 #pragma once
 
 #include "platform/utilities/export.h"
+#include "platform/utilities/ut_string.h"
 #include "progress/break_handler.h"
 
-/// Progress and interruption as the operations of the library see them. Everything here goes to the current trBreakHandler and does
-/// nothing when there is none; then the functions that loops call for every item cost one test.
+// Progress and interruption of the running operation, through the current trBreakHandler; without one nothing is reported and
+// nothing is ever interrupted. Process-wide state without guards: the library is driven from one thread.
 
-/// Reports a message and the percentage, 0 to 100, of the operation's own work that is done.
+/// The current handler; set by the handlers' own constructor and destructor.
+extern MENDEX_EXPORT trBreakHandler* tr_current_break_handler;
+
+/// See trBreakHandler::report_progress.
 MENDEX_EXPORT void tr_report_progress(const char* format, double percent);
 MENDEX_EXPORT void tr_report_progress(const char* format, int a, double percent);
 MENDEX_EXPORT void tr_report_progress(const char* format, int a, int b, double percent);
 MENDEX_EXPORT void tr_report_progress(const char* format, int a, int b, int c, double percent);
 MENDEX_EXPORT void tr_report_progress(const char* format, int a, int b, int c, int d, double percent);
 
-/// Whether the host wants the operation stopped; 0 when nobody can say so.
-inline int tr_interrupt() {
-  const trBreakHandler* handler = trBreakHandler::current();
-  return handler == nullptr ? 0 : handler->interrupted();
-}
+/// Whether the host asked to stop; loops over the mesh ask once for every item. Costs a test when there is no handler.
+inline int tr_interrupt() { return tr_current_break_handler == nullptr ? 0 : tr_current_break_handler->interrupted(); }
 
-/// Whether item i of n is one that a loop reports: every thousandth from 0 on, and the last.
-inline bool tr_is_progress_step(int i, int n) {
-  return trBreakHandler::current() != nullptr && (i % 1000 == 0 || i == n);
-}
+MENDEX_EXPORT void tr_report_loop(const char* format, int i, int n, double lo, double hi);
 
-/// What tr_report_nodes and tr_report_triangles do at such an item.
-MENDEX_EXPORT void tr_report_node_step(int i, int n, double lo, double hi);
-MENDEX_EXPORT void tr_report_triangle_step(int i, int n, double lo, double hi);
-
-/// Progress of a loop over n nodes, called for every i. The loop covers the share lo to hi of the operation's 0 to 100 percent.
+/// Progress of a loop over n nodes, at number i: reports when i is a multiple of 1000 or n, as the percentage lo + i / n (hi - lo).
 inline void tr_report_nodes(int i, int n, double lo, double hi) {
-  if (tr_is_progress_step(i, n)) tr_report_node_step(i, n, lo, hi);
+  if (tr_current_break_handler != nullptr && (i % 1000 == 0 || i == n)) tr_report_loop("%3d nodes:   %3d", i, n, lo, hi);
 }
-
-/// The same for a loop over n triangles.
+/// The same for triangles.
 inline void tr_report_triangles(int i, int n, double lo, double hi) {
-  if (tr_is_progress_step(i, n)) tr_report_triangle_step(i, n, lo, hi);
+  if (tr_current_break_handler != nullptr && (i % 1000 == 0 || i == n)) {
+    tr_report_loop("Processing %d triangles:   %3d", i, n, lo, hi);
+  }
 }
 
-/// What 0 and 100 percent of the coming operations mean to the host; stays until it is set again.
+/// The share of the host's progress bar that operations fill; 0 to 100 without a handler.
 MENDEX_EXPORT void tr_set_percent_range(const double& inf, const double& sup);
-MENDEX_EXPORT double tr_get_percent_inf_range();  ///< 0.0 without a handler
-MENDEX_EXPORT double tr_get_percent_sup_range();  ///< 100.0 without a handler
-MENDEX_EXPORT double tr_last_percent_reported();  ///< 0.0 without a handler
-
+MENDEX_EXPORT double tr_get_percent_inf_range();
+MENDEX_EXPORT double tr_get_percent_sup_range();
+/// The converted percentage of the last report; 0 without a handler.
+MENDEX_EXPORT double tr_last_percent_reported();
 MENDEX_EXPORT void tr_set_default_feedback_message(const utString& message);

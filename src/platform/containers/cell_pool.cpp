@@ -1,5 +1,6 @@
 #include "platform/containers/cell_pool.h"
 
+#include "platform/containers/int_slist.h"
 #include "platform/containers/page_heap.h"
 
 coCellPool::Cell* coCellPool::slabs_[slab_limit] = {};
@@ -7,6 +8,8 @@ coCellPool::Link coCellPool::freed_ = 0;
 coCellPool::Link coCellPool::fresh_ = 0;
 coCellPool::Link coCellPool::fresh_end_ = 0;
 std::int64_t coCellPool::live_ = 0;
+
+std::int64_t intcoSListB::edits_ = 0;
 
 coCellPool::Link coCellPool::open_slab() noexcept {
   const Link ordinal = fresh_end_ >> slab_shift;
@@ -18,6 +21,26 @@ coCellPool::Link coCellPool::open_slab() noexcept {
   fresh_ = ordinal == 0 ? 1 : ordinal << slab_shift;
   fresh_end_ = (ordinal + 1) << slab_shift;
   return fresh_++;
+}
+
+coCellPool::Link coCellPool::take_run(std::int64_t n) noexcept {
+  const std::int64_t waiting = fresh_ > 0 ? std::int64_t{fresh_} - 1 - live_ : 0;
+  if (n <= 0 || waiting > n || std::int64_t{fresh_} + n >= std::int64_t{inline_bit}) return 0;
+  if (fresh_ == 0) {
+    const Link first = open_slab();
+    if (first == 0) return 0;
+    fresh_ = first;
+  }
+  const Link start = fresh_;
+  while (std::int64_t{fresh_end_} - start < n) {
+    if (open_slab() == 0) {
+      fresh_ = start;
+      return 0;
+    }
+  }
+  fresh_ = start + static_cast<Link>(n);
+  live_ += n;
+  return start;
 }
 
 // Everything is free: start again from the first slab, which is kept, and return the others to the system.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <utility>
 
 #include "platform/containers/cell_pool.h"
@@ -7,7 +8,7 @@
 class intcoSListBcoIterator;
 
 /// Singly linked list of numbers: four bytes and, for n entries, n - 1 cells of the common pool.
-class intcoSListB {
+class MENDEX_EXPORT intcoSListB {
  public:
   using coIterator = intcoSListBcoIterator;
   using Link = coCellPool::Link;
@@ -32,6 +33,7 @@ class intcoSListB {
 
   /// Removes and returns the first entry; the list must not be empty.
   int remove_front() {
+    ++edits_;
     const Link link = head_;
     const int v = coCellPool::value(link);
     head_ = coCellPool::next(link);
@@ -51,12 +53,20 @@ class intcoSListB {
     return n;
   }
 
-  void swap(intcoSListB& other) { std::swap(head_, other.head_); }
+  void swap(intcoSListB& other) {
+    ++edits_;
+    std::swap(head_, other.head_);
+  }
+
+  /// Counts removals of every kind from any list, except `unlink`: an index over a list is stale when this has moved on.
+  static std::int64_t edits() { return edits_; }
 
   /// Where the list starts in the pool; for walks that must stay cheap.
   Link head() const { return head_; }
 
- protected:
+  /// Makes the list start at `head`; for users that build lists of cells themselves.
+  void set_head(Link head) { head_ = head; }
+
   /// Takes out the entry at `link`, whose predecessor is `before` (0 when it is the first). The order of the rest stays.
   void unlink(Link link, Link before) {
     const Link after = coCellPool::next(link);
@@ -68,7 +78,11 @@ class intcoSListB {
     coCellPool::release(link);
   }
 
+  /// To be called by users of `unlink` that keep no index of their own.
+  static void count_edit() { ++edits_; }
+
  private:
+  static std::int64_t edits_;
   Link head_ = 0;
 };
 

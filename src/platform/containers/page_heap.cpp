@@ -134,29 +134,54 @@ void coPageHeap::release(void* page, std::size_t bytes, int ordinal) noexcept {
 
 #if defined(__unix__) && !defined(MENDEX_PAGES_APART)
 
-void* coPageHeap::allocate_slab(bool large_page) noexcept {
-  void* raw = mmap(nullptr, 2 * slab_bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+namespace {
+
+// Zeroed memory aligned to a slab, in whole slabs.
+void* map_aligned(std::size_t bytes, bool large_pages) {
+  void* raw = mmap(nullptr, bytes + coPageHeap::slab_bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   if (raw == MAP_FAILED) return nullptr;
   char* start = static_cast<char*>(raw);
-  const std::size_t before = (slab_bytes - reinterpret_cast<std::uintptr_t>(start) % slab_bytes) % slab_bytes;
+  const std::size_t slab = coPageHeap::slab_bytes;
+  const std::size_t before = (slab - reinterpret_cast<std::uintptr_t>(start) % slab) % slab;
   if (before > 0) munmap(start, before);
-  munmap(start + before + slab_bytes, slab_bytes - before);
+  munmap(start + before + bytes, slab - before);
 #if defined(MADV_HUGEPAGE)
-  if (large_page) madvise(start + before, slab_bytes, MADV_HUGEPAGE);
+  if (large_pages) madvise(start + before, bytes, MADV_HUGEPAGE);
 #else
-  (void)large_page;
+  (void)large_pages;
 #endif
   return start + before;
 }
+
+std::size_t whole_slabs(std::size_t bytes) {
+  return (bytes + coPageHeap::slab_bytes - 1) / coPageHeap::slab_bytes * coPageHeap::slab_bytes;
+}
+
+}  // namespace
+
+void* coPageHeap::allocate_slab(bool large_page) noexcept { return map_aligned(slab_bytes, large_page); }
 
 void coPageHeap::release_slab(void* slab) noexcept {
   if (slab != nullptr) munmap(slab, slab_bytes);
 }
 
+void* coPageHeap::allocate_zeroed(std::size_t bytes) noexcept {
+  return bytes < slab_bytes ? std::calloc(bytes, 1) : map_aligned(whole_slabs(bytes), true);
+}
+
+void coPageHeap::release_zeroed(void* block, std::size_t bytes) noexcept {
+  if (bytes < slab_bytes) {
+    std::free(block);
+  } else if (block != nullptr) {
+    munmap(block, whole_slabs(bytes));
+  }
+}
+
 #else
 
 void* coPageHeap::allocate_slab(bool) noexcept { return std::calloc(1, slab_bytes); }
-
 void coPageHeap::release_slab(void* slab) noexcept { std::free(slab); }
+void* coPageHeap::allocate_zeroed(std::size_t bytes) noexcept { return std::calloc(bytes, 1); }
+void coPageHeap::release_zeroed(void* block, std::size_t) noexcept { std::free(block); }
 
 #endif

@@ -23,5 +23,9 @@ class MENDEX_EXPORT coPageHeap {
   static void* allocate_slab(bool large_page) noexcept;
   static void release_slab(void* slab) noexcept;
 
+  /// Zeroed memory of any size, to be given back with the same size; null when there is none. Large blocks are backed by large pages.
+  static void* allocate_zeroed(std::size_t bytes) noexcept;
+  static void release_zeroed(void* block, std::size_t bytes) noexcept;
+
   static constexpr std::size_t slab_bytes = std::size_t{2} << 20;
 };

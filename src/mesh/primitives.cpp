@@ -1,0 +1,147 @@
+#include <cfloat>
+#include <cmath>
+
+#include "mesh/tri_block.h"
+
+namespace {
+
+// The largest double marks an unset corner and minus the largest an invalid point; a coordinate must be neither.
+double storable(double x) { return std::fabs(x) == DBL_MAX ? std::nextafter(x, 0.0) : x; }
+
+giPoint3 storable(const giPoint3& p) { return giPoint3(storable(p.x), storable(p.y), storable(p.z)); }
+
+}  // namespace
+
+int trTriBlock::generate_node(const giPoint3& p, const giVector3& n, int adjust) {
+  set_node_data_size(0);
+  return generate_node_private(p, n, adjust);
+}
+
+int trTriBlock::generate_node_private(const giPoint3& p, const giVector3& n, int adjust) {
+  giPoint3 place = p;
+  if (adjust) apply_curvature_adjust_on_coords(p, n, place);
+  const int i = node_count();
+  set_node(i, place);
+  return i;
+}
+
+int trTriBlock::interpolate_node(int a, int b, double t, const giVector3& n) {
+  const giPoint3 from = node_in_workplane(a);
+  const giPoint3 to = node_in_workplane(b);
+  const int made = generate_node_private(check_unapply_workplane(gi_interpolate(from, to, t)), n, 1);
+  if (node_data_ == nullptr) return made;
+  node_data(made);  // grows first: a growing array does not move tuples, but the operands must exist too
+  const trNodeDataTuple& first = node_data(a);
+  const trNodeDataTuple& second = node_data(b);
+  trNodeDataTuple& tuple = node_data(made);
+  for (int k = 0; k < node_data_size() && k < trNodeDataTuple::max_values; ++k) {
+    tuple.values[k] = (1.0 - t) * first.values[k] + t * second.values[k];
+  }
+  tuple.weight = 1;
+  return made;
+}
+
+void trTriBlock::set_node(int i, const giPoint3& p) {
+  report_node(i);
+  for (int k = node_count(); k < i; ++k) {
+    init_node(k);
+    report_node(k);
+    node(k).set_invalid();
+  }
+  place_node(i, p);
+}
+
+// The reported part of set_node. Lists whose flag is set stay, so that derived topology survives a mere move.
+void trTriBlock::place_node(int i, const giPoint3& p) {
+  if (i >= node_count()) init_node(i);
+  trNode& n = node(i);
+  if (n.invalid || !edges_built) {
+    n.a_edges.clear();
+    n.d_edges.clear();
+  }
+  if (n.invalid || !elements_referenced) n.elements.clear();
+  *n.coords = storable(p);
+  n.invalid = 0;
+  undup_tol = 0.0;
+  box_.reset();
+  ++geometry_revision_;
+}
+
+void trTriBlock::delete_node(int i) {
+  report_node(i);
+  node(i).set_invalid();
+}
+
+int trTriBlock::generate(int a, int b, int c) {
+  if (a == b || b == c || c == a) return -1;
+  const int e = element_count();
+  set_element(e, a, b, c);
+  return e;
+}
+
+void trTriBlock::set_element(int e, int a, int b, int c) {
+  report_element(e);
+  const int before = element_count();
+  if (e >= before) {
+    grow_elements(e);
+    for (int k = before; k < e; ++k) {
+      if ((*elements_)[k][0] == 0) continue;
+      report_element(k);
+      element(k).set(0, 0, 0);
+    }
+  } else if (element(e).valid()) {
+    delete_element(e);
+  }
+  write_element(e, a, b, c);
+}
+
+// Writes the corners and enters the element in the lists that are current.
+void trTriBlock::write_element(int e, int a, int b, int c) {
+  element(e).set(a, b, c);
+  if (elements_referenced) enter_in_lists(e);
+  if (edges_built) link_element(a, b, c);
+}
+
+void trTriBlock::delete_element(int e) {
+  report_element(e);
+  trElement& t = element(e);
+  if (!t.valid()) return;
+  if (edges_built) unlink_element(t[0], t[1], t[2]);
+  t.set(0, 0, 0);
+}
+
+void trTriBlock::reverse_element(int e) {
+  report_element(e);
+  trElement& t = element(e);
+  const int a = t[0];
+  const int b = t[1];
+  const int c = t[2];
+  const bool linked = edges_built && t.valid();
+  if (linked) unlink_element(a, b, c);
+  t.set(a, c, b);
+  if (linked) link_element(a, c, b);
+  mark_changed();
+}
+
+void trTriBlock::append_facet(const giPoint3 corners[3]) {
+  const int n = node_count();
+  const int e = element_count();
+  if (undo != nullptr || edges_built || !elements_referenced) {
+    for (int k = 0; k < 3; ++k) set_node(n + k, corners[k]);
+    set_element(e, n, n + 1, n + 2);
+    return;
+  }
+  for (int k = 0; k < 3; ++k) {
+    giPoint3& p = (*points_)[n + k];
+    trNode& fresh = (*nodes_)[n + k];
+    p = storable(corners[k]);
+    fresh.coords = &p;
+    fresh.invalid = 0;
+    fresh.elements.insert_front(e);
+  }
+  (*elements_)[e] = trElement(n, n + 1, n + 2);
+  undup_tol = 0.0;
+  box_.reset();
+  edit_count_ += 4;
+  ++geometry_revision_;
+}

@@ -1,0 +1,86 @@
+// Edits that make two triangles out of four nodes, choosing the diagonal by shape.
+
+#include "mesh/aspect_utils.h"
+#include "mesh/tri_block.h"
+
+namespace {
+
+double edge_length(const trTriBlock& block, int a, int b) { return (block.point(b) - block.point(a)).length(); }
+
+// The corners of (a, b, c), rotated so that the longest edge comes first.
+struct LongestFirst {
+  int p, q, r;
+};
+
+LongestFirst longest_edge_first(const trTriBlock& block, int a, int b, int c) {
+  const double ab = edge_length(block, a, b);
+  const double bc = edge_length(block, b, c);
+  const double ca = edge_length(block, c, a);
+  LongestFirst corners{a, b, c};
+  double longest = ab;
+  if (longest < bc) {
+    corners = {b, c, a};
+    longest = bc;
+  }
+  if (longest < ca) corners = {c, a, b};
+  return corners;
+}
+
+// The corner opposite the longest edge, by edge lengths; edge k runs from corner k to the next. Equal edges give corner 2.
+int apex_opposite_longest(const double length[3]) {
+  if (length[0] < length[1]) return length[1] < length[2] ? 1 : 0;
+  return length[0] < length[2] ? 1 : 2;
+}
+
+}  // namespace
+
+int trTriBlock::generate3(int a, int b, int c) {
+  const LongestFirst t = longest_edge_first(*this, a, b, c);
+  trLoopIT around(this, t.p);
+  while (++around) {
+    const int s = around.next_node();
+    if (around.prev_node() != t.q || s == 0) continue;
+    if (!trAspectUtils::check_dela(point(s), point(t.p), point(t.q), point(t.r))) break;
+    delete_element(around());
+    generate(s, t.q, t.r);
+    return generate(t.r, t.p, s);
+  }
+  return generate(t.p, t.q, t.r);
+}
+
+int trTriBlock::generate4(int a, int b, int c, int d) {
+  if (trAspectUtils::check_dela(point(a), point(d), point(b), point(c))) {
+    generate(a, b, c);
+    return generate(c, d, a);
+  }
+  generate(c, d, b);
+  return generate(a, b, d);
+}
+
+// With A the corner opposite the longest edge BC, the new node lies on BC at the distance of the shorter side's length from the
+// end that belongs to the other side: at |AB| from C when AB is shorter than CA, else at |CA| from B.
+// Where edges are built, the second element is linked twice.
+void trTriBlock::split_element(int e) {
+  report_element(e);
+  const trElement t = element(e);
+  if (!t.valid()) return;
+  if (edges_built) unlink_element(t[0], t[1], t[2]);
+  double length[3];
+  for (int k = 0; k < 3; ++k) {
+    length[k] = check_use_workplane(point(t[(k + 1) % 3]) - point(t[k])).length();
+  }
+  const int k = apex_opposite_longest(length);
+  const int a = t[k];
+  const int b = t[(k + 1) % 3];
+  const int c = t[(k + 2) % 3];
+  const double ab = length[k];
+  const double bc = length[(k + 1) % 3];
+  const double ca = length[(k + 2) % 3];
+  const int middle = ab < ca ? interpolate_node(c, b, ab / bc) : interpolate_node(b, c, ca / bc);
+  element(e).set(a, b, middle);
+  if (elements_referenced) node(middle).elements.insert_front(e);
+  if (edges_built) link_element(a, b, middle);
+  generate(a, middle, c);
+  if (edges_built) link_element(a, middle, c);
+  mark_changed();
+}

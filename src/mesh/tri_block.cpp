@@ -1,0 +1,173 @@
+#include "mesh/tri_block.h"
+
+#include <cfloat>
+
+#include "mesh/hub_edges.h"
+#include "progress/progress.h"
+
+giVector3 tr_no_direction() { return giVector3(-DBL_MAX, 0.0, 0.0); }
+
+trTriBlock::trTriBlock() : hubs_(new HubEdges) {
+  check_out(nodes_feature_);
+  check_out(elements_feature_);
+  check_out(points_feature_);
+  nodes_ = &nodes_feature_.data()->nodes;
+  elements_ = &elements_feature_.data()->triangles;
+  points_ = &points_feature_.data()->points;
+  clear();
+}
+
+trTriBlock::~trTriBlock() = default;
+
+void trTriBlock::clear() {
+  nodes_->clear(1);
+  elements_->clear(1);
+  points_->clear(1);
+  init_node(0);
+  node(0).set_invalid();
+  (*elements_)[0] = trElement();
+  set_node_data_size(0);
+  remove(colours_feature_);
+  colours_feature_.set_invalid();
+  colours_ = nullptr;
+  ++edit_count_;
+  reset_derived_state();
+  alter(1);
+  elements_referenced = 1;  // there is nothing that a list could lack
+}
+
+void trTriBlock::init_node(int i) {
+  giPoint3& p = (*points_)[i];
+  (*nodes_)[i].coords = &p;
+}
+
+trElement& trTriBlock::access_element(int e) {
+  if (e >= element_count()) grow_elements(e);
+  return element(e);
+}
+
+// Raises the count to hold e; slots that were never written become deleted elements.
+void trTriBlock::grow_elements(int e) {
+  const int before = element_count();
+  if (!elements_->expand(e + 1)) return;
+  for (int k = before; k <= e; ++k) {
+    if ((*elements_)[k][0] == UNSET_ELEMENT) element(k).set(0, 0, 0);
+  }
+}
+
+trIntListIT trTriBlock::node_elements(int i) {
+  reference_elements();
+  return trIntListIT(node(i).elements);
+}
+
+int trTriBlock::valid_nodes() const {
+  int n = 0;
+  for (int i = 0; i < node_count(); ++i) {
+    if (tr_interrupt()) return 0;
+    n += !node(i).invalid;
+  }
+  return n;
+}
+
+int trTriBlock::valid_elements() const {
+  int n = 0;
+  for (int e = 0; e < element_count(); ++e) {
+    if (tr_interrupt()) return 0;
+    n += element(e).valid();
+  }
+  return n;
+}
+
+void trTriBlock::set_node_data_size(int n) {
+  if (n != 0) {
+    check_out(node_data_feature_);
+    node_data_ = node_data_feature_.data();
+    node_data_->set_size(n);
+    return;
+  }
+  if (node_data_ == nullptr) return;
+  remove(node_data_feature_);
+  node_data_feature_.set_invalid();
+  node_data_ = nullptr;
+}
+
+void trTriBlock::set_element_colour(int e, int colour) {
+  if (colours_ == nullptr) {
+    check_out(colours_feature_);
+    colours_ = colours_feature_.data();
+  }
+  colours_->set_colour(e, colour);
+}
+
+void trTriBlock::clear_colours() {
+  if (colours_ == nullptr) return;
+  for (int e = 0; e < element_count(); ++e) colours_->set_colour(e, NO_COLOUR);
+}
+
+const giBox3& trTriBlock::box() const {
+  if (box_.is_empty()) self()->compute_box();
+  return box_;
+}
+
+void trTriBlock::compute_box() {
+  for (int i = 1; i < node_count(); ++i) {
+    if (tr_interrupt()) {
+      box_.reset();
+      return;
+    }
+    if (!node(i).invalid) box_.merge(node_in_workplane(i));
+  }
+}
+
+void trTriBlock::alter(int geometry) {
+  edges_built = 0;
+  mark_changed();
+  undup_tol = 0.0;
+  if (!geometry) return;
+  box_.reset();
+  ++geometry_revision_;
+}
+
+void trTriBlock::force_changed_status(int value) {
+  if (value) mark_changed();
+  changed = value;
+}
+
+void trTriBlock::mark_changed() {
+  changed = 1;
+  ++topology_revision_;
+}
+
+void trTriBlock::reset_derived_state() {
+  elements_referenced = 0;
+  normals_built = 0;
+}
+
+void trTriBlock::enable_workplane(int on) {
+  if (use_workplane != on) {
+    box_.reset();
+    ++geometry_revision_;
+  }
+  use_workplane = on;
+}
+
+void trTriBlock::set_workplane(const ccWorkplane& plane) {
+  workplane.set_workplane(plane.workplane());
+  box_.reset();
+  ++geometry_revision_;
+}
+
+giPoint3 trTriBlock::check_use_workplane(const giPoint3& p) const {
+  if (!use_workplane || workplane.workplane().origin().invalid()) return p;
+  return workplane.workplane().to_work(p);
+}
+
+giVector3 trTriBlock::check_use_workplane(const giVector3& v) const {
+  if (!use_workplane || workplane.workplane().origin().invalid()) return v;
+  return workplane.workplane().to_work(v);
+}
+
+giPoint3 trTriBlock::check_unapply_workplane(const giPoint3& p) const {
+  if (!use_workplane || workplane.workplane().origin().invalid()) return p;
+  return workplane.workplane().to_world(p);
+}

@@ -1,0 +1,260 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "mesh/element.h"
+#include "mesh/features.h"
+#include "mesh/loop_it.h"
+#include "platform/common/workplane.h"
+#include "platform/containers/number_arrays.h"
+#include "platform/geometry/box3.h"
+#include "platform/geometry/tri_block_base.h"
+#include "platform/geometry/xform3.h"
+#include "platform/surface/zrk_surf.h"
+#include "platform/utilities/export.h"
+
+class ElementListBatch;
+class HubEdges;
+class SurvivorMap;
+class trUndo;
+
+/// A direction that stands for none.
+MENDEX_EXPORT giVector3 tr_no_direction();
+
+/// The mesh: numbered nodes and numbered triangular elements, with optional node normals, node attributes and element colours.
+///
+/// Nodes and elements are numbered from 1; slot 0 of each array exists and is always invalid. Deleting keeps the number; only
+/// `renumber` closes the gaps. Counts of arrays are the highest number plus one. Addresses of entries never move.
+/// Every primitive edit first reports each entity that it is about to change to the attached undo record.
+/// Loops over the mesh poll for interruption once per entry and stop quietly, leaving what they have done; derived state that was
+/// being built is then marked as not built.
+/// Operations that are const but fill caches edit through self(): never define an object of this class as const.
+/// Numbers handed in are not checked unless an operation says so.
+class MENDEX_EXPORT trTriBlock : public giTriBlock {
+ public:
+  trTriBlock();
+  ~trTriBlock() override;
+
+  // --- flags and settings, in the order of their layout -------------------------------------------------------------------------
+  int edges_built = 0;                  ///< `a_edges` of the nodes reflect every valid element
+  int changed = 1;                      ///< the mesh was changed since the host last looked
+  mutable int elements_referenced = 1;  ///< `elements` of the nodes reflect every valid element
+  int normals_built = 0;                ///< the normals feature holds a normal for every node
+  int verbose = 0;                      ///< verbose reporting
+  trUndo* undo = nullptr;               ///< the record that edits report to; null when none is recording; not owned
+  double undup_tol = 0.0;               ///< tolerance of the last completed node merge; 0 after any change of node positions
+  int curvature_adjust = 0;             ///< new nodes may be moved onto the fitted surface
+  zrkSurfPtr surface;                   ///< the surface fitted for curved filling and capping
+  int use_workplane = 0;                ///< coordinates are measured in the workplane
+  ccWorkplane workplane;
+
+  // --- access -------------------------------------------------------------------------------------------------------------------
+  /// Counts of the arrays, slot 0 included.
+  int node_count() const { return nodes_->count(); }
+  int element_count() const { return elements_->count(); }
+
+  /// The node of that number, without bounds check or growth.
+  trNode& node(int i) const { return nodes_->at(i); }
+  /// The element of that number, without bounds check or growth.
+  trElement& element(int e) const { return static_cast<trElement&>(elements_->at(e)); }
+  /// The element of that number; grows the array to hold it, with deleted elements.
+  trElement& access_element(int e);
+  const giPoint3& point(int i) const { return points_->at(i); }
+  const giPoint3coPageArr& points() const { return *points_; }
+
+  /// Empties the block: frees its pages, drops attributes and colours, and makes node 0 and element 0 anew.
+  void clear();
+  /// Grows the node and coordinate arrays to hold i and points node i at its coordinates.
+  void init_node(int i);
+  /// Walks the elements of a node; builds the element lists first where needed.
+  trIntListIT node_elements(int i);
+
+  /// Number of valid nodes or elements; 0 when interrupted. Cost: O(n), n being the array's count.
+  int valid_nodes() const;
+  int valid_elements() const;
+
+  // --- node attributes, colours, box, workplane -----------------------------------------------------------------------------------
+  /// Sets how many attribute values a node has (1 to 5), making the attributes when absent; 0 drops them.
+  void set_node_data_size(int n);
+  int node_data_size() const { return node_data_ == nullptr ? 0 : node_data_->size(); }
+  /// The attributes of a node; only while there are any. The const form does not grow.
+  trNodeDataTuple& node_data(int i) { return node_data_->data(i); }
+  const trNodeDataTuple& node_data(int i) const { return static_cast<const trNodeDataBlock*>(node_data_)->data(i); }
+
+  /// The first colour ever set becomes the default, which elements beyond the coloured ones have. -1: no colour.
+  void set_element_colour(int e, int colour);
+  int get_element_colour(int e) const { return colours_ == nullptr ? NO_COLOUR : colours_->get_colour(e); }
+  int default_colour() const { return colours_ == nullptr ? NO_COLOUR : colours_->default_colour(); }
+  /// Sets every element's colour, and the default, to -1, when the block has colours.
+  void clear_colours();
+
+  /// Bounding box of the valid nodes, in the workplane when one is in use; recomputed when stale.
+  const giBox3& box() const;
+  void compute_box();
+  /// Marks edges and merge tolerance (and, with `geometry`, the box) stale and the mesh changed.
+  void alter(int geometry);
+  void force_changed_status(int value);
+
+  void enable_workplane(int on);
+  /// Takes over the workplane's axes; whether it is used stays as it is.
+  void set_workplane(const ccWorkplane& plane);
+  /// Into the workplane, when one is in use and its origin is valid; else unchanged.
+  giPoint3 check_use_workplane(const giPoint3& p) const;
+  giVector3 check_use_workplane(const giVector3& v) const;
+  /// Back to world coordinates, on the same condition.
+  giPoint3 check_unapply_workplane(const giPoint3& p) const;
+
+  // --- primitive edits: each reports what it changes to `undo` --------------------------------------------------------------------
+  /// Makes a node and returns its number. Drops all node attributes of the block.
+  int generate_node(const giPoint3& p, const giVector3& n, int adjust);
+  /// Makes a node on the segment from a to b at parameter t (measured in the workplane), adjusted to the fitted surface along n
+  /// when adjustment is on; attributes are interpolated. Returns its number.
+  int interpolate_node(int a, int b, double t, const giVector3& n = tr_no_direction());
+  /// Places node i, making it and, as deleted ones, all numbers missing before it. A valid node keeps the lists that are current.
+  /// Coordinates of plus or minus the largest double, which mark invalid points, are moved by one unit in the last place.
+  void set_node(int i, const giPoint3& p);
+  /// Deletes a node; elements that use it are not touched.
+  void delete_node(int i);
+
+  /// Makes element (a, b, c) and returns its number; -1 when two numbers are equal. Nodes are not checked.
+  int generate(int a, int b, int c);
+  /// Makes (a, b, c); when the neighbour across its longest edge p-q asks for it, both are replaced by the other split. The element
+  /// lists must be current. Returns the last element made.
+  int generate3(int a, int b, int c);
+  /// Splits the quadrilateral by the better diagonal; returns the second element.
+  int generate4(int a, int b, int c, int d);
+  /// Writes element e, deleting what it held and making, as deleted ones, all numbers missing before it.
+  void set_element(int e, int a, int b, int c);
+  /// Deletes an element. It stays in its nodes' `elements`; walkers skip it.
+  void delete_element(int e);
+  /// (a, b, c) becomes (a, c, b).
+  void reverse_element(int e);
+  /// Splits e by a new node on its longest edge; see the source for the rule.
+  void split_element(int e);
+
+  /// Exactly `set_node` of the next three numbers and `set_element` of the next element, at the cost of a copy.
+  void append_facet(const giPoint3 corners[3]);
+
+  void delete_elements(const intcoPageArr& list);
+  void split_elements(const intcoPageArr& list);
+  /// Deletes every valid element with two equal nodes.
+  void delete_collapsed_elements();
+  /// Reverses every valid element.
+  void reverse();
+
+  // --- derived topology -----------------------------------------------------------------------------------------------------------
+  /// Records the directed edge a to b, or cancels its opposite when that is recorded. An invalid end is fatal: the process ends
+  /// with exit code 8.
+  int link(int a, int b);
+  /// The same without the test: -1 when the opposite was cancelled, 1 when the edge was recorded at the front of a's list.
+  int link_simple(int a, int b);
+  void reset_edges();
+  /// Links the edges of all valid elements, unless that is done. Cost: O(n).
+  void build_edges();
+  /// Moves every entry of `a_edges` into `d_edges`, node by node, reversing the order.
+  void a_to_d();
+  /// Fills the element lists of all nodes, newest first, unless that is done. Cost: O(n).
+  void reference_elements() const;
+  /// Re-points element corners that name a deleted node k to map[k]; a corner without an entry is left alone. Edges stay.
+  void reference_new_nodes(const intcoPageArr& map);
+
+  /// Deletes elements that have an opposite twin, and with `both` the twin too. 1 when something was deleted.
+  int cancelling(int both) { return remove_repeats(0, both); }
+  /// Deletes all but the highest-numbered of elements with the same nodes in the same orientation. 1 when something was deleted.
+  int repeating() { return remove_repeats(1, 0); }
+  int remove_repeats(int same, int both);
+
+  /// Closes the gaps that deletions left. Pages stay allocated and `undup_tol` is kept. Interrupted, it stops where it is.
+  void renumber();
+  /// Moves every valid node; counts as no change.
+  void transform(const giXform3& x);
+
+  // --- measures -------------------------------------------------------------------------------------------------------------------
+  /// Four times the squared area of an element.
+  double area_element(int e) const;
+  double surface_area() const;
+  /// Enclosed volume of a closed mesh that faces outward; negative when it faces inward.
+  double volume() const;
+  /// Area, volume over the lowest z, centre of mass, least and mean aspect ratio, in the workplane when one is in use.
+  void properties(double& area, double& vol, giPoint3& centre, double& min_aspect, double& mean_aspect) const;
+  void compute_node_normals();
+  /// Valid after compute_node_normals.
+  const giVector3& node_normal(int i) const { return normals_->at(i); }
+  /// Least scalar product of the unit normals of consistently oriented neighbours, from -1 to 1; `count` receives how many pairs,
+  /// counted from both sides, lie below limit.
+  double min_dotp(double limit, int& count) const;
+  /// Mean distance between consecutive nodes of an open chain; 0 for fewer than two.
+  double node_average_distance(const intcoPageArr& chain) const;
+
+  // --- merging --------------------------------------------------------------------------------------------------------------------
+  /// Merges nodes that lie within `tol` of each other, inclusive; deletes elements that collapse.
+  ///
+  /// Nodes are taken in ascending number; each is compared with the nodes kept before it, and of several the lowest survives.
+  /// Survivors keep their number and are pairwise farther apart than tol; chains do not collapse further. Attributes are averaged
+  /// by weight. A tolerance not above that of the last merge returns 0 at once, so 0 never merges.
+  /// @return 1 when a node was merged; 0 when none was, or when interrupted (nodes deleted so far stay deleted)
+  /// Cost: O(n) expected time; about 40 bytes a kept node.
+  int unduplicate_nodes(double tol);
+
+  // --- curvature adjustment -------------------------------------------------------------------------------------------------------
+  /// q = p moved onto the fitted surface along `direction`, or to its closest point when there is none; -1 and q = p when
+  /// adjustment is off; else the surface's answer, 0 for success.
+  int apply_curvature_adjust_on_coords(const giPoint3& p, const giVector3& direction, giPoint3& q) const;
+  void free_surface() { surface.reset(); }
+
+ protected:
+  /// Makes a node; attributes of the block stay.
+  int generate_node_private(const giPoint3& p, const giVector3& n, int adjust);
+
+ private:
+  friend class trControl;
+  friend class trUndo;
+  friend class trCycleArray;
+
+  trTriBlock* self() const { return const_cast<trTriBlock*>(this); }
+
+  void report_node(int i);
+  void report_element(int e);
+  void mark_changed();
+  // What an edit from outside the primitives makes stale: element lists and normals.
+  void reset_derived_state();
+  void place_node(int i, const giPoint3& p);
+  void link_element(int a, int b, int c);
+  void unlink_element(int a, int b, int c);
+  void write_element(int e, int a, int b, int c);
+  void grow_elements(int e);
+  double lowest_corner_z() const;
+  giVector3 attribute_or_mean_normal(int i, int data_size) const;
+  std::vector<int> delete_duplicate_nodes(double tol, intcoPageArr& slots);
+  int number_valid_nodes(intcoPageArr& map) const;
+  int close_element_gaps(const intcoPageArr& map);
+  int close_node_gaps(const intcoPageArr& map);
+  void enter_in_lists(int e) const;
+  void replace_nodes(const SurvivorMap& map);
+  void announce_replacements(const SurvivorMap& map, ElementListBatch& lists) const;
+  bool has_node(int i) const { return static_cast<unsigned>(i) < static_cast<unsigned>(node_count()); }
+  giPoint3 node_in_workplane(int i) const { return check_use_workplane(point(i)); }
+
+  // Handles on the pool's data and, beside them, the typed pointers: an access costs no look-up.
+  giNormArrcoFeature normals_feature_;
+  trNodeDataBlockcoFeature node_data_feature_;
+  trNodeArrCopycoFeature nodes_feature_;
+  giTriArrcoFeature elements_feature_;
+  trTriDataBlockcoFeature colours_feature_;
+  giNodeXYZ points_feature_;
+  trNodecoPageArr* nodes_ = nullptr;
+  giTrianglecoPageArr* elements_ = nullptr;
+  giPoint3coPageArr* points_ = nullptr;
+  giVector3coPageArr* normals_ = nullptr;
+  trNodeDataBlock* node_data_ = nullptr;
+  trTriDataBlock* colours_ = nullptr;
+
+  std::unique_ptr<HubEdges> hubs_;       // pairing of half-edges at nodes with very many of them
+  mutable giBox3 box_;                   // stale while empty
+  std::int64_t edit_count_ = 0;          // primitive edits so far; normals are current only for the count they were made at
+  std::int64_t normals_edit_count_ = 0;  // edit_count_ when the normals were computed
+  std::int64_t topology_revision_ = 0;   // grows whenever `changed` becomes 1: shows changes that a later transform hides
+  std::int64_t geometry_revision_ = 0;   // grows whenever a node moves: cached boxes compare it
+};

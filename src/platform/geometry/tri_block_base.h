@@ -1,0 +1,38 @@
+#pragma once
+
+#include "platform/containers/feature_pool.h"
+#include "platform/geometry/arrays.h"
+#include "platform/geometry/box3.h"
+#include "platform/utilities/export.h"
+
+// Pages of 4096 entries for the arrays that grow with a mesh.
+constexpr int gi_mesh_page_shift = 12;
+
+/// Points with a cached bounding box.
+struct giBoxArrPoint3 {
+  giPoint3coPageArr points{gi_mesh_page_shift, 5, 10};
+  giBox3 box;
+  int box_stale = 1;
+};
+struct giTriangleArr {
+  giTrianglecoPageArr triangles{gi_mesh_page_shift, 5, 10};
+};
+struct giNormalArr {
+  giVector3coPageArr normals{gi_mesh_page_shift, 5, 10};
+};
+
+/// Node coordinates, by node number.
+class MENDEX_EXPORT giNodeXYZ : public coFeature<giNodeXYZ, giBoxArrPoint3> {};
+/// Triangles, by element number.
+class MENDEX_EXPORT giTriArrcoFeature : public coFeature<giTriArrcoFeature, giTriangleArr> {};
+/// Node normals, by node number.
+class MENDEX_EXPORT giNormArrcoFeature : public coFeature<giNormArrcoFeature, giNormalArr> {};
+/// Triangle colours as a host keeps them, by element number.
+class MENDEX_EXPORT giTriCols : public coFeature<giTriCols, giColourcoPageArr> {};
+
+/// A bag of mesh data under the feature types that all geometry code knows. A host's own blocks count from 0; the library's
+/// triangle block counts from 1 and reserves slot 0.
+class MENDEX_EXPORT giTriBlock : public coFeaturePool {};
+
+using giBoxArrPoint3coFeature = giNodeXYZ;
+using giColourcoPageArrcoFeature = giTriCols;

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "platform/geometry/point3.h"
+#include "platform/utilities/export.h"
+
+/// An affine map: p -> A p + b. The identity by default.
+class MENDEX_EXPORT giXform3 {
+ public:
+  giXform3() = default;
+
+  static giXform3 translation(const giVector3& by);
+  /// Rotation about the origin that takes the direction of `from` to that of `to`; opposite directions turn half round about some
+  /// axis across them. The identity when either is zero.
+  static giXform3 rotation(const giVector3& from, const giVector3& to);
+  /// Half turn about the x axis: y and z change sign.
+  static giXform3 half_turn_x();
+
+  giPoint3 apply(const giPoint3& p) const;
+  /// Vectors are turned, not moved.
+  giVector3 apply(const giVector3& v) const;
+
+  /// This map first, `next` after it.
+  giXform3 then(const giXform3& next) const;
+  /// The map back; a map that flattens space has none and yields numbers that are not finite.
+  giXform3 inverse() const;
+
+ private:
+  double a_[3][3] = {{1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}};
+  double b_[3] = {0.0, 0.0, 0.0};
+};

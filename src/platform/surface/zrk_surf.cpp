@@ -1,0 +1,3 @@
+#include "platform/surface/zrk_surf.h"
+
+zrkSurf::~zrkSurf() = default;

@@ -1,0 +1,4 @@
+#pragma once
+
+/// Tag: make a deep copy.
+struct utCopy {};

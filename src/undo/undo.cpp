@@ -1,0 +1,3 @@
+#include "undo/undo.h"
+
+trUndo::~trUndo() = default;
