@@ -5,6 +5,9 @@
 #include <cstdio>
 #include <filesystem>
 #include <memory>
+#include <stdexcept>
+#include <string>
+#include <utility>
 
 #include "goals.h"
 #include "measure.h"
@@ -53,7 +56,7 @@ std::vector<Measure> chosen_measures(const SummaryOptions& options) {
 int rounds_at(std::size_t facets, const SummaryOptions& options) {
   if (options.rounds > 0) return options.rounds;
   if (facets <= 100'000) return 15;
-  return facets <= largest_judged_size ? 7 : 3;
+  return facets <= largest_judged_size ? 5 : 3;
 }
 
 class Summary {
@@ -62,6 +65,8 @@ class Summary {
       : options_(options), sizes_(chosen_sizes(options)), measures_(chosen_measures(options)) {}
 
   int run() {
+    if (measures_.empty()) throw std::runtime_error("no measure has '" + options_.only + "' in its name");
+    if (sizes_.empty()) throw std::runtime_error("the smallest model has " + std::to_string(model_sizes[0]) + " triangles");
     for (const std::size_t facets : sizes_) {
       measure_size(facets);
       facts_.largest_size = facets;
