@@ -67,6 +67,7 @@ int trTriWrite::write_ast(int positive) {
   for (int e = 1; e < total; ++e) {
     if (tr_interrupt()) return 0;
     tr_report_triangles(e, total, 0.0, 100.0);
+    mesh->prefetch_corners(e + trTriBlock::corners_ahead);
     if (mesh->element(e).valid()) write_facet(out, FacetGeometry(*mesh, e, offset), scale);
   }
   out << "endsolid\n";

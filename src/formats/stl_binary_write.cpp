@@ -85,6 +85,7 @@ int trTriWrite::write_facets(trBinWrite& out, const giVector3& offset, bool colo
   for (int e = 1; e < total && !out.error; ++e) {
     if (tr_interrupt()) return 0;
     tr_report_triangles(e, total, 0.0, 100.0);
+    mesh->prefetch_corners(e + trTriBlock::corners_ahead);
     if (!mesh->element(e).valid()) continue;
     writer.write(FacetGeometry(*mesh, e, offset), coloured ? static_cast<std::uint16_t>(mesh->get_element_colour(e)) : 0);
     last_written = e;

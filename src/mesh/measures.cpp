@@ -26,6 +26,7 @@ double trTriBlock::surface_area() const {
   for (int e = 1; e < element_count(); ++e) {
     if (tr_interrupt()) break;
     tr_report_triangles(e, element_count(), 0.0, 100.0);
+    prefetch_corners(e + corners_ahead);
     const trElement& t = element(e);
     if (!t.valid()) continue;
     const giPoint3& a = point(t[0]);
@@ -39,6 +40,7 @@ double trTriBlock::volume() const {
   for (int e = 1; e < element_count(); ++e) {
     if (tr_interrupt()) break;
     tr_report_triangles(e, element_count(), 0.0, 100.0);
+    prefetch_corners(e + corners_ahead);
     const trElement& t = element(e);
     if (!t.valid()) continue;
     const giPoint3& a = point(t[0]);
@@ -77,6 +79,7 @@ struct Moments {
 double trTriBlock::lowest_corner_z() const {
   double lowest = HUGE_VAL;
   for (int e = 1; e < element_count(); ++e) {
+    prefetch_corners(e + corners_ahead);
     const trElement& t = element(e);
     if (!t.valid()) continue;
     for (int k = 0; k < 3; ++k) lowest = std::min(lowest, node_in_workplane(t[k]).z);
@@ -95,6 +98,7 @@ void trTriBlock::properties(double& area, double& vol, giPoint3& centre, double&
   for (int e = 1; e < element_count(); ++e) {
     if (tr_interrupt()) break;
     tr_report_triangles(e, element_count(), 0.0, 100.0);
+    prefetch_corners(e + corners_ahead);
     const trElement& t = element(e);
     if (!t.valid()) continue;
     const giPoint3 p = node_in_workplane(t[0]);

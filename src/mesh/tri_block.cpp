@@ -159,18 +159,3 @@ void trTriBlock::set_workplane(const ccWorkplane& plane) {
   box_.reset();
   ++geometry_revision_;
 }
-
-giPoint3 trTriBlock::check_use_workplane(const giPoint3& p) const {
-  if (!use_workplane || workplane.workplane().origin().invalid()) return p;
-  return workplane.workplane().to_work(p);
-}
-
-giVector3 trTriBlock::check_use_workplane(const giVector3& v) const {
-  if (!use_workplane || workplane.workplane().origin().invalid()) return v;
-  return workplane.workplane().to_work(v);
-}
-
-giPoint3 trTriBlock::check_unapply_workplane(const giPoint3& p) const {
-  if (!use_workplane || workplane.workplane().origin().invalid()) return p;
-  return workplane.workplane().to_world(p);
-}

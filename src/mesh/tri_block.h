@@ -64,6 +64,18 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   const giPoint3& point(int i) const { return points_->at(i); }
   const giPoint3coPageArr& points() const { return *points_; }
 
+  /// How many elements ahead a loop over all elements does well to call prefetch_corners.
+  static constexpr int corners_ahead = 16;
+  /// Starts fetching the coordinates of element e's corners; any number is allowed. In a mesh whose elements lie in no spatial order
+  /// each corner is a cache miss.
+  void prefetch_corners(int e) const {
+    if (e >= element_count()) return;
+    const trElement& t = element(e);
+    for (int k = 0; k < 3; ++k) {
+      if (has_node(t[k])) __builtin_prefetch(&points_->at(t[k]));
+    }
+  }
+
   /// Empties the block: frees its pages, drops attributes and colours, and makes node 0 and element 0 anew.
   void clear();
   /// Grows the node and coordinate arrays to hold i and points node i at its coordinates.
@@ -101,10 +113,10 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   /// Takes over the workplane's axes; whether it is used stays as it is.
   void set_workplane(const ccWorkplane& plane);
   /// Into the workplane, when one is in use and its origin is valid; else unchanged.
-  giPoint3 check_use_workplane(const giPoint3& p) const;
-  giVector3 check_use_workplane(const giVector3& v) const;
+  giPoint3 check_use_workplane(const giPoint3& p) const { return maps_workplane() ? workplane.workplane().to_work(p) : p; }
+  giVector3 check_use_workplane(const giVector3& v) const { return maps_workplane() ? workplane.workplane().to_work(v) : v; }
   /// Back to world coordinates, on the same condition.
-  giPoint3 check_unapply_workplane(const giPoint3& p) const;
+  giPoint3 check_unapply_workplane(const giPoint3& p) const { return maps_workplane() ? workplane.workplane().to_world(p) : p; }
 
   // --- primitive edits: each reports what it changes to `undo` --------------------------------------------------------------------
   /// Makes a node and returns its number. Drops all node attributes of the block.
@@ -236,6 +248,7 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   void replace_nodes(const SurvivorMap& map);
   void announce_replacements(const SurvivorMap& map, ElementListBatch& lists) const;
   bool has_node(int i) const { return static_cast<unsigned>(i) < static_cast<unsigned>(node_count()); }
+  bool maps_workplane() const { return use_workplane && !workplane.workplane().origin().invalid(); }
   giPoint3 node_in_workplane(int i) const { return check_use_workplane(point(i)); }
 
   // Handles on the pool's data and, beside them, the typed pointers: an access costs no look-up.
