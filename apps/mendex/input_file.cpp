@@ -23,7 +23,9 @@ constexpr std::size_t buffer_bytes = 256 * 1024;
 
 }  // namespace
 
-InputFile::InputFile(const std::string& path) : file_(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
+InputFile::InputFile(const std::string& path) {
+  Interruption::check();
+  file_ = open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (file_ < 0) fail(errno);
   struct stat status = {};
   if (fstat(file_, &status) == 0 && S_ISREG(status.st_mode)) size_ = static_cast<std::uint64_t>(status.st_size);

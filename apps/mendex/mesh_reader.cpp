@@ -45,6 +45,7 @@ void warn_of_surplus(Session& session, const InputFile& file) {
 
 ReadOutcome read_mesh(Session& session, const std::string& path) {
   session.messages.set_file(path);
+  session.mesh.clear();  // a reader that fails on the header leaves the mesh as it was
   InputFile file(path);
   const std::optional<MeshFormat> format = format_of_content(file.head(), file.size());
   if (!format) throw Failure(ExitCode::cannot_read, "is not an STL file, neither binary nor ASCII");

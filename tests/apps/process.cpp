@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
+#include <fstream>
 #include <thread>
 
 namespace {
@@ -77,6 +78,18 @@ void Process::become_program(const ProcessSetup& setup) const {
 }
 
 void Process::send_signal(int number) const { kill(id_, number); }
+
+void Process::wait_until_it_catches(int number) const {
+  const auto deadline = std::chrono::steady_clock::now() + longest_run;
+  while (std::chrono::steady_clock::now() < deadline) {
+    std::ifstream status("/proc/" + std::to_string(id_) + "/status");
+    for (std::string line; std::getline(status, line);) {
+      if (line.compare(0, 7, "SigCgt:") != 0) continue;
+      if (std::stoull(line.substr(7), nullptr, 16) >> (number - 1) & 1) return;
+    }
+    std::this_thread::sleep_for(poll_interval);
+  }
+}
 
 void Process::drain_terminal() {
   char piece[4096];

@@ -35,6 +35,9 @@ class Process {
 
   void send_signal(int number) const;
 
+  /// Waits until the program has set itself up to catch the signal.
+  void wait_until_it_catches(int number) const;
+
   /// Waits for the end; a program that takes more than a minute is killed.
   ProcessResult wait();
 

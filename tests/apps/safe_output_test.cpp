@@ -72,7 +72,8 @@ TEST(MendexInterrupted, StopsWhileReadingAndLeavesTheTarget) {
 TEST(MendexInterrupted, StopsWhileWaitingForAPipeThatNobodyOpens) {
   const SlowWeld weld;
   Process process(weld.setup());
-  std::this_thread::sleep_for(std::chrono::milliseconds(200));
+  process.wait_until_it_catches(SIGINT);
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));  // for the short way from there to the pipe
   process.send_signal(SIGINT);
   EXPECT_EQ(process.wait().exit_code, 6);
   weld.expect_untouched();
