@@ -136,7 +136,7 @@ TEST(Hub, KeepsTheOrderOfItsLists) {
       ASSERT_EQ(k % 50 == 0 ? difference(block, literal) : "", "") << "edit " << k << " of round " << round;
     }
     ASSERT_EQ(difference(block, literal), "") << "round " << round;
-    EXPECT_GT(block.node(1).a_edges.count(), 100);
+    EXPECT_GT(block.node(1).a_edges.count(), 64);
     EXPECT_EQ(listed_free_edges(block), expected_free_edges(block));
     int count = 0;
     int expected_count = 0;
