@@ -14,18 +14,18 @@ void HubEdges::enter_front(Hub& hub, Link link, Link old_head) {
   hub.head = link;
 }
 
-void HubEdges::build(Hub& hub, const trIntList& list) {
+void HubEdges::build(Hub& hub, const trIntList& list) const {
   hub = Hub();
   std::vector<Link> links;
   for (Link link = list.head(); link != 0; link = coCellPool::next(link)) links.push_back(link);
   Link behind = 0;
   for (auto it = links.rbegin(); it != links.rend(); behind = *it, ++it) enter_front(hub, *it, behind);
-  hub.edits = intcoSListB::edits();
+  hub.edits = edits();
 }
 
 HubEdges::Hub& HubEdges::current(int node, const trIntList& list) {
   Hub& hub = hubs_[node];
-  if (hub.head != list.head() || hub.edits != intcoSListB::edits()) build(hub, list);
+  if (hub.head != list.head() || hub.edits != edits()) build(hub, list);
   return hub;
 }
 

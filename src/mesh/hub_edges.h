@@ -24,6 +24,18 @@ class HubEdges {
   void insert_front(int node, trIntList& list, int v);
   void clear() { hubs_.clear(); }
 
+  /// Drops the index of one node, whose list is about to change in some other way.
+  void forget(int node) {
+    if (!hubs_.empty()) hubs_.erase(node);
+  }
+  /// Runs an edit that changes no indexed list, so that the indexes stay as good as they are whatever it removes elsewhere.
+  template <class F>
+  void disregard(F edit) {
+    const std::int64_t before = intcoSListB::edits();
+    edit();
+    disregarded_ += intcoSListB::edits() - before;
+  }
+
  private:
   struct Hub {
     std::unordered_map<int, Link> first;       // value -> its entry nearest the front
@@ -33,9 +45,11 @@ class HubEdges {
     std::int64_t edits = 0;
   };
 
-  static void build(Hub& hub, const trIntList& list);
+  void build(Hub& hub, const trIntList& list) const;
   static void enter_front(Hub& hub, Link link, Link old_head);
   Hub& current(int node, const trIntList& list);
+  std::int64_t edits() const { return intcoSListB::edits() - disregarded_; }
 
   std::unordered_map<int, Hub> hubs_;
+  std::int64_t disregarded_ = 0;  // removals that are known to concern no indexed list
 };

@@ -1,6 +1,7 @@
 #include <cfloat>
 #include <cmath>
 
+#include "mesh/hub_edges.h"
 #include "mesh/tri_block.h"
 
 namespace {
@@ -59,7 +60,7 @@ void trTriBlock::place_node(int i, const giPoint3& p) {
     n.a_edges.clear();
     n.d_edges.clear();
   }
-  if (n.invalid || !elements_referenced) n.elements.clear();
+  if (n.invalid || !elements_referenced) hubs_->disregard([&n] { n.elements.clear(); });
   *n.coords = storable(p);
   n.invalid = 0;
   undup_tol = 0.0;
@@ -69,7 +70,8 @@ void trTriBlock::place_node(int i, const giPoint3& p) {
 
 void trTriBlock::delete_node(int i) {
   report_node(i);
-  node(i).set_invalid();
+  hubs_->forget(i);
+  hubs_->disregard([&] { node(i).set_invalid(); });
 }
 
 int trTriBlock::generate(int a, int b, int c) {
