@@ -1,6 +1,7 @@
 #include "platform/common/binary_flags.h"
 
 #include <algorithm>
+#include <climits>
 
 void ccBinaryFlags::set_length(int n) {
   length_ = std::max(n, 0);
@@ -10,7 +11,7 @@ void ccBinaryFlags::set_length(int n) {
 }
 
 void ccBinaryFlags::set(int i, bool value) {
-  if (i < 0 || (!value && i >= length_)) return;
+  if (i < 0 || i == INT_MAX || (!value && i >= length_)) return;
   if (i >= length_) set_length(i + 1);
   const std::uint64_t bit = std::uint64_t{1} << (static_cast<unsigned>(i) % 64);
   std::uint64_t& word = words_[static_cast<std::size_t>(i) / 64];

@@ -13,13 +13,13 @@ class MENDEX_EXPORT ccBinaryFlags {
   explicit ccBinaryFlags(int n) { set_length(n); }
 
   int length() const { return length_; }
-  /// Cuts the row or extends it with clear bits.
+  /// Cuts the row or extends it with clear bits; a negative n counts as 0.
   void set_length(int n);
 
   bool test(int i) const {
     return i >= 0 && i < length_ && ((words_[static_cast<std::size_t>(i) / 64] >> (static_cast<unsigned>(i) % 64)) & 1) != 0;
   }
-  /// Sets or clears bit i; a negative i is ignored.
+  /// Sets or clears bit i; a negative i, and INT_MAX, which no length can reach, are ignored. Clearing never extends the row.
   void set(int i, bool value = true);
   void clear_all();
   /// Number of set bits.

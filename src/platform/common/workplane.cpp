@@ -2,8 +2,6 @@
 
 #include "platform/common/workplane_list.h"
 
-ccUndoHistoryData::~ccUndoHistoryData() = default;
-
 namespace {
 
 // Initialised before any code runs, and never destroyed.

@@ -9,18 +9,21 @@ class giLength {
  public:
   /// No value.
   giLength() = default;
+  /// @param length  not negative; the largest double makes no value
   static giLength from_length(double length) { return giLength(length); }
+  /// @param squared  not negative
   static giLength from_squared(double squared) { return giLength(-squared); }
 
   bool is_set() const { return stored_ != DBL_MAX; }
 
   /// The length, taking the root of a squared one; the largest double when there is no value.
   double value() const { return is_squared() ? std::sqrt(-stored_) : stored_; }
+  /// The squared length; infinite when there is no value.
   double squared() const { return is_squared() ? -stored_ : stored_ * stored_; }
 
-  /// Compares with a plain tolerance by squares; never holds for a negative tolerance.
-  bool is_below(double tol) const { return tol >= 0.0 && squared() < tol * tol; }
-  bool is_at_most(double tol) const { return tol >= 0.0 && squared() <= tol * tol; }
+  /// Compares with a plain tolerance by squares; never holds for a negative tolerance, nor without a value.
+  bool is_below(double tol) const { return is_set() && tol >= 0.0 && squared() < tol * tol; }
+  bool is_at_most(double tol) const { return is_set() && tol >= 0.0 && squared() <= tol * tol; }
 
   /// Whether two lengths differ by at most tol; two without a value are the same.
   bool same(const giLength& other, double tol) const {
@@ -28,14 +31,14 @@ class giLength {
     return std::fabs(value() - other.value()) <= tol;
   }
 
-  // No value counts as smaller than any length.
+  /// Compares by squares, so squares that both overflow are equal; no value counts as smaller than any length.
   friend bool operator<(const giLength& a, const giLength& b) {
     if (!a.is_set() || !b.is_set()) return !a.is_set() && b.is_set();
     return a.squared() < b.squared();
   }
   friend bool operator>(const giLength& a, const giLength& b) { return b < a; }
 
-  /// The quotient stays squared when the dividend is.
+  /// The quotient stays squared when the dividend is; no value when either has none. Dividing by zero follows IEEE 754.
   friend giLength operator/(const giLength& a, const giLength& b) {
     if (!a.is_set() || !b.is_set()) return giLength();
     return a.is_squared() ? from_squared(a.squared() / b.squared()) : from_length(a.value() / b.value());

@@ -2,6 +2,7 @@
 
 #include "platform/containers/feature_pool.h"
 #include "platform/geometry/arrays.h"
+#include "platform/geometry/box2.h"
 #include "platform/geometry/box3.h"
 #include "platform/utilities/export.h"
 
@@ -12,6 +13,12 @@ constexpr int gi_mesh_page_shift = 12;
 struct giBoxArrPoint3 {
   giPoint3coPageArr points{gi_mesh_page_shift, 5, 10};
   giBox3 box;
+  int box_stale = 1;
+};
+/// Points of the plane with a cached bounding box.
+struct giBoxArrPoint2 {
+  giPoint2coPageArr points{gi_mesh_page_shift, 5, 10};
+  giBox2 box;
   int box_stale = 1;
 };
 struct giTriangleArr {
@@ -27,6 +34,8 @@ class MENDEX_EXPORT giNodeXYZ : public coFeature<giNodeXYZ, giBoxArrPoint3> {};
 class MENDEX_EXPORT giTriArrcoFeature : public coFeature<giTriArrcoFeature, giTriangleArr> {};
 /// Node normals, by node number.
 class MENDEX_EXPORT giNormArrcoFeature : public coFeature<giNormArrcoFeature, giNormalArr> {};
+/// Points of the plane, one for each node, by node number.
+class MENDEX_EXPORT giBoxArrPoint2coFeature : public coFeature<giBoxArrPoint2coFeature, giBoxArrPoint2> {};
 /// Triangle colours as a host keeps them, by element number.
 class MENDEX_EXPORT giTriCols : public coFeature<giTriCols, giColourcoPageArr> {};
 

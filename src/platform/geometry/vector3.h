@@ -2,6 +2,7 @@
 
 #include <cfloat>
 #include <cmath>
+#include <type_traits>
 
 /// A vector, with its length cached in a fourth word; every write of a component makes the length unknown (the largest double).
 /// A direction whose x is the lowest double stands for no direction.
@@ -26,7 +27,9 @@ class giVector3 {
     length_ = unknown_length;
   }
 
+  /// Plain arithmetic: overflows to infinity for components beyond about 1e154, and to 0 for those below about 1e-162.
   double length_sq() const { return x_ * x_ + y_ * y_ + z_ * z_; }
+  /// The root of `length_sq()`, taken once until a component is written.
   double length() const {
     if (length_ == unknown_length) length_ = std::sqrt(length_sq());
     return length_;
@@ -36,14 +39,10 @@ class giVector3 {
     return giVector3(y_ * v.z_ - z_ * v.y_, z_ * v.x_ - x_ * v.z_, x_ * v.y_ - y_ * v.x_);
   }
 
-  /// Scales to length 1; a zero vector is left alone.
+  /// Scales to length 1, to within rounding; a vector whose length computes as zero is left alone.
   void make_unit() {
     const double l = length();
-    if (l == 0.0) return;
-    x_ /= l;
-    y_ /= l;
-    z_ /= l;
-    length_ = 1.0;
+    if (l != 0.0) set(x_ / l, y_ / l, z_ / l);
   }
 
   giVector3& operator+=(const giVector3& v) {
@@ -78,4 +77,4 @@ class giVector3 {
   mutable double length_ = unknown_length;
 };
 
-static_assert(sizeof(giVector3) == 32, "three components and the cached length");
+static_assert(sizeof(giVector3) == 32 && std::is_trivially_copyable<giVector3>::value, "three components and the cached length");

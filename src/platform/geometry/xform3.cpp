@@ -1,18 +1,19 @@
 #include "platform/geometry/xform3.h"
 
-#include <cmath>
+#include "platform/geometry/unit_vec3.h"
 
 namespace {
 
-// A unit vector across u, along the cross vector with the axis that u leans on least.
-giVector3 across(const giVector3& u) {
-  const double ax = std::fabs(u.x());
-  const double ay = std::fabs(u.y());
-  const double az = std::fabs(u.z());
-  const giVector3 axis = ax <= ay && ax <= az ? giVector3(1, 0, 0) : (ay <= az ? giVector3(0, 1, 0) : giVector3(0, 0, 1));
-  giVector3 v = u.cross(axis);
-  v.make_unit();
-  return v;
+// The axis of the turn from u to v, at right angles to both to within rounding. The cross vector of (anti)parallel vectors loses its
+// direction; what it keeps is still across their small difference, so clearing its part along v suffices. Where nothing but rounding
+// is left, any axis across v serves.
+giVector3 turn_axis(const giUnitVec3& u, const giUnitVec3& v) {
+  giVector3 axis = u.vector().cross(v.vector());
+  axis.make_unit();
+  axis -= v.dot(axis) * v.vector();
+  if (!(axis.length() > 0.5)) return v.across().vector();
+  axis.make_unit();
+  return axis;
 }
 
 }  // namespace
@@ -29,25 +30,17 @@ giXform3 giXform3::half_turn_x() {
   return x;
 }
 
-// Two reflections make a rotation, R = (1 - 2 s s')(1 - 2 f f'), and no angle is ever taken. With f half-way between u and v, the
-// first takes u to -v and the second, s = v, takes that to v. For opposite vectors f = u takes u to v, and s across u keeps it there.
+// Takes the frame (u, axis x u, axis) to (v, axis x v, axis), so no angle is ever taken: R = v u' + (axis x v)(axis x u)' + axis axis'.
 giXform3 giXform3::rotation(const giVector3& from, const giVector3& to) {
-  giVector3 u = from;
-  giVector3 v = to;
-  u.make_unit();
-  v.make_unit();
+  const giUnitVec3 u(from);
+  const giUnitVec3 v(to);
   giXform3 x;
-  if (u.length_sq() == 0.0 || v.length_sq() == 0.0) return x;
-  giVector3 half = u + v;
-  const bool opposite = half.length() < 1e-8;
-  half.make_unit();
-  const giVector3 first = opposite ? u : half;
-  const giVector3 second = opposite ? across(u) : v;
+  if (u == v || u.vector().length_sq() == 0.0 || v.vector().length_sq() == 0.0) return x;
+  const giVector3 axis = turn_axis(u, v);
+  const giVector3 beside_u = axis.cross(u.vector());
+  const giVector3 beside_v = axis.cross(v.vector());
   for (int i = 0; i < 3; ++i) {
-    for (int j = 0; j < 3; ++j) {
-      const double identity = i == j ? 1.0 : 0.0;
-      x.a_[i][j] = identity - 2.0 * first[i] * first[j] - 2.0 * second[i] * second[j] + 4.0 * second.dot(first) * second[i] * first[j];
-    }
+    for (int j = 0; j < 3; ++j) x.a_[i][j] = v.vector()[i] * u.vector()[j] + beside_v[i] * beside_u[j] + axis[i] * axis[j];
   }
   return x;
 }

@@ -9,8 +9,8 @@ class MENDEX_EXPORT giXform3 {
   giXform3() = default;
 
   static giXform3 translation(const giVector3& by);
-  /// Rotation about the origin that takes the direction of `from` to that of `to`; opposite directions turn half round about some
-  /// axis across them. The identity when either is zero.
+  /// Rotation about the origin that takes the direction of `from` to that of `to` by the shortest way, to within rounding for every
+  /// pair of directions; opposite directions turn half round about some axis across them. The identity when either is zero.
   static giXform3 rotation(const giVector3& from, const giVector3& to);
   /// Half turn about the x axis: y and z change sign.
   static giXform3 half_turn_x();

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cmath>
 #include <limits>
 #include <type_traits>
 
@@ -8,7 +7,8 @@
 /// Fractions are cut off. Never undefined.
 template <class To, class From>
 constexpr To ut_numeric_cast(From value) {
-  static_assert(std::is_integral<To>::value, "the target is an integer type");
+  static_assert(std::is_integral<To>::value && !std::is_same<To, bool>::value, "the target is an integer type");
+  static_assert(std::is_arithmetic<From>::value, "the source is a number");
   using Limits = std::numeric_limits<To>;
   if constexpr (std::is_floating_point<From>::value) {
     if (value != value) return 0;

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "platform/utilities/export.h"
+#include "platform/utilities/ut_numeric_cast.h"
 
 /// Text handed across the library's interface. Holds bytes; a null pointer reads as the empty text.
 class MENDEX_EXPORT utString {
@@ -13,7 +14,7 @@ class MENDEX_EXPORT utString {
 
   const char* c_str() const { return text_.c_str(); }
   /// Number of bytes.
-  int length() const { return static_cast<int>(text_.size()); }
+  int length() const { return ut_numeric_cast<int>(text_.size()); }
   bool empty() const { return text_.empty(); }
 
   utString& operator+=(const utString& other) {
@@ -25,9 +26,9 @@ class MENDEX_EXPORT utString {
   friend bool operator!=(const utString& a, const utString& b) { return a.text_ != b.text_; }
   friend bool operator<(const utString& a, const utString& b) { return a.text_ < b.text_; }
 
-  /// At most the first n bytes.
+  /// At most the first n bytes; none for a negative n.
   utString cut(int n) const;
-  /// Exactly n bytes: cut, or filled up with blanks behind.
+  /// Exactly n bytes, none for a negative n: cut, or filled up with blanks behind.
   utString pad(int n) const;
 
  private:

@@ -1,0 +1,3 @@
+#include "platform/common/undo_history_data.h"
+
+ccUndoHistoryData::~ccUndoHistoryData() = default;
