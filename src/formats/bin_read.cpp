@@ -5,7 +5,7 @@ static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "values are read in the
 template <class T>
 T trBinRead::read_value() {
   T value = 0;
-  if (std::fread(&value, sizeof value, 1, file) == 1) return value;
+  if (file != nullptr && std::fread(&value, sizeof value, 1, file) == 1) return value;
   error = 1;
   return 0;
 }
@@ -19,7 +19,7 @@ double trBinRead::read_double() { return read_value<double>(); }
 
 int trBinRead::b_read(char* bytes, int n) {
   const std::size_t wanted = n > 0 ? static_cast<std::size_t>(n) : 0;
-  if (std::fread(bytes, 1, wanted, file) == wanted) return 0;
+  if (file != nullptr && std::fread(bytes, 1, wanted, file) == wanted) return 0;
   error = 1;
   return 1;
 }

@@ -9,6 +9,8 @@
 class MENDEX_EXPORT trBinRead {
  public:
   explicit trBinRead(std::FILE* stream) : file(stream) {}
+  trBinRead(const trBinRead&) = delete;
+  trBinRead& operator=(const trBinRead&) = delete;
 
   char read_char();
   std::uint16_t read_ushort();

@@ -4,7 +4,7 @@ static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "values are written in 
 
 template <class T>
 void trBinWrite::write_value(T value) {
-  if (std::fwrite(&value, sizeof value, 1, file) != 1) error = 1;
+  if (file == nullptr || std::fwrite(&value, sizeof value, 1, file) != 1) error = 1;
 }
 
 void trBinWrite::write_char(char value) { write_value(value); }
@@ -16,7 +16,7 @@ void trBinWrite::write_double(double value) { write_value(value); }
 
 int trBinWrite::b_write(const char* bytes, int n) {
   const std::size_t wanted = n > 0 ? static_cast<std::size_t>(n) : 0;
-  if (std::fwrite(bytes, 1, wanted, file) == wanted) return 0;
+  if (file != nullptr && std::fwrite(bytes, 1, wanted, file) == wanted) return 0;
   error = 1;
   return 1;
 }

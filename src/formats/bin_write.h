@@ -9,6 +9,8 @@
 class MENDEX_EXPORT trBinWrite {
  public:
   explicit trBinWrite(std::FILE* stream) : file(stream) {}
+  trBinWrite(const trBinWrite&) = delete;
+  trBinWrite& operator=(const trBinWrite&) = delete;
 
   void write_char(char value);
   void write_ushort(std::uint16_t value);

@@ -35,7 +35,7 @@ class TextWriter {
 
  private:
   void flush() {
-    std::fwrite(text_.data(), 1, text_.size(), file_);
+    if (file_ != nullptr) std::fwrite(text_.data(), 1, text_.size(), file_);
     text_.clear();
   }
 

@@ -8,6 +8,7 @@
 
 #include "formats/bin_read.h"
 #include "formats/entity_limit.h"
+#include "formats/message.h"
 #include "formats/tri_read.h"
 #include "mesh/tri_block.h"
 #include "platform/utilities/ut_numeric_cast.h"
@@ -94,7 +95,7 @@ int trTriRead::read_stl(int start, int stop) {
   begin_reading();
   std::uint32_t failed = 0;
   if (!read_facets(start, facets, failed)) return 0;
-  if (failed != 0) tr_out() << tr_brnknls("** Error reading element ") << failed << tr_brnknls(" **") << '\n';
+  if (failed != 0) print_message("** Error reading element ", failed, " **");
   tr_report_progress(tr_brnknls("Finished reading STL file..."), 100.0);
   return failed == 0;
 }

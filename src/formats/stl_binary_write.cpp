@@ -1,5 +1,4 @@
 #include <cstring>
-#include <vector>
 
 #include "formats/bin_write.h"
 #include "formats/facet_geometry.h"
@@ -12,42 +11,36 @@ namespace {
 
 constexpr int header_bytes = 80;
 constexpr int facet_bytes = 50;
-constexpr int facets_a_chunk = 1300;  // close to 64 KB
 
-// Gathers facets and writes them a chunk at a time.
+// Writes one record a facet, so that a failure is told at the facet whose bytes found no room.
 class FacetWriter {
  public:
-  FacetWriter(trBinWrite& out, double scale) : out_(out), scale_(static_cast<float>(scale)), buffer_(facets_a_chunk * facet_bytes) {}
+  FacetWriter(trBinWrite& out, double scale) : out_(out), scale_(static_cast<float>(scale)) {}
 
   void write(const FacetGeometry& facet, std::uint16_t attribute) {
-    put(static_cast<float>(facet.normal.x()));
-    put(static_cast<float>(facet.normal.y()));
-    put(static_cast<float>(facet.normal.z()));
+    char* at = record_;
+    at = put(at, static_cast<float>(facet.normal.x()));
+    at = put(at, static_cast<float>(facet.normal.y()));
+    at = put(at, static_cast<float>(facet.normal.z()));
     for (const giPoint3& p : facet.corners) {
-      put(scale_ * static_cast<float>(p.x));
-      put(scale_ * static_cast<float>(p.y));
-      put(scale_ * static_cast<float>(p.z));
+      at = put(at, scale_ * static_cast<float>(p.x));
+      at = put(at, scale_ * static_cast<float>(p.y));
+      at = put(at, scale_ * static_cast<float>(p.z));
     }
-    put(attribute);
-    if (filled_ == buffer_.size()) flush();
-  }
-
-  void flush() {
-    out_.b_write(buffer_.data(), static_cast<int>(filled_));
-    filled_ = 0;
+    put(at, attribute);
+    out_.b_write(record_, facet_bytes);
   }
 
  private:
   template <class T>
-  void put(T value) {
-    std::memcpy(buffer_.data() + filled_, &value, sizeof value);
-    filled_ += sizeof value;
+  static char* put(char* at, T value) {
+    std::memcpy(at, &value, sizeof value);
+    return at + sizeof value;
   }
 
   trBinWrite& out_;
   float scale_;
-  std::vector<char> buffer_;
-  std::size_t filled_ = 0;
+  char record_[facet_bytes];
 };
 
 bool write_header(trBinWrite& out, bool coloured) {
@@ -79,24 +72,24 @@ int trTriWrite::write_stl(int positive) {
     std::fputs(tr_brnknls("Error writing element count\n"), stderr);
     return 0;
   }
+  if (!write_facets(out, offset, coloured)) return 0;
+  tr_report_progress(tr_brnknls("Finished writing STL file..."), 100.0);
+  return 1;
+}
+
+// 0 when interrupted or when the stream took no more, which for the last facets shows only as the stream is emptied.
+int trTriWrite::write_facets(trBinWrite& out, const giVector3& offset, bool coloured) {
   const int total = mesh->element_count();
   FacetWriter writer(out, scale);
-  for (int e = 1; e < total; ++e) {
+  int last_written = 0;
+  for (int e = 1; e < total && !out.error; ++e) {
     if (tr_interrupt()) return 0;
     tr_report_triangles(e, total, 0.0, 100.0);
     if (!mesh->element(e).valid()) continue;
     writer.write(FacetGeometry(*mesh, e, offset), coloured ? static_cast<std::uint16_t>(mesh->get_element_colour(e)) : 0);
-    if (out.error) {
-      report_facet_error(e);
-      return 0;
-    }
+    last_written = e;
   }
-  writer.flush();
-  if (std::fflush(file) != 0) out.error = 1;
-  if (out.error) {
-    report_facet_error(total - 1);
-    return 0;
-  }
-  tr_report_progress(tr_brnknls("Finished writing STL file..."), 100.0);
-  return 1;
+  if (!out.error && std::fflush(file) == 0) return 1;
+  report_facet_error(last_written);
+  return 0;
 }

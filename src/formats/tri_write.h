@@ -4,6 +4,8 @@
 
 #include "platform/utilities/export.h"
 
+class giVector3;
+class trBinWrite;
 class trTriBlock;
 
 /// Writes a triangle block to one file: built around an open stream, used for one write, and gone.
@@ -34,4 +36,7 @@ class MENDEX_EXPORT trTriWrite {
   const trTriBlock* mesh;
   std::FILE* file;
   double scale;
+
+ private:
+  int write_facets(trBinWrite& out, const giVector3& offset, bool coloured);
 };

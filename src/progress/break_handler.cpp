@@ -15,7 +15,7 @@ template <class... Ints>
 const char* format_message(const char* format, Ints... ints) {
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
-  std::snprintf(message_buffer, sizeof message_buffer, format, ints...);
+  if (std::snprintf(message_buffer, sizeof message_buffer, format, ints...) < 0) message_buffer[0] = '\0';
 #pragma GCC diagnostic pop
   return message_buffer;
 }

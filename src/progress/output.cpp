@@ -16,7 +16,10 @@ std::ostream& tr_out() {
 
 void tr_set_output(std::ostream* stream) { output = stream; }
 
-const char* tr_brnknls(const char* text) { return translation == nullptr ? text : translation(text); }
+const char* tr_brnknls(const char* text) {
+  const char* translated = translation == nullptr ? text : translation(text);
+  return translated == nullptr ? text : translated;
+}
 
 void tr_set_brnknls_function(const char* (*hook)(const char*)) { translation = hook; }
 

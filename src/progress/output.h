@@ -9,8 +9,8 @@ MENDEX_EXPORT std::ostream& tr_out();
 /// Redirects all texts; the stream stays the host's and must outlive its use. Null restores the standard output.
 MENDEX_EXPORT void tr_set_output(std::ostream* stream);
 
-/// The host's translation of a text, or the text itself; every message and format passes through before it is used. A translated
-/// format must take the same values.
+/// The host's translation of a text, or the text itself, also where the hook has none and returns null. Every message and format
+/// passes through before it is used. A translated format must take the same values.
 MENDEX_EXPORT const char* tr_brnknls(const char* text);
 /// Registers the translation; null unregisters it.
 MENDEX_EXPORT void tr_set_brnknls_function(const char* (*hook)(const char*));
