@@ -13,7 +13,7 @@ struct RunFacts {
   std::size_t judged_size = 0;      ///< facets at which ratios are judged: 10^6, or the largest below that was measured
   std::size_t largest_size = 0;     ///< end of the growth exponent
   double ascii_bytes = 0.0;         ///< of the ASCII file of the judged size; 0 when it was not measured
-  std::optional<MemoryUse> memory;  ///< of the judged size, the worst over orders and tolerances
+  std::optional<MemoryUse> memory;  ///< the worst from `growth_start` facets up
 };
 
 struct GoalLine {

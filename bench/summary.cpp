@@ -110,7 +110,7 @@ class Summary {
 
   void find_worst_memory() {
     for (const MemoryLine& line : memory_) {
-      if (line.facets != facts_.judged_size) continue;
+      if (line.facets < growth_start) continue;
       if (!facts_.memory) facts_.memory = line.use;
       facts_.memory->after_reading = std::max(facts_.memory->after_reading, line.use.after_reading);
       facts_.memory->while_merging = std::max(facts_.memory->while_merging, line.use.while_merging);

@@ -1,5 +1,7 @@
 #include "support/timing.h"
 
+#include <time.h>
+
 #if defined(__GLIBC__)
 #include <malloc.h>
 #endif
@@ -15,4 +17,10 @@ void release_free_memory() {
 #if defined(__GLIBC__)
   malloc_trim(0);
 #endif
+}
+
+double processor_seconds() {
+  timespec now = {};
+  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+  return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
