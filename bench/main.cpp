@@ -2,7 +2,8 @@
 //
 //   mendex_bench [--benchmark_...]            every measure through Google Benchmark (its options choose and format)
 //   mendex_bench --summary [--max-triangles=N] [--rounds=K] [--only=TEXT] [--strict]
-//                                             the tables of docs/performance.md; with --strict ends with 1 when a goal is missed
+//                                             the tables of docs/performance.md; with --strict ends with 1 when a goal
+//                                             is missed
 //   mendex_bench --write-models FOLDER N      an ordered and a shuffled binary STL file of N triangles
 //   mendex_bench --memory-probe FILE TOL      reads and merges one file and prints its peak memory
 #include <benchmark/benchmark.h>
@@ -92,7 +93,8 @@ int summary(int argc, char** argv) {
 int write_models(const char* folder, const char* facets) {
   for (const FacetOrder order : {FacetOrder::ordered, FacetOrder::shuffled}) {
     const Model model(std::strtoull(facets, nullptr, 10), order, folder);
-    std::filesystem::rename(model.binary_file(), std::filesystem::path(folder) / (std::string(name_of(order)) + ".stl"));
+    std::filesystem::rename(model.binary_file(),
+                            std::filesystem::path(folder) / (std::string(name_of(order)) + ".stl"));
   }
   return 0;
 }

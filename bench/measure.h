@@ -8,7 +8,7 @@
 /// One thing that is timed: an operation of the library, or a floor beside it.
 struct Measure {
   std::string name;
-  std::string yardstick;                ///< the measure that it is compared with; empty for a floor
+  std::string yardstick;                  ///< the measure that it is compared with; empty for a floor
   double (*seconds)(const Model& model);  ///< prepares, runs once, checks the result; the time of the run alone
 
   bool is_floor() const { return yardstick.empty(); }

@@ -25,7 +25,8 @@ int run_memory_probe(const char* stl_file, const char* tol) {
   require(block.unduplicate_nodes(std::atof(tol)) == 1, "unduplicate_nodes merged nothing");
   const std::int64_t merge_peak = peak_resident_bytes();
   const double facets = static_cast<double>(block.element_count() - 1);
-  std::printf("%.17g %.17g\n", static_cast<double>(read_peak - before) / facets, static_cast<double>(merge_peak - loaded) / facets);
+  std::printf("%.17g %.17g\n", static_cast<double>(read_peak - before) / facets,
+              static_cast<double>(merge_peak - loaded) / facets);
   return read_peak > 0 ? 0 : 1;
 }
 

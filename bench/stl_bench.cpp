@@ -13,8 +13,6 @@
 
 namespace {
 
-// --- floors -----------------------------------------------------------------------------------------------------------------------
-
 double read_whole(const std::filesystem::path& path) {
   Buffer<char> bytes = load_file(path);  // so that its memory has been touched
   const File file = open_file(path, "rb");
@@ -81,8 +79,6 @@ double time_flat_write_ascii(const Model& model) {
     file.reset();
   });
 }
-
-// --- library ----------------------------------------------------------------------------------------------------------------------
 
 double time_read_stl(const Model& model) {
   trTriBlock block;

@@ -5,6 +5,9 @@
 #include <cstdio>
 #include <filesystem>
 #include <memory>
+#include <stdexcept>
+#include <string>
+#include <utility>
 
 #include "goals.h"
 #include "measure.h"
@@ -53,7 +56,7 @@ std::vector<Measure> chosen_measures(const SummaryOptions& options) {
 int rounds_at(std::size_t facets, const SummaryOptions& options) {
   if (options.rounds > 0) return options.rounds;
   if (facets <= 100'000) return 15;
-  return facets <= largest_judged_size ? 7 : 3;
+  return facets <= largest_judged_size ? 5 : 3;
 }
 
 class Summary {
@@ -62,6 +65,9 @@ class Summary {
       : options_(options), sizes_(chosen_sizes(options)), measures_(chosen_measures(options)) {}
 
   int run() {
+    if (measures_.empty()) throw std::runtime_error("no measure has '" + options_.only + "' in its name");
+    if (sizes_.empty())
+      throw std::runtime_error("the smallest model has " + std::to_string(model_sizes[0]) + " triangles");
     for (const std::size_t facets : sizes_) {
       measure_size(facets);
       facts_.largest_size = facets;
@@ -80,7 +86,8 @@ class Summary {
     for (int round = 0; round < rounds; ++round) {
       std::fprintf(stderr, "%zu triangles, round %d of %d\n", facets, round + 1, rounds);
       for (const Measure& measure : measures_) {
-        for (const auto& model : models) facts_.results.add(measure.name, facets, model->order(), measure.seconds(*model));
+        for (const auto& model : models)
+          facts_.results.add(measure.name, facets, model->order(), measure.seconds(*model));
       }
     }
     if (facets <= largest_judged_size) facts_.judged_size = facets;
@@ -93,9 +100,11 @@ class Summary {
   }
 
   void measure_memory_of(const Model& model) {
-    const std::pair<const char*, double> tolerances[] = {{"exact", exact_tolerance()}, {"0.1 edge", model.shortest_edge() * 0.1}};
+    const std::pair<const char*, double> tolerances[] = {{"exact", exact_tolerance()},
+                                                         {"0.1 edge", model.shortest_edge() * 0.1}};
     for (const auto& [name, tol] : tolerances) {
-      if (const auto use = measure_memory(model.binary_file(), tol)) memory_.push_back({model.facets(), model.order(), name, *use});
+      if (const auto use = measure_memory(model.binary_file(), tol))
+        memory_.push_back({model.facets(), model.order(), name, *use});
     }
   }
 
@@ -135,27 +144,31 @@ class Summary {
       return;
     }
     const std::size_t judged = facts_.judged_size;
-    std::printf(" %s | %.2f | %.2f |\n", measure.yardstick.c_str(), results.ratio(measure.name, measure.yardstick, judged, order),
+    std::printf(" %s | %.2f | %.2f |\n", measure.yardstick.c_str(),
+                results.ratio(measure.name, measure.yardstick, judged, order),
                 results.median(measure.name, judged, order) / results.median(measure.yardstick, judged, order));
   }
 
   void print_memory() const {
     if (memory_.empty()) return;
-    std::printf("\nPeak bytes a triangle\n\n| triangles | order | tolerance | after reading | more while merging |\n|--:|---|---|--:|--:|\n");
+    std::printf(
+        "\nPeak bytes a triangle\n\n| triangles | order | tolerance | after reading | more while merging "
+        "|\n|--:|---|---|--:|--:|\n");
     for (const MemoryLine& line : memory_) {
-      std::printf("| %zu | %s | %s | %.1f | %.1f |\n", line.facets, name_of(line.order), line.tolerance, line.use.after_reading,
-                  line.use.while_merging);
+      std::printf("| %zu | %s | %s | %.1f | %.1f |\n", line.facets, name_of(line.order), line.tolerance,
+                  line.use.after_reading, line.use.while_merging);
     }
   }
 
   // Goals whose measures were left out have no value and are not listed.
   int print_goals() const {
     int missed = 0;
-    std::printf("\nGoals, judged at %zu triangles\n\n| goal | limit | measured | |\n|---|--:|--:|---|\n", facts_.judged_size);
+    std::printf("\nGoals, judged at %zu triangles\n\n| goal | limit | measured | |\n|---|--:|--:|---|\n",
+                facts_.judged_size);
     for (const GoalLine& goal : judge_goals(facts_)) {
       if (std::isnan(goal.value)) continue;
-      std::printf("| %s | %s %.4g | %.3g | %s |\n", goal.text.c_str(), goal.at_least ? "at least" : "at most", goal.limit, goal.value,
-                  goal.met() ? "met" : "MISSED");
+      std::printf("| %s | %s %.4g | %.3g | %s |\n", goal.text.c_str(), goal.at_least ? "at least" : "at most",
+                  goal.limit, goal.value, goal.met() ? "met" : "MISSED");
       if (!goal.met()) ++missed;
     }
     return missed;

@@ -9,7 +9,7 @@ struct SummaryOptions {
   std::string only;                      ///< measures whose name holds this text, and their yardsticks; empty: all
 };
 
-/// Runs every measure at every size, ordered and shuffled in turn, round after round, so that a disturbance hits an operation and
-/// its yardstick alike, and prints the tables of times, of memory and of goals as Markdown.
+/// Runs every measure at every size, ordered and shuffled in turn, round after round, so that a disturbance hits an
+/// operation and its yardstick alike, and prints the tables of times, of memory and of goals as Markdown.
 /// @return the number of goals missed
 int run_summary(const SummaryOptions& options);

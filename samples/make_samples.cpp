@@ -1,7 +1,7 @@
 // Makes the small broken models of this folder: make_samples FOLDER
 //
-// Each shape is built sound and then broken in one known way. Coordinates lie on a grid of 1/1024, so that the files come out the
-// same, byte for byte, on every machine, whatever the last bit of its sines.
+// Each shape is built sound and then broken in one known way. Coordinates lie on a grid of 1/1024, so that the files
+// come out the same, byte for byte, on every machine, whatever the last bit of its sines.
 
 #include <array>
 #include <cmath>
@@ -29,7 +29,7 @@ void add_quad(Facets& facets, const Point& a, const Point& b, const Point& c, co
   facets.push_back({a, c, d});
 }
 
-// --- shapes ---------------------------------------------------------------------------------------------------------------------
+// --- shapes ---
 
 // The surface of a set of cubes of edge `size` on a grid of at most 16 x 16 x 16, facing outward.
 Facets surface_of_cubes(double size, const std::function<bool(int, int, int)>& is_solid) {
@@ -56,8 +56,8 @@ Facets surface_of_cubes(double size, const std::function<bool(int, int, int)>& i
   return facets;
 }
 
-// A closed grid: `point(i, j)` for i below columns and j from 0 to rows, columns going round. Rows that shrink to a point give one
-// facet a column instead of two.
+// A closed grid: `point(i, j)` for i below columns and j from 0 to rows, columns going round. Rows that shrink to a
+// point give one facet a column instead of two.
 Facets surface_of_grid(int columns, int rows, const std::function<Point(int, int)>& point) {
   Facets facets;
   const auto same = [](const Point& a, const Point& b) { return a.x == b.x && a.y == b.y && a.z == b.z; };
@@ -74,7 +74,7 @@ Facets surface_of_grid(int columns, int rows, const std::function<Point(int, int
 
 const double pi = 3.14159265358979323846;
 
-// --- the models -----------------------------------------------------------------------------------------------------------------
+// --- the models ---
 
 // An angle bracket of cubes of edge 5 with a hole in each arm: volume (4 * 5 - 1 + 4 * 4 - 1) * 125 = 4250.
 Facets bracket() {
@@ -85,7 +85,7 @@ Facets bracket() {
   });
 }
 
-// A ball of radius 10 whose corners were rounded differently in each facet: copies of a node differ by up to 2 * 0.0004.
+// A ball of radius 10 whose corners were rounded differently in each facet, each coordinate by up to 0.0004.
 Facets gap_sphere() {
   Facets facets = surface_of_grid(16, 8, [](int i, int j) {
     const double round = 2.0 * pi * i / 16, down = pi - pi * j / 8;
@@ -103,7 +103,7 @@ Facets gap_sphere() {
   return facets;
 }
 
-// A ring (radii 8 and 3) that went through a decimation which left facets with zero-length sides behind, one in every fifth.
+// A ring (radii 8 and 3) with a facet of a zero-length side beside every fifth sound one.
 Facets torus_collapsed() {
   const Facets sound = surface_of_grid(16, 10, [](int i, int j) {
     const double round = 2.0 * pi * i / 16, across = 2.0 * pi * (j % 10) / 10;
@@ -130,7 +130,7 @@ Facets open_box() {
   return facets;
 }
 
-// --- files ----------------------------------------------------------------------------------------------------------------------
+// --- files ---
 
 Point normal_of(const Facet& f) {
   const Point u{f[1].x - f[0].x, f[1].y - f[0].y, f[1].z - f[0].z};

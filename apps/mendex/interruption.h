@@ -5,12 +5,12 @@
 
 /// The user's wish to stop: Ctrl-C, a polite kill, a closed terminal.
 ///
-/// The first signal only sets a flag, which the library polls; system calls that wait are cut short. The second one ends the
-/// program at once. Either way no half-written file is left behind.
+/// The first signal only sets a flag, which the library polls; system calls that wait are cut short. The second one
+/// ends the program at once. Either way no half-written file is left behind.
 class Interruption {
  public:
-  /// Catches the signals, except those that the parent process asked to ignore. Writing to a closed pipe or beyond a file size
-  /// limit becomes an ordinary error instead of a signal.
+  /// Catches the signals, except those that the parent process asked to ignore. Writing to a closed pipe or beyond a
+  /// file size limit becomes an ordinary error instead of a signal.
   static void install();
 
   static bool requested() { return signals_.load(std::memory_order_relaxed) != 0; }

@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <exception>
-#include <limits>
 
 #include "failure.h"
 #include "interruption.h"
@@ -82,32 +81,40 @@ class CommandLine {
 
   void add_info() {
     CLI::App* verb = app_.add_subcommand("info", "Statistics and mass properties of STL files");
-    verb->add_option("FILE", info_.files, "Files to report on")->required();
+    verb->add_option("FILE", info_.files, "Files to report on")->required()->type_name("PATH");
     verb->add_flag("--json", info_.is_json, "One JSON object a file, each on one line");
-    verb->footer("Nothing is merged: an STL file has three nodes a triangle. Numbers that are not finite are null in JSON.");
+    verb->footer(
+        "Nothing is merged: an STL file has three nodes a triangle. Numbers that are not finite are null in JSON.");
   }
 
   void add_weld() {
-    CLI::App* verb = app_.add_subcommand("weld", "Merge coincident nodes, drop triangles that collapse, write the result");
-    verb->add_option("IN", weld_.input, "STL file to read")->required();
-    verb->add_option("-o,--output", weld_.output, "File to write: .stl binary, .ast ASCII; it may be IN itself")->required();
-    weld_.tolerance = std::numeric_limits<double>::denorm_min();
+    CLI::App* verb =
+        app_.add_subcommand("weld", "Merge coincident nodes, drop triangles that collapse, write the result");
+    verb->add_option("IN", weld_.input, "STL file to read")->required()->type_name("PATH");
+    verb->add_option("-o,--output", weld_.output, "File to write: .stl binary, .ast ASCII; it may be IN itself")
+        ->required()
+        ->type_name("PATH");
     verb->add_option("--tol", weld_.tolerance,
-                     "Merge nodes up to this far apart, in the units of the model; 0 merges nothing. Without it only exact copies merge")
-        ->check(CLI::Validator(tolerance_problem, "LENGTH"));
-    verb->add_flag("--positive", weld_.is_positive, "Move the model, by round amounts, to where no coordinate is negative");
+                     "Merge nodes up to this far apart, in the units of the model.\n"
+                     "Without it only exact copies merge; 0 merges nothing")
+        ->check(CLI::Validator(tolerance_problem, ""))
+        ->type_name("LENGTH");
+    verb->add_flag("--positive", weld_.is_positive,
+                   "Move the model, by round amounts, to where no coordinate is negative");
     verb->add_flag("--json", weld_.is_json, "Print one JSON object with the statistics before and after");
-    verb->footer("OUT is replaced only when the new file is complete; on any failure, and on Ctrl-C, it stays as it was.");
+    verb->footer(
+        "OUT is replaced only when the new file is complete; on any failure, and on Ctrl-C, it stays as it was.");
   }
 
   void add_convert() {
     CLI::App* verb = app_.add_subcommand("convert", "Convert between binary and ASCII STL");
-    verb->add_option("IN", convert_.input, "STL file to read")->required();
-    verb->add_option("OUT", convert_.output, "File to write: .stl binary, .ast ASCII")->required();
+    verb->add_option("IN", convert_.input, "STL file to read")->required()->type_name("PATH");
+    verb->add_option("OUT", convert_.output, "File to write: .stl binary, .ast ASCII")->required()->type_name("PATH");
     verb->footer("ASCII files keep seven significant digits. Colours are not kept.");
   }
 
-  CLI::App app_{"Repair triangle meshes: read a broken STL file, merge its nodes, tell what is in it, write it back.", "mendex"};
+  CLI::App app_{"Repair triangle meshes: read a broken STL file, merge its nodes, tell what is in it, write it back.",
+                "mendex"};
   bool is_quiet_ = false;
   bool is_verbose_ = false;
   InfoOptions info_;
@@ -141,7 +148,8 @@ ExitCode after_flushing(ExitCode code, Session& session) {
 
 }  // namespace
 
-// Ends without destroying the session: the system takes a process's memory back faster than it could be given back page by page.
+// Ends without destroying the session: the system takes a process's memory back faster than it could be given back page
+// by page.
 int main(int argc, char** argv) {
   Interruption::install();
   static Session& session = *new Session;

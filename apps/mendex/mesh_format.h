@@ -19,15 +19,17 @@ const char* writable_extensions();
 /// How much of a file's start `format_of_content` wants to see.
 constexpr std::size_t sniffed_bytes = 64 * 1024;
 
-/// The format of a file that begins with `head`, told by its content alone: many binary files begin with "solid", and many files
-/// named .stl are text.
+/// The format of a file that begins with `head`, told by its content alone: many binary files begin with "solid", and
+/// many files named .stl are text.
 /// @param size  size of the whole file where it is known
 /// @return      none when it is no STL file: too short, or a text without facets
 std::optional<MeshFormat> format_of_content(std::string_view head, std::optional<std::uint64_t> size);
 
 /// What some editors put before UTF-8 text.
 constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
-inline bool starts_with_byte_order_mark(std::string_view text) { return text.substr(0, byte_order_mark.size()) == byte_order_mark; }
+inline bool starts_with_byte_order_mark(std::string_view text) {
+  return text.substr(0, byte_order_mark.size()) == byte_order_mark;
+}
 
 constexpr std::uint64_t binary_stl_header_bytes = 84;
 constexpr std::uint64_t binary_stl_facet_bytes = 50;

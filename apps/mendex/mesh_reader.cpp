@@ -23,7 +23,8 @@ std::string account_of_damage(const Session& session, const InputFile& file, Mes
   if (triangles_read(session) == 0) {
     text += "no triangle could be read";
   } else if (format == MeshFormat::binary_stl) {
-    text += "of the " + std::to_string(promised_facets(file.head())) + " triangles that it promises, " + found + " could be read";
+    text += "of the " + std::to_string(promised_facets(file.head())) + " triangles that it promises, " + found +
+            " could be read";
   } else {
     text += "only the first " + found + " triangles could be read";
   }
@@ -36,7 +37,8 @@ void warn_of_surplus(Session& session, const InputFile& file) {
   const std::uint64_t expected = binary_stl_header_bytes + binary_stl_facet_bytes * promised_facets(file.head());
   if (!file.size() || *file.size() < expected + binary_stl_facet_bytes) return;
   session.messages.warning(std::to_string(*file.size() - expected) + " bytes beyond the " +
-                           std::to_string(promised_facets(file.head())) + " triangles that the file promises were not read");
+                           std::to_string(promised_facets(file.head())) +
+                           " triangles that the file promises were not read");
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "mesh_writer.h"
 
+#include <sys/stat.h>
+
 #include "failure.h"
 #include "interruption.h"
 #include "safe_output.h"
@@ -9,24 +11,36 @@ namespace {
 
 constexpr double unscaled = 1.0;
 
-bool write_facets(const trTriBlock& mesh, FILE* stream, MeshFormat format, bool positive) {
+bool write_facets(const trTriBlock& mesh, FILE* stream, const WriteRequest& request) {
   trTriWrite writer(&mesh, stream, unscaled);
-  return (format == MeshFormat::binary_stl ? writer.write_stl(positive) : writer.write_ast(positive)) != 0;
+  const bool is_binary = request.format == MeshFormat::binary_stl;
+  return (is_binary ? writer.write_stl(request.is_positive) : writer.write_ast(request.is_positive)) != 0;
+}
+
+bool is_one_file(const std::string& a, const std::string& b) {
+  struct stat of_a = {}, of_b = {};
+  return stat(a.c_str(), &of_a) == 0 && stat(b.c_str(), &of_b) == 0 && of_a.st_dev == of_b.st_dev &&
+         of_a.st_ino == of_b.st_ino;
 }
 
 }  // namespace
 
-void write_mesh(Session& session, const std::string& path, MeshFormat format, bool positive) {
-  session.messages.set_file(path);
-  session.progress.begin("writing " + path);
-  SafeOutput output(path);
-  const bool is_written = write_facets(session.mesh, output.stream(), format, positive);
+void write_mesh(Session& session, const WriteRequest& request) {
+  session.messages.set_file(request.path);
+  session.progress.begin("writing " + request.path);
+  SafeOutput output(request.path);
+  const bool is_written = write_facets(session.mesh, output.stream(), request);
   Interruption::check();
   output.check();
   if (!is_written) throw Failure(ExitCode::cannot_write, "cannot be written");
-  const WrittenFileCheck check(session.mesh, output.descriptor(), format, positive);
+  const WrittenFileCheck check(session.mesh, output.descriptor(), request.format, request.is_positive);
   Interruption::check();
-  if (!check.is_sound()) throw Failure(ExitCode::cannot_write, "what was written reads back differently; the file is left as it was");
+  if (!check.is_sound()) {
+    throw Failure(ExitCode::cannot_write, "what was written reads back differently; the file is left as it was");
+  }
   if (check.has_overflow()) session.messages.warning("coordinates too large for the format were written as infinite");
+  // Whoever replaces his only copy must not lose both to a power cut; for other files the wait would double the time of
+  // a run.
+  if (is_one_file(request.path, request.input)) output.flush_to_disk();
   output.commit();
 }

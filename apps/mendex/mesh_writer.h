@@ -5,7 +5,14 @@
 #include "mesh_format.h"
 #include "session.h"
 
+/// What is to be written where.
+struct WriteRequest {
+  std::string path;
+  MeshFormat format;
+  bool is_positive = false;  // moved, by round amounts, to where no coordinate is negative
+  std::string input;         // the file that the mesh was read from
+};
+
 /// Writes the session's mesh, reads back what was written, and only then lets it take the target's place.
 /// Throws, with the target untouched, when anything goes wrong or on interruption.
-/// @param positive  whether the written model is moved, by round amounts, so that no coordinate is negative
-void write_mesh(Session& session, const std::string& path, MeshFormat format, bool positive);
+void write_mesh(Session& session, const WriteRequest& request);

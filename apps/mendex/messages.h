@@ -10,10 +10,11 @@ class ProgressBar;
 /// The text with control characters replaced, so that a file's name or contents cannot steer the user's terminal.
 std::string printable(const std::string& text);
 
-/// Everything the program says beside its result, on standard error: its own errors and warnings, and what the library prints.
+/// Everything the program says beside its result, on standard error: its own errors and warnings, and what the library
+/// prints.
 ///
-/// While an object of this class lives, the library's output comes here line by line. Lines that report damage (they begin with
-/// an asterisk) become warnings; the others are shown only on request.
+/// While an object of this class lives, the library's output comes here line by line. Lines that report damage (they
+/// begin with an asterisk) become warnings; the others are shown only on request.
 class Messages : private std::streambuf {
  public:
   explicit Messages(ProgressBar& progress);

@@ -64,7 +64,8 @@ void ProgressBar::draw(double percent) {
   char tail[bar_width + 16];
   const int tail_length = std::snprintf(tail, sizeof tail, " [%s] %3.0f %%", bar.c_str(), shown);
   const std::size_t width = terminal_width();
-  const std::size_t room = width > static_cast<std::size_t>(tail_length) + 1 ? width - static_cast<std::size_t>(tail_length) - 1 : 0;
+  const std::size_t room =
+      width > static_cast<std::size_t>(tail_length) + 1 ? width - static_cast<std::size_t>(tail_length) - 1 : 0;
   const bool fits = stage_.size() <= room;
   std::fprintf(stderr, "\r%s%s\033[K", fits ? stage_.c_str() : stage_.substr(0, room).c_str(), room > 0 ? tail : "");
   std::fflush(stderr);

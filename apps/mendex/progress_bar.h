@@ -6,9 +6,11 @@
 #include <functional>
 #include <string>
 
-/// The host's side of the library's progress and interruption: a bar on standard error, where that is a terminal, and Ctrl-C.
+/// The host's side of the library's progress and interruption: a bar on standard error, where that is a terminal, and
+/// Ctrl-C.
 ///
-/// The bar appears when the work takes longer than a blink, is redrawn at most ten times a second, and is erased at the end.
+/// The bar appears when the work takes longer than a blink, is redrawn at most ten times a second, and is erased at the
+/// end.
 class ProgressBar : public trBreakHandler {
  public:
   ~ProgressBar() override { erase(); }

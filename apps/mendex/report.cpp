@@ -43,6 +43,11 @@ MeshCounts count_mesh(const trTriBlock& mesh) {
   return counts;
 }
 
+MeshCounts count_fresh_mesh(const trTriBlock& mesh) {
+  const int nodes = mesh.node_count() - 1, elements = mesh.element_count() - 1;
+  return {nodes, elements, nodes, elements};
+}
+
 MeshStatistics measure_mesh(const trTriBlock& mesh) {
   MeshStatistics statistics;
   static_cast<MeshCounts&>(statistics) = count_mesh(mesh);
@@ -64,11 +69,16 @@ std::string text_of_info(const std::string& file, const ReadOutcome& read, const
 }
 
 std::string text_of_weld(const WeldAccount& account) {
-  std::string text = printable(account.input) + ": " + name_of(account.read.format) + (account.read.is_complete ? "\n" : ", damaged\n");
+  std::string text = printable(account.input) + ": " + name_of(account.read.format) +
+                     (account.read.is_complete ? "\n" : ", damaged\n");
   append(text, "  %-10s %12s %12s\n", "", "before", "after");
   append(text, "  %-10s %12d %12d\n", "nodes", account.before.nodes, account.after.nodes);
   append(text, "  %-10s %12d %12d\n", "triangles", account.before.elements, account.after.elements);
-  append(text, "  %d nodes merged, %d collapsed triangles deleted\n", account.merged_nodes(), account.deleted_elements());
+  append(text, "  %d nodes merged, %d collapsed triangles deleted\n", account.merged_nodes(),
+         account.deleted_elements());
+  if (account.merged_nodes() == 0 && account.tolerance == exact_copies && account.before.elements > 1) {
+    text += "  no node has an exact copy; --tol merges nodes that lie near each other\n";
+  }
   text += printable(account.output) + ": " + name_of(account.written) + ", written\n";
   return text;
 }

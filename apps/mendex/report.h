@@ -1,8 +1,9 @@
 #pragma once
 
-#include <string>
-
 #include <mendexlib.h>
+
+#include <limits>
+#include <string>
 
 #include "mesh_reader.h"
 
@@ -25,7 +26,14 @@ struct MeshStatistics : MeshCounts {
 };
 
 MeshCounts count_mesh(const trTriBlock& mesh);
+
+/// The same for a mesh just read, in which every number is in use; takes no time.
+MeshCounts count_fresh_mesh(const trTriBlock& mesh);
+
 MeshStatistics measure_mesh(const trTriBlock& mesh);
+
+/// The tolerance that merges exact copies only: the smallest positive one, since 0 merges nothing.
+constexpr double exact_copies = std::numeric_limits<double>::denorm_min();
 
 /// What became of a file in a weld.
 struct WeldAccount {
@@ -34,16 +42,17 @@ struct WeldAccount {
   ReadOutcome read;
   MeshFormat written;
   double tolerance;
-  MeshStatistics before;  // measures only where the report has them
+  MeshStatistics before;  // measures only where the report is to have them
   MeshStatistics after;
 
   int merged_nodes() const { return before.nodes - after.nodes; }
   int deleted_elements() const { return before.elements - after.elements; }
 };
 
-/// One JSON object on one line, without line end. Numbers that are not finite, and an empty box, become null; text that is not
-/// valid UTF-8 has its bad bytes replaced.
-std::string json_of_info(const Session& session, const std::string& file, const ReadOutcome& read, const MeshStatistics& mesh);
+/// One JSON object on one line, without line end. Numbers that are not finite, and an empty box, become null; text that
+/// is not valid UTF-8 has its bad bytes replaced.
+std::string json_of_info(const Session& session, const std::string& file, const ReadOutcome& read,
+                         const MeshStatistics& mesh);
 std::string json_of_weld(const Session& session, const WeldAccount& account);
 
 /// The same for people: several lines, each ended.

@@ -34,7 +34,8 @@ std::string line_of(const Json& object) { return object.dump(-1, ' ', false, Jso
 
 }  // namespace
 
-std::string json_of_info(const Session& session, const std::string& file, const ReadOutcome& read, const MeshStatistics& mesh) {
+std::string json_of_info(const Session& session, const std::string& file, const ReadOutcome& read,
+                         const MeshStatistics& mesh) {
   Json object = {{"file", file}, {"format", name_of(read.format)}};
   object.update(statistics(mesh));
   object["complete"] = read.is_complete;

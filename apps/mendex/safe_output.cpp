@@ -67,14 +67,16 @@ SafeOutput::~SafeOutput() {
   close(file_);
 }
 
-// The owner first, because changing it drops permission bits. Not being allowed to is no error: the file is then simply the user's.
+// The owner first, because changing it drops permission bits. Not being allowed to is no error: the file is then simply
+// the user's.
 void SafeOutput::take_over_permissions() const {
   struct stat status = {};
   if (!replaces_ || stat(target_.c_str(), &status) != 0) {
     fchmod(file_, permissions_of_new_files());
     return;
   }
-  if ((status.st_uid != geteuid() || status.st_gid != getegid()) && fchown(file_, status.st_uid, status.st_gid) != 0) errno = 0;
+  if ((status.st_uid != geteuid() || status.st_gid != getegid()) && fchown(file_, status.st_uid, status.st_gid) != 0)
+    errno = 0;
   fchmod(file_, status.st_mode & 07777);
 }
 
@@ -106,9 +108,11 @@ void SafeOutput::check() const {
   if (error_ != 0) fail(error_);
 }
 
+void SafeOutput::flush_to_disk() const {
+  if (fsync(file_) != 0) fail(errno);
+}
+
 void SafeOutput::commit() {
-  // Whoever replaces his only copy must not lose both to a power cut between the two steps.
-  if (replaces_ && fsync(file_) != 0) fail(errno);
   Interruption::check();
   if (rename(temporary_.c_str(), target_.c_str()) != 0) fail(errno);
   temporary_.clear();

@@ -5,9 +5,9 @@
 
 /// A file that replaces its target only when it is complete.
 ///
-/// The contents go to a temporary file in the target's folder, which takes the target's place when all is well and is removed
-/// otherwise: whatever goes wrong, the target stays as it was. Permissions of an existing target are kept, and owner and group as
-/// far as the system allows; a symbolic link stays one and its destination is replaced.
+/// The contents go to a temporary file in the target's folder, which takes the target's place when all is well and is
+/// removed otherwise: whatever goes wrong, the target stays as it was. Permissions of an existing target are kept, and
+/// owner and group as far as the system allows; a symbolic link stays one and its destination is replaced.
 class SafeOutput {
  public:
   /// Throws when the target is something else than a regular file, is write-protected, or its folder takes no new file.
@@ -24,6 +24,9 @@ class SafeOutput {
 
   /// The temporary file, open for reading and writing.
   int descriptor() const { return file_; }
+
+  /// Waits until the contents are on the disk.
+  void flush_to_disk() const;
 
   /// Puts the file in the target's place.
   void commit();

@@ -78,8 +78,8 @@ void SolidNameFilter::filter(const char* begin, const char* end, std::string& ou
   while (at < end) at = is_in_name_ ? drop_name(at, end, out) : pass_text(at, end, out);
 }
 
-// Copies up to and with the next "solid" or "endsolid". A word begins at `from`, or a separator stands there; the last word may go
-// on beyond `end`, but is then too long for a keyword.
+// Copies up to and with the next "solid" or "endsolid". A word begins at `from`, or a separator stands there; the last
+// word may go on beyond `end`, but is then too long for a keyword.
 const char* SolidNameFilter::pass_text(const char* from, const char* end, std::string& out) {
   LetterSearch letters(end);
   for (const char* s = letters.next(from); s < end; s = letters.next(s + 1)) {

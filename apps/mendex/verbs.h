@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "failure.h"
+#include "report.h"
 #include "session.h"
 
 struct InfoOptions {
@@ -14,7 +15,7 @@ struct InfoOptions {
 struct WeldOptions {
   std::string input;
   std::string output;
-  double tolerance = 0.0;
+  double tolerance = exact_copies;
   bool is_positive = false;
   bool is_json = false;
 };

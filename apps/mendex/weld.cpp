@@ -1,5 +1,4 @@
 #include <cstdio>
-#include <limits>
 
 #include "interruption.h"
 #include "mesh_writer.h"
@@ -8,11 +7,9 @@
 
 namespace {
 
-// People see counts only, which cost next to nothing beside the work itself.
-MeshStatistics statistics_for_report(const Session& session, bool is_json) {
-  if (is_json) return measure_mesh(session.mesh);
+MeshStatistics counts_only(const MeshCounts& counts) {
   MeshStatistics statistics;
-  static_cast<MeshCounts&>(statistics) = count_mesh(session.mesh);
+  static_cast<MeshCounts&>(statistics) = counts;
   return statistics;
 }
 
@@ -21,18 +18,17 @@ MeshStatistics statistics_for_report(const Session& session, bool is_json) {
 ExitCode run_weld(Session& session, const WeldOptions& options) {
   const MeshFormat format = output_format(options.output);
   const ReadOutcome read = read_mesh(session, options.input);
-  const std::string name = options.input;
-  session.progress.begin("measuring " + name);
-  const MeshStatistics before = statistics_for_report(session, options.is_json);
-  session.progress.begin("merging " + name);
+  session.progress.begin("measuring " + options.input);
+  const MeshStatistics before =
+      options.is_json ? measure_mesh(session.mesh) : counts_only(count_fresh_mesh(session.mesh));
+  session.progress.begin("merging " + options.input);
   session.mesh.unduplicate_nodes(options.tolerance);
-  session.mesh.delete_collapsed_elements();
   Interruption::check();
-  session.progress.begin("measuring " + name);
-  const MeshStatistics after = statistics_for_report(session, options.is_json);
+  session.progress.begin("measuring " + options.input);
+  const MeshStatistics after = options.is_json ? measure_mesh(session.mesh) : counts_only(count_mesh(session.mesh));
   Interruption::check();
   const WeldAccount account{options.input, options.output, read, format, options.tolerance, before, after};
-  write_mesh(session, options.output, format, options.is_positive);
+  write_mesh(session, {options.output, format, options.is_positive, options.input});
   session.progress.erase();
   if (options.is_json) {
     std::printf("%s\n", json_of_weld(session, account).c_str());

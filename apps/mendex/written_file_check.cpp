@@ -34,7 +34,8 @@ std::uint64_t size_of(int file) {
 
 }  // namespace
 
-WrittenFileCheck::WrittenFileCheck(const trTriBlock& mesh, int file, MeshFormat format, bool positive) : mesh_(mesh), file_(file) {
+WrittenFileCheck::WrittenFileCheck(const trTriBlock& mesh, int file, MeshFormat format, bool positive)
+    : mesh_(mesh), file_(file) {
   is_sound_ = format == MeshFormat::binary_stl ? check_binary(positive) : check_ascii();
 }
 
@@ -71,17 +72,15 @@ bool WrittenFileCheck::check_facets(const char* records, int count, int& element
   return true;
 }
 
-// Finite values are compared by their bits, so that a zero keeps its sign.
+// Compares values rather than bits: writing adds an offset, which turns a negative zero into a positive one.
 bool WrittenFileCheck::check_corner(const char* record, const giPoint3& point) {
-  const float expected[3] = {static_cast<float>(point.x), static_cast<float>(point.y), static_cast<float>(point.z)};
-  const bool is_finite = expected[0] * 0.0f + expected[1] * 0.0f + expected[2] * 0.0f == 0.0f;
-  if (is_finite) return std::memcmp(record, expected, sizeof expected) == 0;
   const double exact[3] = {point.x, point.y, point.z};
   for (int k = 0; k < 3; ++k) {
     float written;
     std::memcpy(&written, record + static_cast<std::size_t>(k) * sizeof written, sizeof written);
-    if (!(written == expected[k] || (std::isnan(written) && std::isnan(expected[k])))) return false;
-    if (std::isinf(expected[k]) && std::isfinite(exact[k])) has_overflow_ = true;
+    const float expected = static_cast<float>(exact[k]);
+    if (!(written == expected || (std::isnan(written) && std::isnan(expected)))) return false;
+    has_overflow_ |= std::isinf(expected) && std::isfinite(exact[k]);
   }
   return true;
 }

@@ -6,8 +6,8 @@
 
 /// Compares a file just written with the mesh it came from, in one pass over both.
 ///
-/// Binary STL: size, facet count, and every coordinate as the format rounds it (not the coordinates when the model was moved).
-/// ASCII STL: number of lines and the closing word.
+/// Binary STL: size, facet count, and every coordinate as the format rounds it (not the coordinates when the model was
+/// moved). ASCII STL: number of lines and the closing word.
 class WrittenFileCheck {
  public:
   WrittenFileCheck(const trTriBlock& mesh, int file, MeshFormat format, bool positive);

@@ -18,7 +18,8 @@ constexpr double pi = 3.14159265358979323846;
 constexpr double major_radius = 10.0;
 constexpr double minor_radius = 3.0;
 
-// u turns about the axis of the torus, v about the centre of the tube. The odd phases leave no two points with an equal coordinate.
+// u turns about the axis of the torus, v about the centre of the tube. The odd phases leave no two points with an equal
+// coordinate.
 Vertex torus_point(double u, double v) {
   const double bumps = 0.15 * std::sin(7.0 * u + 0.3) * std::cos(5.0 * v + 0.7);
   const double ripples = 0.03 * std::sin(23.0 * u - 11.0 * v + 1.1);

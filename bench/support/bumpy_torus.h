@@ -14,10 +14,10 @@ struct Soup {
   Buffer<float> corners;
 };
 
-/// A torus of major radius 10 with bumps and ripples on its tube, so that no two edges are alike and no coordinate repeats by
-/// symmetry.
+/// A torus of major radius 10 with bumps and ripples on its tube, so that no two edges are alike and no coordinate
+/// repeats by symmetry.
 ///
-/// Ordered facets follow the tube strip by strip, so neighbours are near in the file; shuffled ones are in a random order that
-/// is the same in every run, so every corner is met far from where it was met before.
+/// Ordered facets follow the tube strip by strip, so neighbours are near in the file; shuffled ones are in a random
+/// order that is the same in every run, so every corner is met far from where it was met before.
 /// @param facets  an even number of at least 18 that is twice a product of two numbers from 3 up
 Soup bumpy_torus(std::size_t facets, FacetOrder order);

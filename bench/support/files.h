@@ -18,8 +18,8 @@ File open_file(const std::filesystem::path& path, const char* mode);
 /// The whole file in memory.
 Buffer<char> load_file(const std::filesystem::path& path);
 
-/// A folder of its own that goes with the object, in memory-backed storage where there is some, so that a disk has no say in the
-/// times.
+/// A folder of its own that goes with the object, in memory-backed storage where there is some, so that a disk has no
+/// say in the times.
 class ScratchFolder {
  public:
   ScratchFolder();

@@ -149,8 +149,8 @@ void write_flat_ascii(const FlatMesh& mesh, std::FILE* file) {
     for (std::size_t k = 0; k < 3; ++k) corner[k] = &mesh.vertices[mesh.corners[3 * f + k]];
     float n[3];
     compute_normal(*corner[0], *corner[1], *corner[2], n);
-    std::fprintf(file, "  facet normal %e %e %e\n    outer loop\n", static_cast<double>(n[0]), static_cast<double>(n[1]),
-                 static_cast<double>(n[2]));
+    std::fprintf(file, "  facet normal %e %e %e\n    outer loop\n", static_cast<double>(n[0]),
+                 static_cast<double>(n[1]), static_cast<double>(n[2]));
     for (const FlatPoint* p : corner) std::fprintf(file, "      vertex   %e %e %e\n", p->x, p->y, p->z);
     std::fputs("    endloop\n  endfacet\n", file);
   }

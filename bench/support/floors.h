@@ -6,8 +6,8 @@
 #include "support/buffer.h"
 #include "support/model.h"
 
-/// The plain loops that the library is compared with. They do the least that the task needs, on flat arrays, without lists,
-/// journal, stable numbers, progress or interruption.
+/// The plain loops that the library is compared with. They do the least that the task needs, on flat arrays, without
+/// lists, journal, stable numbers, progress or interruption.
 
 struct FlatPoint {
   double x, y, z;
@@ -33,8 +33,8 @@ FlatSoup parse_flat(const std::filesystem::path& path);
 /// The corners of a soup in double precision, as a loaded block has them.
 Buffer<FlatPoint> corner_points(const Soup& soup);
 
-/// Hash merge: gives equal points one index. An open-addressing table of indices with linear probing, at most half full, keyed on
-/// the three coordinates.
+/// Hash merge: gives equal points one index. An open-addressing table of indices with linear probing, at most half
+/// full, keyed on the three coordinates.
 FlatMesh merge_flat(const FlatPoint* points, std::size_t facets);
 
 /// Computes the normals and writes the records of a binary STL file.
@@ -43,6 +43,6 @@ void write_flat(const FlatMesh& mesh, std::FILE* file);
 /// The same as ASCII STL, a formatted print a line.
 void write_flat_ascii(const FlatMesh& mesh, std::FILE* file);
 
-/// Whether every directed edge has its opposite, as it is in a closed surface. (By a sum over hashed edges: a surface that is not
-/// closed passes with probability 2^-64.)
+/// Whether every directed edge has its opposite, as it is in a closed surface. (By a sum over hashed edges: a surface
+/// that is not closed passes with probability 2^-64.)
 bool is_closed(const FlatMesh& mesh);

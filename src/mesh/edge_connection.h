@@ -38,3 +38,6 @@ class MENDEX_EXPORT trEdgeConnection {
   int end_node_;
   intcoSet triangles_;
 };
+
+/// What sets of edges hash by.
+inline int co_hash(const trEdgeConnection& edge) { return edge.co_hash(); }

@@ -101,7 +101,7 @@ void trTriBlock::reference_elements() const {
   int e = 1;
   for (; e <= last && !tr_interrupt(); ++e) {
     for_each_corner(*this, std::min(e + far_ahead, last), [&](int i) { lists.prefetch_cursor(i); });
-    for_each_corner(*this, std::min(e + near_ahead, last), [&](int i) { lists.prefetch_cell(i); });
+    for_each_corner(*this, std::min(e + near_ahead, last), [&](int i) { lists.prefetch_place(i); });
     for_each_corner(*this, e, [&](int i) { lists.insert(i, e); });
   }
   lists.close();
@@ -116,7 +116,7 @@ void trTriBlock::replace_nodes(const SurvivorMap& map) {
   ReplacementWindow window(*this, map);
   for (int e = 1; e <= window.last() && !tr_interrupt(); ++e) {
     for_each_survivor(window.advance(e), [&](int slot) { lists.prefetch_cursor(slot); });
-    for_each_survivor(window.near(e), [&](int slot) { lists.prefetch_cell(slot); });
+    for_each_survivor(window.near(e), [&](int slot) { lists.prefetch_place(slot); });
     const Replacement& r = window.at(e);
     if (!r.names_deleted) continue;
     report_element(e);

@@ -13,44 +13,26 @@ int ElementListBatch::announced_at_hub(int slot) const {
 
 void ElementListBatch::lay_out() {
   const int n = static_cast<int>(counts_.size());
-  std::int64_t total = 0;
-  for (int slot = 0; slot < n; ++slot) total += announced(slot);
-  coFlatArray<Link>(counts_.size()).swap(cursors_);
-  if (cursors_.size() == counts_.size()) first_cell_ = coCellPool::take_run(total);
-  if (first_cell_ == 0) return;
-  Link end = first_cell_;
+  coFlatArray<std::uint32_t>(counts_.size()).swap(cursors_);
+  if (cursors_.size() != counts_.size()) return;
+  std::uint64_t end = 0;
   for (int slot = 0; slot < n; ++slot) {
-    end += static_cast<Link>(announced(slot));
-    cursors_[static_cast<std::size_t>(slot)] = end;
+    end += static_cast<std::uint32_t>(announced(slot));
+    cursors_[static_cast<std::size_t>(slot)] = static_cast<std::uint32_t>(end);
   }
+  if (end <= UINT32_MAX) coFlatArray<int>(end).swap(values_);
 }
 
 void ElementListBatch::insert_directly(int slot, int value) { block_.node(node_of(slot)).elements.insert_front(value); }
 
 void ElementListBatch::close() {
-  if (first_cell_ == 0) return;
-  Link start = first_cell_;
+  if (values_.size() == 0) return;
+  std::uint32_t end = 0;
   for (int slot = 0; slot < static_cast<int>(counts_.size()); ++slot) {
-    const Link end = start + static_cast<Link>(announced(slot));
-    if (end != start) close_slot(slot, start, end);
-    start = end;
+    end += static_cast<std::uint32_t>(announced(slot));
+    const std::uint32_t first = cursors_[static_cast<std::size_t>(slot)];
+    if (first == end) continue;
+    trIntList& list = block_.node(node_of(slot)).elements;
+    for (std::uint32_t at = end; at-- > first;) list.insert_front(values_[at]);
   }
-}
-
-// The cells from the cursor to the end hold the slot's new numbers in list order. The last of an otherwise empty list needs no cell.
-void ElementListBatch::close_slot(int slot, Link start, Link end) {
-  trIntList& list = block_.node(node_of(slot)).elements;
-  const Link filled = cursors_[static_cast<std::size_t>(slot)];
-  Link next = list.head();
-  for (Link at = end; at-- > filled;) {
-    if (next == 0) {
-      next = coCellPool::inline_link(coCellPool::cell(at).value);
-      coCellPool::release(at);
-    } else {
-      coCellPool::cell(at).next = next;
-      next = at;
-    }
-  }
-  list.set_head(next);
-  for (Link at = start; at < filled; ++at) coCellPool::release(at);
 }

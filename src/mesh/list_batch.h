@@ -11,11 +11,12 @@ class trTriBlock;
 
 /// Inserts very many numbers at the front of the nodes' element lists, with the result of inserting them one by one.
 ///
-/// All insertions are announced first. Each node then gets its cells side by side, in list order, so that filling touches 4 bytes a
-/// node and 8 bytes an entry instead of a node record each time, and later walks find a list in one or two cache lines.
+/// All insertions are announced first. The numbers of each node are then gathered side by side, in a table that takes 4 bytes an
+/// entry and 4 a node where lists take 8 and 32, and the lists are made from it in one pass, so that the cells of a list lie
+/// together and later walks find it in one or two cache lines.
 /// Where there is no memory for that, numbers are inserted one by one.
-/// Nodes are named by slots: their own numbers, or places in a given list of node numbers, which keeps the scratch tables small.
-/// Peak memory: 5 bytes a slot beside the cells.
+/// Nodes are named by slots: their own numbers, or places in a given list of node numbers, which keeps the tables small.
+/// Peak memory: 5 bytes a slot and 4 an insertion.
 class ElementListBatch {
  public:
   /// @param numbers  node number of each slot; null when slots are node numbers
@@ -31,29 +32,26 @@ class ElementListBatch {
       ++counts_beyond_[slot];
     }
   }
-  /// Lays out the cells; to be called between the last announcement and the first insertion.
+  /// Lays out the table; to be called between the last announcement and the first insertion.
   void lay_out();
 
   /// Inserts `value` before all that was inserted at this node.
   void insert(int slot, int value) {
-    if (first_cell_ == 0) return insert_directly(slot, value);
-    coCellPool::cell(--cursors_[static_cast<std::size_t>(slot)]).value = value;
+    if (values_.size() == 0) return insert_directly(slot, value);
+    values_[--cursors_[static_cast<std::size_t>(slot)]] = value;
   }
 
-  // Fetch ahead what `announce` and `insert` need: the node's counter, or first its cursor and a little later its cell.
+  // Fetch ahead what `announce` and `insert` need: the slot's counter, or first its cursor and a little later its place in the table.
   void prefetch_counter(int slot) const { __builtin_prefetch(&counts_[static_cast<std::size_t>(slot)], 1); }
-  void prefetch_cursor(int slot) const {
-    if (first_cell_ != 0) __builtin_prefetch(&cursors_[static_cast<std::size_t>(slot)], 1);
-  }
-  void prefetch_cell(int slot) const {
-    if (first_cell_ != 0) coCellPool::prefetch(cursors_[static_cast<std::size_t>(slot)] - 1);
+  void prefetch_cursor(int slot) const { __builtin_prefetch(&cursors_[static_cast<std::size_t>(slot)], 1); }
+  void prefetch_place(int slot) const {
+    if (values_.size() != 0) __builtin_prefetch(&values_[cursors_[static_cast<std::size_t>(slot)] - 1], 1);
   }
 
-  /// Links the inserted numbers into the lists. Cells announced but never filled go back to the pool.
+  /// Makes the lists of what was inserted.
   void close();
 
  private:
-  using Link = coCellPool::Link;
   static constexpr std::uint8_t counter_full = 255;
 
   int node_of(int slot) const { return numbers_ == nullptr ? slot : (*numbers_)[static_cast<std::size_t>(slot)]; }
@@ -63,12 +61,11 @@ class ElementListBatch {
     return count != counter_full ? count : announced_at_hub(slot);
   }
   int announced_at_hub(int slot) const;
-  void close_slot(int slot, Link start, Link end);
 
   const trTriBlock& block_;
   const std::vector<int>* numbers_;
   coFlatArray<std::uint8_t> counts_;            // insertions announced for each slot, up to counter_full
   std::unordered_map<int, int> counts_beyond_;  // what a full counter could not hold
-  coFlatArray<Link> cursors_;                   // behind the next cell to fill; a slot's cells are filled from the last down
-  Link first_cell_ = 0;                         // start of all runs; 0: insertions go directly into the lists
+  coFlatArray<std::uint32_t> cursors_;          // behind the place of the next insertion; a slot's places fill from the last down
+  coFlatArray<int> values_;                     // the numbers of all slots, in list order; empty: insertions go directly into the lists
 };

@@ -11,7 +11,7 @@ constexpr int map_page_shift = 14;
 // In a closed surface read from loose triangles about six nodes share a place.
 constexpr int nodes_per_survivor = 6;
 
-// Fetches ahead where the nodes to come are looked up.
+// Fetches ahead what the index will read for the nodes to come: first the slots, later the kept points that they name.
 class MergeWindow {
  public:
   MergeWindow(const trTriBlock& block, const PointIndex& index) : block_(block), index_(index), n_(block.node_count()) {
@@ -21,11 +21,12 @@ class MergeWindow {
   PointIndex::Probe advance(int i) {
     const PointIndex::Probe probe = ring_[i & ring_mask];
     if (i + ahead < n_) look_up(i + ahead);
+    if (i + ahead / 2 < n_) index_.prefetch_record(ring_[(i + ahead / 2) & ring_mask]);
     return probe;
   }
 
  private:
-  static constexpr int ahead = 16;
+  static constexpr int ahead = 32;
   static constexpr int ring_mask = ahead - 1;
 
   void look_up(int i) {
@@ -39,6 +40,13 @@ class MergeWindow {
   int n_;
   PointIndex::Probe ring_[ahead];
 };
+
+std::vector<int> numbers_by_slot(const PointIndex& kept) {
+  std::vector<int> numbers{0};
+  numbers.reserve(static_cast<std::size_t>(kept.count()) + 1);
+  for (int position = 0; position < kept.count(); ++position) numbers.push_back(kept.number(position));
+  return numbers;
+}
 
 }  // namespace
 
@@ -59,16 +67,14 @@ std::vector<int> trTriBlock::delete_duplicate_nodes(double tol, intcoPageArr& sl
     const int position = kept.find_or_add_position(point(i), i, probe);
     if (position < 0) continue;
     if (node_data_ != nullptr) {
-      const int survivor = kept.numbers()[static_cast<std::size_t>(position)];
+      const int survivor = kept.number(position);
       report_node(survivor);
       node_data_->average(survivor, i);
     }
     delete_node(i);
     slots[i] = position + 1;
   }
-  std::vector<int> numbers = kept.take_numbers();
-  numbers.insert(numbers.begin(), 0);
-  return numbers;
+  return numbers_by_slot(kept);
 }
 
 int trTriBlock::unduplicate_nodes(double tol) {

@@ -53,7 +53,7 @@ void trTriBlock::set_node(int i, const giPoint3& p) {
 
 // The reported part of set_node. Lists whose flag is set stay, so that derived topology survives a mere move.
 void trTriBlock::place_node(int i, const giPoint3& p) {
-  if (i >= node_count()) init_node(i);
+  if (i >= node_count() || node(i).coords == nullptr) init_node(i);
   trNode& n = node(i);
   if (n.invalid || !edges_built) {
     n.a_edges.clear();
@@ -137,6 +137,9 @@ void trTriBlock::append_facet(const giPoint3 corners[3]) {
     p = storable(corners[k]);
     fresh.coords = &p;
     fresh.invalid = 0;
+    fresh.a_edges.clear();
+    fresh.d_edges.clear();
+    fresh.elements.clear();
     fresh.elements.insert_front(e);
   }
   (*elements_)[e] = trElement(n, n + 1, n + 2);

@@ -53,10 +53,16 @@ int trTriBlock::close_element_gaps(const intcoPageArr& map) {
     if (e == last) continue;
     if (!reported) report_element(e);
     report_element(last);
-    if (colours_ != nullptr) colours_->set_colour(last, colours_->get_colour(e));
+    copy_colour(last, e);
     element(last).set(t[0], t[1], t[2]);
   }
   return last;
+}
+
+// An element that reads the right colour already is not written: writing beyond the colours that are set would take the default
+// colour from the elements before it.
+void trTriBlock::copy_colour(int to, int from) {
+  if (get_element_colour(to) != get_element_colour(from)) colours_->set_colour(to, get_element_colour(from));
 }
 
 // Moves each node down to its new slot; 0 when interrupted.

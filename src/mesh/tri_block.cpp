@@ -41,8 +41,11 @@ void trTriBlock::init_node(int i) {
   (*nodes_)[i].coords = &p;
 }
 
+// Slots behind a count that was cut still hold what they held: all of them become deleted elements.
 trElement& trTriBlock::access_element(int e) {
-  if (e >= element_count()) grow_elements(e);
+  const int before = element_count();
+  if (e >= before) grow_elements(e);
+  for (int k = before; k <= e && k < element_count(); ++k) element(k).set(0, 0, 0);
   return element(e);
 }
 

@@ -230,6 +230,7 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   std::vector<int> delete_duplicate_nodes(double tol, intcoPageArr& slots);
   int number_valid_nodes(intcoPageArr& map) const;
   int close_element_gaps(const intcoPageArr& map);
+  void copy_colour(int to, int from);
   int close_node_gaps(const intcoPageArr& map);
   void enter_in_lists(int e) const;
   void replace_nodes(const SurvivorMap& map);

@@ -54,15 +54,17 @@ TEST(MendexInfo, PrintsATableForPeople) {
   const ProcessResult result = run_mendex({"info", sample("bracket_soup.stl"), sample("open_box.ast")});
   EXPECT_EQ(result.exit_code, 0);
   EXPECT_EQ(result.errors, "");
-  for (const char* part : {"bracket_soup.stl: binary STL\n", "triangles  204\n", "volume     4250\n", "to         25  20  25\n",
-                           "\n\n", "open_box.ast: ASCII STL\n", "triangles  32\n"}) {
+  for (const char* part : {"bracket_soup.stl: binary STL\n", "triangles  204\n", "volume     4250\n",
+                           "to         25  20  25\n", "\n\n", "open_box.ast: ASCII STL\n", "triangles  32\n"}) {
     EXPECT_NE(result.output.find(part), std::string::npos) << part << "is missing in\n" << result.output;
   }
 }
 
-// Files are independent: one that fails is reported on standard error, the others on standard output, and the worst code wins.
+// Files are independent: one that fails is reported on standard error, the others on standard output, and the worst
+// code wins.
 TEST(MendexInfo, GoesOnAfterAFileThatFails) {
-  const ProcessResult result = run_mendex({"info", sample("gap_sphere.stl"), "/nonexistent.stl", sample("open_box.ast"), "--json"});
+  const ProcessResult result =
+      run_mendex({"info", sample("gap_sphere.stl"), "/nonexistent.stl", sample("open_box.ast"), "--json"});
   EXPECT_EQ(result.exit_code, 3);
   EXPECT_EQ(result.errors, "mendex: /nonexistent.stl: cannot be read: No such file or directory\n");
   const std::vector<Json> lines = lines_of(result.output);
@@ -81,7 +83,8 @@ TEST(MendexInfo, UsesWhatATruncatedFileStillHolds) {
   EXPECT_EQ(report["complete"], false);
   EXPECT_EQ(report["warnings"].size(), 2u);
   EXPECT_NE(result.errors.find("** Error reading element 101 **\n"), std::string::npos) << result.errors;
-  EXPECT_NE(result.errors.find("of the 204 triangles that it promises, 100 could be read"), std::string::npos) << result.errors;
+  EXPECT_NE(result.errors.find("of the 204 triangles that it promises, 100 could be read"), std::string::npos)
+      << result.errors;
 }
 
 TEST(MendexInfo, WarnsOfTrianglesBeyondThePromisedOnes) {
@@ -108,8 +111,8 @@ TEST(MendexInfo, NumbersThatAreNotFiniteAreNull) {
   EXPECT_EQ(infinite["box"]["max"][0], 2.0);
 }
 
-// Names are bytes to the system: blanks, a leading dash, a line end and bytes that are no UTF-8 reach the report unharmed or
-// replaced, and cannot forge a line of output.
+// Names are bytes to the system: blanks, a leading dash, a line end and bytes that are no UTF-8 reach the report
+// unharmed or replaced, and cannot forge a line of output.
 TEST(MendexInfo, TakesFilesOfAnyName) {
   const TestFolder folder;
   const std::string stl = contents_of_file(sample("bracket_soup.stl"));
@@ -134,7 +137,8 @@ TEST(MendexInfo, RefusesWhatIsNoStlFile) {
       {folder.write("short.stl", std::string(83, '\0')), "is not an STL file, neither binary nor ASCII"},
       {folder.write("text.stl", text), "is not an STL file, neither binary nor ASCII"},
       {folder.write("none.stl", binary_stl({}, "", 7)), "the file is damaged: no triangle could be read"},
-      {folder.write("bad.ast", "solid s\nfacet normal 0 0 1\nvertex 1 2 x\n"), "the file is damaged: no triangle could be read"},
+      {folder.write("bad.ast", "solid s\nfacet normal 0 0 1\nvertex 1 2 x\n"),
+       "the file is damaged: no triangle could be read"},
   };
   for (const auto& [path, message] : cases) {
     const ProcessResult result = run_mendex({"info", path, "--json"});
@@ -144,7 +148,8 @@ TEST(MendexInfo, RefusesWhatIsNoStlFile) {
   }
 }
 
-// The library's own account (a file's header among it) is for those who ask; a header cannot send commands to the terminal.
+// The library's own account (a file's header among it) is for those who ask; a header cannot send commands to the
+// terminal.
 TEST(MendexInfo, ShowsTheLibrarysWordsOnlyWhenAsked) {
   const TestFolder folder;
   const std::string file = folder.write("header.stl", binary_stl(some_facets(1), "made by \033[31m hand"));

@@ -15,6 +15,7 @@
 namespace {
 
 constexpr auto longest_run = std::chrono::seconds(60);
+constexpr uid_t nobody = 65534;
 constexpr auto poll_interval = std::chrono::milliseconds(2);
 
 int unlinked_file() {
@@ -28,7 +29,8 @@ std::string contents_of(int file) {
   std::string text;
   char piece[4096];
   off_t at = 0;
-  for (ssize_t n; (n = pread(file, piece, sizeof piece, at)) > 0; at += n) text.append(piece, static_cast<std::size_t>(n));
+  for (ssize_t n; (n = pread(file, piece, sizeof piece, at)) > 0; at += n)
+    text.append(piece, static_cast<std::size_t>(n));
   return text;
 }
 
@@ -66,6 +68,7 @@ void Process::become_program(const ProcessSetup& setup) const {
     const rlimit limit = {static_cast<rlim_t>(setup.file_size_limit), static_cast<rlim_t>(setup.file_size_limit)};
     setrlimit(RLIMIT_FSIZE, &limit);
   }
+  if (setup.is_nobody && geteuid() == 0 && (setgid(nobody) != 0 || setuid(nobody) != 0)) _exit(127);
   std::vector<char*> words = {const_cast<char*>(setup.program.c_str())};
   for (const std::string& argument : setup.arguments) words.push_back(const_cast<char*>(argument.c_str()));
   words.push_back(nullptr);

@@ -14,7 +14,8 @@ struct ProcessSetup {
   std::string folder;                                            // where it starts; else where the test runs
   std::string output_file;                                       // receives standard output; else it is collected
   long file_size_limit = -1;                                     // bytes that a file may grow to; -1: no limit
-  bool has_terminal = false;                                     // standard error is a terminal
+  bool is_nobody = false;     // runs as a user without privileges, when the test has them all
+  bool has_terminal = false;  // standard error is a terminal
 };
 
 /// What a program left: its exit code (128 and the signal's number when a signal ended it) and its texts.
@@ -42,7 +43,7 @@ class Process {
   void drain_terminal();
 
   pid_t id_ = -1;
-  int output_ = -1;    // unlinked files that collect the texts
+  int output_ = -1;  // unlinked files that collect the texts
   int errors_ = -1;
   int terminal_ = -1;  // our end of the terminal
   int terminal_of_program_ = -1;

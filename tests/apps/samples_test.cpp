@@ -1,4 +1,5 @@
-// What the documents promise: samples that can be made again, an example that is the one that is compiled, a corpus that is read.
+// What the documents promise: samples that can be made again, an example that is the one that is compiled, a corpus
+// that is read.
 
 #include <gtest/gtest.h>
 
@@ -26,9 +27,28 @@ TEST(Readme, ShowsTheExampleThatIsCompiled) {
   const std::string opening = "```cpp\n";
   const std::size_t begin = readme.find(opening);
   ASSERT_NE(begin, std::string::npos);
-  const std::string shown = readme.substr(begin + opening.size(), readme.find("```", begin + 3) - begin - opening.size());
+  const std::string shown =
+      readme.substr(begin + opening.size(), readme.find("```", begin + 3) - begin - opening.size());
   const std::string compiled = contents_of_file(MENDEX_SOURCE_DIR "/examples/weld.cpp");
   EXPECT_EQ(shown, compiled.substr(compiled.find("#include")));
+}
+
+// What the README shows is what the program prints.
+TEST(Readme, ShowsRealOutput) {
+  const TestFolder folder;
+  std::filesystem::create_directory_symlink(MENDEX_SOURCE_DIR "/samples", folder.path("samples"));
+  const std::string readme = contents_of_file(MENDEX_SOURCE_DIR "/README.md");
+  const std::vector<std::vector<std::string>> commands = {
+      {"weld", "samples/torus_collapsed.stl", "-o", "fixed.stl"},
+      {"info", "samples/bracket_soup.stl"},
+      {"info", "samples/bracket_soup.stl", "--json"},
+  };
+  for (const std::vector<std::string>& command : commands) {
+    ProcessSetup setup = mendex_setup(command);
+    setup.folder = folder.path("");
+    const std::string output = run_process(setup).output;
+    EXPECT_NE(readme.find("```\n" + output + "```\n"), std::string::npos) << output;
+  }
 }
 
 // Real files, most of them broken: the program reads as many facets of each as there are.
@@ -44,7 +64,9 @@ TEST(Corpus, TheProgramReadsEveryFacet) {
     const auto report = nlohmann::json::parse(result.output);
     EXPECT_EQ(report["elements"], expected["facets"]) << name;
     EXPECT_EQ(report["format"], expected["format"] == "ascii" ? "ASCII STL" : "binary STL") << name;
-    EXPECT_EQ(report["complete"].get<bool>(), expected.value("facets_declared", expected["facets"]) == expected["facets"]) << name;
+    EXPECT_EQ(report["complete"].get<bool>(),
+              expected.value("facets_declared", expected["facets"]) == expected["facets"])
+        << name;
     ++checked;
   }
   std::printf("[corpus] the program read %d models\n", checked);

@@ -1,5 +1,5 @@
-// ASCII STL as other programs write it. The library's reader takes "facet" and "vertex" for keywords wherever they stand; the
-// program must read every facet all the same.
+// ASCII STL as other programs write it. The library's reader takes "facet" and "vertex" for keywords wherever they
+// stand; the program must read every facet all the same.
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -66,14 +66,16 @@ TEST(AsciiStl, ReadsEveryFacetOfOddFiles) {
       {"plain", "solid\n" + five + "endsolid\n"},
       {"keyword in the name", "solid facet of a name\n" + five + "endsolid facet of a name\n"},
       {"only keywords in the name", "solid vertex facet endfacet\n" + five + "endsolid vertex"},
-      {"name of 300 characters", "solid " + std::string(99, 'x') + " facet " + std::string(200, 'y') + " vertex\n" + five},
+      {"name of 300 characters",
+       "solid " + std::string(99, 'x') + " facet " + std::string(200, 'y') + " vertex\n" + five},
       {"upper case", in_upper_case("solid facet x\n" + five + "endsolid facet x\n")},
       {"carriage returns only", "solid facet x\r" + facets(5, "\r") + "endsolid facet x\r"},
       {"both", "solid facet x\r\n" + facets(5, "\r\n") + "endsolid"},
       {"no end of the last line", "solid\n" + five.substr(0, five.size() - 1)},
       {"byte order mark", "\xEF\xBB\xBFsolid facet x\n" + five + "endsolid\n"},
       {"blanks before", " \t\r\n solid facet x\n" + five + "endsolid\n"},
-      {"several solids", "solid facet 1\n" + facets(2) + "endsolid facet 1\nsolid vertex 2\n" + facets(3) + "endsolid vertex 2\n"},
+      {"several solids",
+       "solid facet 1\n" + facets(2) + "endsolid facet 1\nsolid vertex 2\n" + facets(3) + "endsolid vertex 2\n"},
       {"all on one line", on_one_line("solid facet of a name " + five + "endsolid facet of a name")},
       {"no solid at all", five},
       {"no facets before 64 KiB", "solid\n" + std::string(70000, '\n') + "endsolid"},
@@ -88,7 +90,9 @@ TEST(AsciiStl, ReadsEveryFacetOfOddFiles) {
 // Facet counts far beyond one buffer, so that names and keywords fall across the ends of the pieces that are read.
 TEST(AsciiStl, ReadsLargeFilesWithManyNames) {
   std::string text;
-  for (int k = 0; k < 800; ++k) text += "solid facet " + std::string(static_cast<std::size_t>(k) % 130, 'v') + " vertex\n" + facets(5) + "endsolid facet\n";
+  for (int k = 0; k < 800; ++k)
+    text += "solid facet " + std::string(static_cast<std::size_t>(k) % 130, 'v') + " vertex\n" + facets(5) +
+            "endsolid facet\n";
   const TestFolder folder;
   EXPECT_GT(text.size(), 400000u);
   EXPECT_EQ(triangles_in(folder.write("many.stl", text)), 4000);
@@ -116,8 +120,9 @@ TEST(StlFormat, PipesAreReadLikeFiles) {
 
 // However the text is cut into pieces, the same comes out, and it is the text less the names.
 TEST(SolidNameFilter, DoesNotDependOnHowTheTextIsCut) {
-  const std::vector<std::string> words = {"solid", "endsolid", "Solid", "facet", "FACET", "normal", "outer", "vertex", "endfacet",
-                                          "solids", "xsolid", "endsolidx", "s", "e", "solidsolidsolid", "1.5"};
+  const std::vector<std::string> words = {"solid", "endsolid", "Solid",           "facet",  "FACET",  "normal",
+                                          "outer", "vertex",   "endfacet",        "solids", "xsolid", "endsolidx",
+                                          "s",     "e",        "solidsolidsolid", "1.5"};
   const std::string separators = "  \n\r\t";
   std::mt19937 random(5);
   int with_names = 0;

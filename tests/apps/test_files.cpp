@@ -26,7 +26,8 @@ std::string TestFolder::write(const std::string& name, const std::string& conten
 
 std::vector<std::string> TestFolder::names() const {
   std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(folder_)) names.push_back(entry.path().filename().string());
+  for (const auto& entry : std::filesystem::directory_iterator(folder_))
+    names.push_back(entry.path().filename().string());
   std::sort(names.begin(), names.end());
   return names;
 }

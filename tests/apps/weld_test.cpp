@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <limits>
 #include <nlohmann/json.hpp>
 
 #include "apps/process.h"
@@ -42,11 +42,11 @@ TEST(MendexWeld, MendsTheSamples) {
     int deleted;
   };
   const Case cases[] = {
-      {"bracket_soup.stl", {}, 100, 204, 0},                  // 102 quads; V = 2 - 2 * 2 holes + E - F = 306 - 204 - 2
-      {"gap_sphere.stl", {"--tol", "0.002"}, 114, 224, 0},    // 7 rings of 16 and two poles
-      {"gap_sphere.stl", {}, 0, 224, 0},                      // exact copies are rare there; counted below
-      {"torus_collapsed.stl", {}, 160, 320, 64 + 7},          // 16 x 10 nodes; facets with a zero-length side
-      {"open_box.ast", {}, 22, 32, 0},                        // 12 + 10 corners of the unit squares
+      {"bracket_soup.stl", {}, 100, 204, 0},                // 102 quads; V = 2 - 2 * 2 holes + E - F = 306 - 204 - 2
+      {"gap_sphere.stl", {"--tol", "0.002"}, 114, 224, 0},  // 7 rings of 16 and two poles
+      {"gap_sphere.stl", {}, 0, 224, 0},                    // exact copies are rare there; counted below
+      {"torus_collapsed.stl", {}, 160, 320, 64 + 7},        // 16 x 10 nodes; facets with a zero-length side
+      {"open_box.ast", {}, 22, 32, 0},                      // 12 + 10 corners of the unit squares
       {"truncated.stl", {}, 0, 100, 0},
   };
   const TestFolder folder;
@@ -60,7 +60,8 @@ TEST(MendexWeld, MendsTheSamples) {
     EXPECT_EQ(after["elements"], c.triangles_after) << c.file;
     EXPECT_EQ(report["deleted_elements"], c.deleted) << c.file;
     EXPECT_EQ(report["merged_nodes"].get<int>(), before["nodes"].get<int>() - after["nodes"].get<int>()) << c.file;
-    EXPECT_NEAR(after["area"].get<double>(), before["area"].get<double>(), 2e-3 * before["area"].get<double>()) << c.file;
+    EXPECT_NEAR(after["area"].get<double>(), before["area"].get<double>(), 2e-3 * before["area"].get<double>())
+        << c.file;
     for (const char* key : {"max_node", "max_element", "volume", "centre", "min_aspect", "mean_aspect", "box"}) {
       EXPECT_TRUE(before.contains(key) && after.contains(key)) << key;
     }
@@ -68,8 +69,8 @@ TEST(MendexWeld, MendsTheSamples) {
   }
 }
 
-// The highest number stays until the numbers are closed up: of the three nodes of the last facet at least none survives a merge
-// with earlier ones here.
+// The highest number stays until the numbers are closed up: of the three nodes of the last facet at least none survives
+// a merge with earlier ones here.
 TEST(MendexWeld, ReportsTheHighestNumberInUse) {
   const TestFolder folder;
   const Json report = weld(sample("bracket_soup.stl"), folder.path("out.stl"));
@@ -102,6 +103,18 @@ TEST(MendexWeld, KeepsCoordinatesUnlessAskedToMoveThem) {
   EXPECT_EQ(info(folder.path("moved.stl"))["box"]["min"], Json::parse("[3, 0, 0]"));  // by 10, the next round step
 }
 
+// Values that compare unlike their bits: writing turns a negative zero into a positive one, and nothing equals a NaN.
+TEST(MendexWeld, WritesZerosAndNumbersThatAreNone) {
+  const TestFolder folder;
+  std::vector<FacetCorners> facets = some_facets(3);
+  facets[0][1] = -0.0f;
+  facets[1][2] = std::numeric_limits<float>::quiet_NaN();
+  facets[2][3] = -std::numeric_limits<float>::infinity();
+  const Json report = weld(folder.write("in.stl", binary_stl(facets)), folder.path("out.stl"));
+  EXPECT_EQ(report["after"]["elements"], 3);
+  EXPECT_EQ(report["warnings"], Json::array());
+}
+
 // The output may be the input: the file is whole before it takes the name, and keeps its permissions.
 TEST(MendexWeld, WorksInPlace) {
   const TestFolder folder;
@@ -118,7 +131,8 @@ TEST(MendexWeld, SaysForPeopleWhatWasDone) {
   const std::string out = folder.path("fixed.stl");
   const ProcessResult result = run_mendex({"weld", sample("torus_collapsed.stl"), "-o", out});
   EXPECT_EQ(result.errors, "");
-  EXPECT_NE(result.output.find("1013 nodes merged, 71 collapsed triangles deleted"), std::string::npos) << result.output;
+  EXPECT_NE(result.output.find("1013 nodes merged, 71 collapsed triangles deleted"), std::string::npos)
+      << result.output;
   const ProcessResult quiet = run_mendex({"-q", "weld", sample("torus_collapsed.stl"), "-o", out});
   EXPECT_EQ(quiet.output + quiet.errors, "");
   EXPECT_EQ(quiet.exit_code, 0);
@@ -129,7 +143,7 @@ TEST(MendexConvert, RoundTripsThroughText) {
   const TestFolder folder;
   const std::string text = folder.path("bracket.AST"), back = folder.path("back.Stl");
   EXPECT_EQ(run_mendex({"convert", sample("bracket_soup.stl"), text}).exit_code, 0);
-  EXPECT_EQ(contents_of_file(text).substr(0, 35), "solid brenko\n  facet normal -1.00000");
+  EXPECT_EQ(contents_of_file(text).substr(0, 35), "solid brenko\n  facet normal -1.0000");
   EXPECT_EQ(run_mendex({"convert", text, back}).exit_code, 0);
   EXPECT_EQ(corners_in(back), corners_in(sample("bracket_soup.stl")));
 }
@@ -137,8 +151,8 @@ TEST(MendexConvert, RoundTripsThroughText) {
 // Binary STL is single precision: what does not fit becomes infinite, and the user hears of it.
 TEST(MendexConvert, WarnsOfCoordinatesBeyondTheFormat) {
   const TestFolder folder;
-  const std::string text =
-      folder.write("huge.ast", "solid\nfacet normal 0 0 1\nvertex 0 0 0\nvertex 1e200 0 0\nvertex 0 1 0\nendfacet\nendsolid\n");
+  const std::string text = folder.write(
+      "huge.ast", "solid\nfacet normal 0 0 1\nvertex 0 0 0\nvertex 1e200 0 0\nvertex 0 1 0\nendfacet\nendsolid\n");
   const ProcessResult result = run_mendex({"convert", text, folder.path("huge.stl")});
   EXPECT_EQ(result.exit_code, 0);
   EXPECT_NE(result.errors.find("too large for the format"), std::string::npos) << result.errors;

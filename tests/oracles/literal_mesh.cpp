@@ -338,7 +338,7 @@ void LiteralMesh::renumber() {
     if (i <= j) continue;
     if (!reported) reports.push_back(-i);
     reports.push_back(-j);
-    if (!colours.empty()) set_element_colour(j, element_colour(i));
+    if (element_colour(j) != element_colour(i)) set_element_colour(j, element_colour(i));
     at(elements, j) = t;
   }
   for (int k = 1; k < node_count; ++k) {

@@ -51,6 +51,8 @@ TEST(DynArr, WithoutMemoryReportsZeroAndKeepsItsEntries) {
   coDynArr<std::vector<double>> array(2, 10);
   array[0].push_back(1.5);
   EXPECT_EQ(array.resize(INT_MAX), 0);  // the capacity would exceed an int
+  array[INT_MAX].push_back(2.5);        // goes to an entry that belongs to nobody ...
+  EXPECT_TRUE(array[INT_MAX].empty());  // ... and is lost
   EXPECT_EQ(array.count(), 1);
   EXPECT_EQ(array.capacity(), 2);
   EXPECT_EQ(array[0].at(0), 1.5);

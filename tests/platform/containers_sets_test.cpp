@@ -23,8 +23,8 @@ struct Entry {
   Entry() = default;
   Entry(int k, int h, std::string n = "") : key(k), hash(h), note(std::move(n)) {}
   bool operator==(const Entry& other) const { return key == other.key; }
+  int co_hash() const { return hash; }
 };
-int co_hash(const Entry& entry) { return entry.hash; }
 using EntrycoSet = coSet<Entry>;
 using EntrycoSetcoIterator = coSetcoIterator<Entry>;
 
@@ -126,6 +126,21 @@ TEST(Set, RandomOperationsMatchANaiveSet) {
     EXPECT_EQ(set.running_hash(), 0);
   }
   EXPECT_GT(removals, 1000);
+}
+
+// 100 000 entries of one hash: without the spread each would be compared with all others.
+TEST(Set, SpreadKeepsEntriesOfOneHashApart) {
+  struct Spread : Entry {
+    using Entry::Entry;
+    int co_spread() const { return key; }
+  };
+  coSet<Spread> set;
+  for (int k = 1; k <= 100000; ++k) set.add(Spread(k, 7));
+  for (int k = 1; k <= 100000; ++k) ASSERT_EQ(set.find(Spread(k, 7)).key, k);
+  EXPECT_EQ(set.find(Spread(5, 8)).key, 0);
+  while (set.remove_any().key != 0) {
+  }
+  EXPECT_EQ(set.count(), 0);
 }
 
 TEST(Set, AlgebraMatchesANaiveSet) {

@@ -21,13 +21,14 @@ class JournalRecorder : public trUndo {
   /// Every report in order: nodes as they are, elements negated.
   const std::vector<int>& reports() const { return reports_; }
 
-  /// Whether putting back the first stored state of each entity would restore the block as it was when recording began, to the last
-  /// bit: nodes, attributes, elements, colours and counts.
+  /// Whether the reports suffice to take the edits back and to do them again: putting back the first stored state of each entity and
+  /// cutting the arrays to their former counts restores the block as it was when recording began, to the last bit (nodes,
+  /// attributes, elements, colours), and every entity that was made since is known.
   testing::AssertionResult restores_the_start() const;
 
  private:
+  // The default states are those of deleted entities, whose attributes and colour do not matter.
   struct NodeState {
-    bool exists = false;
     int invalid = 1;
     double coords[3] = {0, 0, 0};
     int weight = 0;
@@ -35,7 +36,6 @@ class JournalRecorder : public trUndo {
     bool same_as(const NodeState& other) const;
   };
   struct ElementState {
-    bool exists = false;
     int nodes[3] = {0, 0, 0};
     int colour = -1;
     bool same_as(const ElementState& other) const;

@@ -23,26 +23,6 @@ coCellPool::Link coCellPool::open_slab() noexcept {
   return fresh_++;
 }
 
-coCellPool::Link coCellPool::take_run(std::int64_t n) noexcept {
-  const std::int64_t waiting = fresh_ > 0 ? std::int64_t{fresh_} - 1 - live_ : 0;
-  if (n <= 0 || waiting > n || std::int64_t{fresh_} + n >= std::int64_t{inline_bit}) return 0;
-  if (fresh_ == 0) {
-    const Link first = open_slab();
-    if (first == 0) return 0;
-    fresh_ = first;
-  }
-  const Link start = fresh_;
-  while (std::int64_t{fresh_end_} - start < n) {
-    if (open_slab() == 0) {
-      fresh_ = start;
-      return 0;
-    }
-  }
-  fresh_ = start + static_cast<Link>(n);
-  live_ += n;
-  return start;
-}
-
 // Everything is free: start again from the first slab, which is kept, and return the others to the system.
 void coCellPool::release_slabs() noexcept {
   for (Link k = 1; k < (fresh_end_ >> slab_shift); ++k) {

@@ -51,10 +51,6 @@ class MENDEX_EXPORT coCellPool {
     if (--live_ == 0) release_slabs();
   }
 
-  /// The first of n neighbouring cells that were never used, all counted as in use; 0 when there is no memory, or when so many
-  /// cells wait to be reused that taking fresh ones would waste memory. Each must be written, or released, by the caller.
-  static Link take_run(std::int64_t n) noexcept;
-
   /// Cells in use.
   static std::int64_t live() { return live_; }
 

@@ -64,9 +64,6 @@ class MENDEX_EXPORT intcoSListB {
   /// Where the list starts in the pool; for walks that must stay cheap.
   Link head() const { return head_; }
 
-  /// Makes the list start at `head`; for users that build lists of cells themselves.
-  void set_head(Link head) { head_ = head; }
-
   /// Takes out the entry at `link`, whose predecessor is `before` (0 when it is the first). The order of the rest stays.
   void unlink(Link link, Link before) {
     const Link after = coCellPool::next(link);

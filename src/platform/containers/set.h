@@ -11,18 +11,19 @@
 template <class T>
 class coSetcoIterator;
 
-// The spread of an entry: co_spread(entry) where its type has one, else 0.
+// The spread of an entry: what its member co_spread returns where its type has one, else 0.
 template <class T>
-auto co_spread_or_zero(const T& entry, int) -> decltype(static_cast<int>(co_spread(entry))) {
-  return co_spread(entry);
+auto co_spread_or_zero(const T& entry, int) -> decltype(static_cast<int>(entry.co_spread())) {
+  return entry.co_spread();
 }
 template <class T>
 int co_spread_or_zero(const T&, long) {
   return 0;
 }
 
-/// Set of entries that have a default constructor (which makes the nil entry), an assignment, `==` and a function `co_hash`.
+/// Set of entries that have a default constructor (which makes the nil entry), an assignment, `==` and a member `int co_hash()`.
 ///
+/// Where many unequal entries share a hash, a member `int co_spread()`, the same for equal entries, keeps them apart in the table.
 /// Two entries count as the same when their hashes agree and `==` holds. The nil entry can be a member, but the answers that are
 /// entries do not tell it from "none".
 /// Walks meet the entries in table order; the order depends only on the hashes and the operations made so far, and a copy has the
@@ -164,7 +165,7 @@ class coSet : public basecoSet, private coHash, private coArrInterface, private 
   const void* obj_nil() const override { return &nil(); }
   int obj_compare(const void* a, const void* b) const override { return !(entry_at(a) == entry_at(b)); }
   void obj_assign(void* target, const void* source) const override { *static_cast<T*>(target) = entry_at(source); }
-  int obj_hash(const void* entry) const override { return static_cast<int>(co_hash(entry_at(entry))); }
+  int obj_hash(const void* entry) const override { return entry_at(entry).co_hash(); }
   int obj_spread(const void* entry) const override { return co_spread_or_zero(entry_at(entry), 0); }
   void arr_put_copy(int slot, const void* entry) override { obj_assign(&table_[slot], entry); }
   const void* arr_get(int slot) const override { return &table_[slot]; }

@@ -1,44 +1,48 @@
 #include "platform/spatial/point_index.h"
 
 #include <algorithm>
-#include <cfloat>
 #include <cmath>
-
-#include "platform/spatial/point_order.h"
+#include <cstring>
+#include <limits>
+#include <new>
 
 namespace {
 
-constexpr std::size_t smallest_table = std::size_t{1} << 8;
-constexpr std::size_t largest_table = std::size_t{1} << 31;
 
-// A table holds at most 7 entries in 10 slots: beyond that, runs of taken slots grow longer than a cache line.
-bool too_full(std::size_t entries, std::size_t slots) { return entries * 10 > slots * 7; }
+// Adding 1.5 * 2^52 rounds a double below 2^51 in magnitude to a whole number, which then stands in the low bits of the sum.
+constexpr double rounding = 6755399441055744.0;
 
-// Squares of differences below this vanish, so that such points coincide at any tolerance.
-constexpr double underflow_reach = 1e-161;
+// Odd numbers with irregular bits: 2^64 divided by the golden ratio, and two multipliers of A. Appleby's MurmurHash3 (2011).
+constexpr std::uint64_t x_factor = 0x9E3779B97F4A7C15u;
+constexpr std::uint64_t y_factor = 0x87C37B91114253D5u;
+constexpr std::uint64_t z_factor = 0x4CF5AD432745937Fu;
+constexpr std::uint64_t mix_factor = 0xFF51AFD7ED558CCDu;
 
-constexpr int infinity_classes = 27;
+// Squares that underflow are off by up to 2^-1075 each, so points up to 2.3e-162 farther apart than the tolerance can match.
+constexpr double underflow_slack = 1e-161;
 
-bool is_finite(const giPoint3& p) { return (p.x - p.x) + (p.y - p.y) + (p.z - p.z) == 0.0; }
-
-bool is_single_precision(const giPoint3& p) {
-  const auto fits = [](double x) { return std::fabs(x) <= FLT_MAX && static_cast<double>(static_cast<float>(x)) == x; };
-  return fits(p.x) && fits(p.y) && fits(p.z);
+std::uint64_t bits_of(double x) {
+  std::uint64_t bits;
+  std::memcpy(&bits, &x, sizeof bits);
+  return bits;
 }
 
-// Per coordinate 0 for finite, 1 and 2 for the infinities; -1 when one is not a number.
-int infinity_class(const giPoint3& p) {
-  int result = 0;
-  for (double x : {p.x, p.y, p.z}) {
-    if (std::isnan(x)) return -1;
-    result = 3 * result + (std::isinf(x) ? (x > 0.0 ? 1 : 2) : 0);
-  }
-  return result;
+std::uint32_t tag_of(std::uint64_t mixed) {
+  mixed = (mixed ^ mixed >> 32) * mix_factor;
+  return static_cast<std::uint32_t>(mixed >> 32);
 }
 
-// Points of the two classes have a distance, unless both are infinite in the same direction on some axis.
-bool classes_meet(int a, int b) {
-  for (int axis = 0; axis < 3; ++axis, a /= 3, b /= 3) {
+bool finite(const giPoint3& p) { return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z); }
+bool has_nan(const giPoint3& p) { return std::isnan(p.x) || std::isnan(p.y) || std::isnan(p.z); }
+
+// 0 for a finite coordinate, 1 for +inf, 2 for -inf.
+int class_of(double x) { return std::isinf(x) ? (x > 0 ? 1 : 2) : 0; }
+
+int class_of(const giPoint3& p) { return 9 * class_of(p.x) + 3 * class_of(p.y) + class_of(p.z); }
+
+// Whether points of the two classes have a squared distance: not when both have the same infinity on one axis.
+bool comparable(int a, int b) {
+  for (; a > 0 && b > 0; a /= 3, b /= 3) {
     if (a % 3 != 0 && a % 3 == b % 3) return false;
   }
   return true;
@@ -47,161 +51,199 @@ bool classes_meet(int a, int b) {
 }  // namespace
 
 PointIndex::PointIndex(double tol, Winner winner)
-    : tol_sq_(tol * tol), reach_(std::fabs(tol) * (1.0 + 1e-12) + underflow_reach), inverse_cell_(0.25 / reach_), winner_(winner) {
-  resize(smallest_table);
-  if (std::isinf(tol_sq_)) first_of_class_.assign(infinity_classes, -1);
+    : tol_(tol),
+      reach_sq_(tol * tol),
+      reach_(std::fabs(tol) * (1.0 + 0x1p-30) + underflow_slack),
+      cells_per_unit_(0.25 / reach_),
+      grid_end_(0x1p53 * reach_),
+      grid_last_(std::nextafter(grid_end_, 0.0)),
+      winner_(winner),
+      kind_(std::isnan(reach_sq_) ? Reach::nothing : std::isinf(reach_sq_) ? Reach::everything : Reach::near_points),
+      conditions_on_x_(winner == Winner::tree_order && tol > 0.0 && std::isnormal(reach_sq_)),
+      records_(10, 5, 10),
+      greatest_x_(-std::numeric_limits<double>::infinity()) {
+  std::fill(std::begin(class_best_), std::end(class_best_), -1);
 }
 
-PointIndex::~PointIndex() = default;
-
-void PointIndex::reserve(std::int64_t n) {
-  std::size_t wanted = smallest_table;
-  while (wanted < largest_table && too_full(static_cast<std::size_t>(n), wanted)) wanted *= 2;
-  if (wanted > slots()) resize(wanted);
-  numbers_.reserve(static_cast<std::size_t>(n));
+// A monotone function of x: cells of four reaches, 2^51 of them on either side. Just inside grid_end_ doubles are a reach apart,
+// and the reach is longer than the tolerance by more than all rounding: so no match lies across that border, and none farther out
+// but an equal coordinate.
+std::uint64_t PointIndex::cell(double x) const {
+  return bits_of(std::fabs(x) < grid_end_ ? x * cells_per_unit_ + rounding : x + 0.0);
 }
 
-int PointIndex::find_position(const giPoint3& p, Probe own) {
-  if (!first_of_class_.empty()) return find_within_infinite(p);
-  if (!is_finite(p) || std::isnan(tol_sq_)) return -1;
-  Search search;
-  search.p = p;
-  search_cell(own.hash, search);
-  if (!search.exact) search_cells_around(own, search);
+// The cells of all coordinates within reach: one or two, or three where rounding is coarse.
+PointIndex::CellRange PointIndex::cells_near(double x) const {
+  if (!(std::fabs(x) < grid_end_)) return {cell(x), cell(x)};
+  return {cell(std::max(x - reach_, -grid_last_)), cell(std::min(x + reach_, grid_last_))};
+}
+
+PointIndex::Probe PointIndex::probe(const giPoint3& p) const {
+  return {tag_of(cell(p.x) * x_factor + cell(p.y) * y_factor + cell(p.z) * z_factor)};
+}
+
+void PointIndex::prefetch_record(Probe probe) const {
+  const std::size_t mask = size() - 1;
+  for (std::size_t k = probe.home >> shift_; slots_[k].position != 0; k = (k + 1) & mask) {
+    if (slots_[k].tag != probe.home) continue;
+    __builtin_prefetch(&records_.at(static_cast<int>(slots_[k].position - 1)));
+    return;
+  }
+}
+
+int PointIndex::find(const giPoint3& p) const {
+  const int found = search(p, probe(p));
+  return found < 0 ? -1 : records_.at(found).number;
+}
+
+int PointIndex::find_or_add_position(const giPoint3& p, int number, Probe probe) {
+  const int found = search(p, probe);
+  if (found < 0) keep(p, number, probe);
+  return found;
+}
+
+void PointIndex::keep(const giPoint3& p, int number) {
+  apart_ = false;
+  keep(p, number, probe(p));
+}
+
+int PointIndex::search(const giPoint3& p, Probe probe) const {
+  if (kind_ != Reach::near_points) return kind_ == Reach::nothing ? -1 : search_classes(p);
+  Search search{p};
+  if (!search_cell(probe.home, search) && finite(p)) search_neighbours(search, probe);
   return search.best;
 }
 
-// The entries of a cell lie behind its slot, among those of other cells: the distance alone tells whether one coincides.
-template <class Entry>
-void PointIndex::search_cell_in(const coFlatArray<Entry>& table, std::uint32_t hash, Search& search) {
-  for (std::uint32_t at = hash & mask_; table[at].position != 0; at = (at + 1) & mask_) {
-    const Entry& entry = table[at];
-    const double dx = double{entry.x} - search.p.x;
-    const double dy = double{entry.y} - search.p.y;
-    const double dz = double{entry.z} - search.p.z;
-    if (!(dx * dx + dy * dy + dz * dz <= tol_sq_)) continue;
-    const int position = static_cast<int>(entry.position - 1);
-    if (dx == 0.0 && dy == 0.0 && dz == 0.0) {
-      search.best = position;
-      search.exact = true;
-      return;
-    }
-    consider(position, search);
-  }
-}
-
-// Visits the other cells that a coinciding point can lie in.
-void PointIndex::search_cells_around(Probe own, Search& search) {
-  const double c[3] = {search.p.x, search.p.y, search.p.z};
-  std::int64_t low[3];
-  std::int64_t high[3];
-  for (int k = 0; k < 3; ++k) {
-    const double cell = c[k] * inverse_cell_;
-    const bool coarse = cell > -9007199254740992.0 && cell < 9007199254740992.0;
-    low[k] = key(coarse ? c[k] - reach_ : c[k]);
-    high[k] = key(coarse ? c[k] + reach_ : c[k]);
-    // At the edge of the range of cell numbers a neighbouring double is farther away than the tolerance.
-    if (high[k] < low[k] || high[k] - low[k] > 8) low[k] = high[k] = key(c[k]);
-  }
-  if (low[0] == high[0] && low[1] == high[1] && low[2] == high[2]) return;
-  for (std::int64_t kx = low[0]; kx <= high[0]; ++kx) {
-    for (std::int64_t ky = low[1]; ky <= high[1]; ++ky) {
-      for (std::int64_t kz = low[2]; kz <= high[2]; ++kz) {
-        const std::uint32_t hash = cell_hash(kx, ky, kz);
-        if (hash != own.hash) search_cell(hash, search);
+void PointIndex::search_neighbours(Search& search, Probe probe) const {
+  const CellRange x = cells_near(search.p.x), y = cells_near(search.p.y), z = cells_near(search.p.z);
+  for (std::uint64_t i = x.first; i <= x.last; ++i) {
+    for (std::uint64_t j = y.first; j <= y.last; ++j) {
+      for (std::uint64_t k = z.first; k <= z.last; ++k) {
+        const std::uint32_t tag = tag_of(i * x_factor + j * y_factor + k * z_factor);
+        if (tag != probe.home) search_cell(tag, search);
       }
     }
   }
 }
 
-void PointIndex::consider(int position, Search& search) {
-  if (search.best < 0) {
+// Looks at all records whose cell has this tag; other cells may share it, but the distance decides. True when a record at p itself
+// makes looking further needless, since no other can match.
+bool PointIndex::search_cell(std::uint32_t tag, Search& search) const {
+  const std::size_t mask = size() - 1;
+  for (std::size_t k = tag >> shift_; slots_[k].position != 0; k = (k + 1) & mask) {
+    if (slots_[k].tag != tag) continue;
+    const int position = static_cast<int>(slots_[k].position - 1);
+    const Record& record = records_.at(position);
+    const double dx = search.p.x - record.x, dy = search.p.y - record.y, dz = search.p.z - record.z;
+    if (!(dx * dx + dy * dy + dz * dz <= reach_sq_)) continue;
+    if (apart_ && dx == 0.0 && dy == 0.0 && dz == 0.0) {
+      search.best = position;
+      return true;
+    }
+    consider(position, search);
+  }
+  return false;
+}
+
+int PointIndex::search_classes(const giPoint3& p) const {
+  int best = -1;
+  if (has_nan(p)) return best;
+  for (int c = 0; c < 27; ++c) {
+    const int position = class_best_[c];
+    if (position >= 0 && comparable(class_of(p), c) && (best < 0 || better(position, best))) best = position;
+  }
+  return best;
+}
+
+void PointIndex::consider(int position, Search& search) const {
+  if (position == search.best) return;
+  if (conditions_on_x_ && cut_off(position, search.p.x)) {
+    apart_ = false;
+  } else if (search.best < 0 || better(position, search.best)) {
     search.best = position;
-    return;
   }
-  if (search.best == position) return;
-  const bool better =
-      winner_ == Winner::lowest_number ? number_of(position) < number_of(search.best) : tree_precedes(position, search.best);
-  if (better) search.best = position;
 }
 
-bool PointIndex::tree_precedes(int a, int b) {
-  if (order_ == nullptr) {
-    order_ = std::make_unique<PointOrder>();
-    for (double x : x_of_position_) order_->insert(x);
+bool PointIndex::better(int position, int than) const {
+  if (winner_ == Winner::lowest_number) return records_.at(position).number < records_.at(than).number;
+  try {
+    complete_order();
+    return order_.precedes(key(position), key(than));
+  } catch (const std::bad_alloc&) {
+    return position < than;
   }
-  return order_->precedes(a, b);
 }
 
-void PointIndex::keep(const giPoint3& p, int number, Probe own) {
-  if (!first_of_class_.empty()) return keep_within_infinite(p, number);
-  if (!is_finite(p)) return;  // it will match nothing
-  if (!wide_ && !is_single_precision(p) && !widen()) return;
-  const std::size_t n = numbers_.size() + 1;
-  if (too_full(n, slots()) && slots() < largest_table) resize(2 * slots());
-  if (n >= slots()) return;  // only without memory for a larger table
-  numbers_.push_back(number);
-  if (winner_ == Winner::tree_order) x_of_position_.push_back(p.x);
-  if (order_ != nullptr) order_->insert(p.x);
-  const std::uint32_t position = static_cast<std::uint32_t>(n);
-  wide_ ? insert(wide_table_, p, own.hash, position) : insert(narrow_table_, p, own.hash, position);
-}
-
-template <class Entry>
-void PointIndex::insert(coFlatArray<Entry>& table, const giPoint3& p, std::uint32_t hash, std::uint32_t position) {
-  using Number = decltype(Entry::x);
-  std::uint32_t at = hash & mask_;
-  while (table[at].position != 0) at = (at + 1) & mask_;
-  table[at].x = static_cast<Number>(p.x);
-  table[at].y = static_cast<Number>(p.y);
-  table[at].z = static_cast<Number>(p.z);
-  table[at].position = position;
-}
-
-// Moves all entries into a new table; false, and nothing changed, without memory.
-template <class Entry, class Old>
-bool PointIndex::refill(coFlatArray<Entry>& table, const coFlatArray<Old>& old, std::size_t slots) {
-  coFlatArray<Entry> fresh(slots);
-  if (fresh.size() == 0) return false;
-  mask_ = static_cast<std::uint32_t>(slots - 1);
-  for (std::size_t k = 0; k < old.size(); ++k) {
-    if (old[k].position == 0) continue;
-    const giPoint3 p(old[k].x, old[k].y, old[k].z);
-    insert(fresh, p, probe(p).hash, old[k].position);
+// Whether the tree's conditions on x keep a search for this x from reaching the record. Conditions that the record itself meets
+// are met by all entries on the way to it.
+bool PointIndex::cut_off(int position, double x) const {
+  const double at = records_.at(position).x;
+  if (at + tol_ >= x && x >= at - tol_) return false;
+  try {
+    complete_order();
+    return !order_.reachable(key(position), x, tol_);
+  } catch (const std::bad_alloc&) {
+    return false;
   }
-  fresh.swap(table);
+}
+
+void PointIndex::complete_order() const {
+  for (; ordered_ < records_.count(); ++ordered_) order_.add(key(ordered_));
+}
+
+void PointIndex::keep(const giPoint3& p, int number, Probe probe) {
+  if (kind_ == Reach::nothing || (winner_ == Winner::tree_order && hidden(p.x))) return;
+  const bool in_grid = kind_ == Reach::near_points && finite(p);
+  const bool in_class = kind_ == Reach::everything && !has_nan(p);
+  if (!in_grid && !in_class && winner_ != Winner::tree_order) return;
+  const int position = records_.count();
+  if ((in_grid && !grow(entered_ + 1)) || !records_.expand(position + 1)) return;
+  records_.at(position) = Record{p.x, p.y, p.z, number};
+  if (in_grid) enter(probe.home, static_cast<std::uint32_t>(position) + 1);
+  if (in_class) keep_class(p, position);
+}
+
+// In the tree an entry with a NaN x lies at the right end, behind the greatest x, and a search never passes it.
+bool PointIndex::hidden(double x) {
+  if (std::isnan(x)) {
+    if (!hides_) hidden_from_ = greatest_x_;
+    hides_ = true;
+    return true;
+  }
+  if (hides_ && x >= hidden_from_) return true;
+  greatest_x_ = std::max(greatest_x_, x);
+  return false;
+}
+
+void PointIndex::keep_class(const giPoint3& p, int position) {
+  int& best = class_best_[class_of(p)];
+  if (best < 0 || better(position, best)) best = position;
+}
+
+void PointIndex::enter(std::uint32_t tag, std::uint32_t position) {
+  const std::size_t mask = size() - 1;
+  std::size_t k = tag >> shift_;
+  while (slots_[k].position != 0) k = (k + 1) & mask;
+  slots_[k] = Slot{tag, position};
+  ++entered_;
+}
+
+// Makes room for so many entries in no more than half of the slots; false when there is not even one slot to spare. Places follow
+// the high bits of the tags, so that the old table is read and the new one is written from front to back.
+bool PointIndex::grow(int entries) {
+  int shift = shift_;
+  while (shift > 1 && (std::int64_t{1} << (32 - shift)) < 2 * std::int64_t{entries}) --shift;
+  if (shift == shift_) return std::size_t(entries) < size();
+  coFlatArray<Slot> old(std::size_t{1} << (32 - shift));
+  if (old.size() == 0) return std::size_t(entries) < size();
+  const Slot* const old_slots = slots_;
+  const std::size_t old_size = size();
+  old.swap(large_table_);
+  slots_ = large_table_.begin();
+  shift_ = shift;
+  entered_ = 0;
+  for (std::size_t k = 0; k < old_size; ++k) {
+    if (old_slots[k].position != 0) enter(old_slots[k].tag, old_slots[k].position);
+  }
   return true;
-}
-
-bool PointIndex::resize(std::size_t slots) {
-  return wide_ ? refill(wide_table_, wide_table_, slots) : refill(narrow_table_, narrow_table_, slots);
-}
-
-// Goes over to double precision entries.
-bool PointIndex::widen() {
-  if (!refill(wide_table_, narrow_table_, narrow_table_.size())) return false;
-  coFlatArray<Narrow>().swap(narrow_table_);
-  wide_ = true;
-  return true;
-}
-
-// Of each class the point with the lowest number stands for all.
-int PointIndex::find_within_infinite(const giPoint3& p) const {
-  const int own = infinity_class(p);
-  int found = -1;
-  for (int other = 0; own >= 0 && other < infinity_classes; ++other) {
-    const int position = first_of_class_[static_cast<std::size_t>(other)];
-    if (position < 0 || !classes_meet(own, other)) continue;
-    if (found < 0 || number_of(position) < number_of(found)) found = position;
-  }
-  return found;
-}
-
-void PointIndex::keep_within_infinite(const giPoint3& p, int number) {
-  const int own = infinity_class(p);
-  if (own < 0) return;
-  int& first = first_of_class_[static_cast<std::size_t>(own)];
-  if (first >= 0 && number_of(first) < number) return;
-  first = static_cast<int>(numbers_.size());
-  numbers_.push_back(number);
 }

@@ -1,144 +1,133 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <memory>
-#include <utility>
-#include <vector>
 
 #include "platform/containers/flat_array.h"
+#include "platform/containers/page_arr.h"
 #include "platform/geometry/point3.h"
+#include "platform/spatial/tree_order.h"
 
-class PointOrder;
-
-/// Incremental index of points that are pairwise farther apart than a tolerance: merging asks it, point by point, which kept point
-/// the next one coincides with.
+/// Growing set of points in which no two lie within a tolerance of each other, for merging points one after the other.
 ///
-/// Two points coincide when fl(dx*dx + dy*dy + dz*dz) <= fl(tol*tol), exactly in that form. A coordinate that is not a number
-/// matches nothing; an infinite one matches only when tol*tol overflows.
+/// Points p and q match when dx * dx + dy * dy + dz * dz <= tol * tol, in double arithmetic and in this order of operations. So a
+/// negative tolerance counts by its square, a NaN tolerance or a NaN coordinate never matches, an infinite coordinate matches only
+/// under a tolerance whose square overflows, and under such a one everything matches whose squared distance is not NaN.
 ///
-/// Method: hash grid with cells of four tolerances (M. Teschner et al., "Optimized spatial hashing for collision detection", 2003).
-/// Kept points are farther apart than tol, so a cell holds a bounded number of them whatever the input; where doubles lie farther
-/// apart than tol, a cell is a single coordinate. A point whose exact copy is kept is found in its own cell at once.
-/// The points lie in the table itself, so that a query costs one cache miss: in 16 bytes each while every coordinate is a single
-/// precision number, as those of STL files are, else in 32.
-/// Cost: O(1) expected time a query; 23 to 46 bytes a kept point in single precision, twice that otherwise.
+/// Method: a hash grid with cells of four tolerances. Where coordinates are so large that neighbouring doubles lie farther apart
+/// than the tolerance, each coordinate is a cell of its own. A search looks into the cell of the point and into those of its
+/// neighbours, on average 2.4, that the ball round it touches. Points kept lie farther apart than the tolerance, so a cell holds
+/// O(1) of them whatever the input.
+/// Cost: O(1) a point; 32 bytes for each point kept and 16 to 32 for its slots. When there is no memory a point is not kept.
 class PointIndex {
  public:
-  /// Which of several coinciding kept points is the answer.
+  /// Which of several matching points a search names.
   enum class Winner {
     lowest_number,  // the one with the lowest number
-    tree_order      // the first in preorder of an unbalanced search tree over x, filled in the order of keeping, ties to the right
+    tree_order      // the one that `trPointTree::find` meets first, with the same points added in the same order
+  };
+
+  // What a search needs to know beforehand, so that the memory it will touch can be on its way.
+  struct Probe {
+    std::uint32_t home;
   };
 
   PointIndex(double tol, Winner winner);
-  ~PointIndex();
   PointIndex(const PointIndex&) = delete;
   PointIndex& operator=(const PointIndex&) = delete;
 
-  /// Sizes the table for about n kept points.
-  void reserve(std::int64_t n);
+  /// Sizes the table for n kept points.
+  void reserve(int n) { grow(n); }
 
-  /// Where a point's own cell is looked up; asking for it early lets memory be fetched ahead.
-  struct Probe {
-    std::uint32_t hash;
-  };
-  Probe probe(const giPoint3& p) const { return {cell_hash(key(p.x), key(p.y), key(p.z))}; }
-  void prefetch(Probe probe) const {
-    if (wide_) {
-      __builtin_prefetch(&wide_table_[probe.hash & mask_], 1);
-    } else {
-      __builtin_prefetch(&narrow_table_[probe.hash & mask_], 1);
-    }
+  /// Kept points, and the number of each by its position in the order of keeping. Points that can match nothing may be left out.
+  int count() const { return records_.count(); }
+  int number(int position) const { return records_.at(position).number; }
+
+  /// The number of a kept point that matches p; or -1, and then p is kept under `number`, which should not be negative.
+  ///
+  /// In tree order an entry cut off by the search conditions of the tree (on x alone, rounded) is not found, as in the tree. This
+  /// holds for positive tolerances with a square of normal size; for others the conditions on x are passed over. In all cases a
+  /// point whose x is NaN hides all later points that are not left of every point before it, as in the tree.
+  int find_or_add(const giPoint3& p, int number) {
+    const int found = find_or_add_position(p, number, probe(p));
+    return found < 0 ? -1 : records_.at(found).number;
   }
 
-  /// The position, among the kept points, of one that coincides with p; -1 when there is none, and p is then kept under `number`.
-  int find_or_add_position(const giPoint3& p, int number, Probe own) {
-    const int found = find_position(p, own);
-    if (found < 0) keep(p, number, own);
-    return found;
-  }
+  /// The number of a kept point that matches p, or -1.
+  int find(const giPoint3& p) const;
 
-  /// The same, returning the number under which that point was kept.
-  int find_or_add(const giPoint3& p, int number) { return number_of(find_or_add_position(p, number, probe(p))); }
-  int find(const giPoint3& p) { return number_of(find_position(p, probe(p))); }
+  /// Keeps p without a search. If p matches a point kept before, cells may fill up and searches get slower.
+  void keep(const giPoint3& p, int number);
 
-  /// Numbers of the kept points, in the order of keeping.
-  const std::vector<int>& numbers() const { return numbers_; }
-  std::vector<int> take_numbers() { return std::move(numbers_); }
+  /// For many points in a row: let `probe` and `prefetch` run some 32 points ahead and `prefetch_record` some 16, so that the waits
+  /// for memory overlap. A probe stays good while other points are added.
+  Probe probe(const giPoint3& p) const;
+  void prefetch(Probe probe) const { __builtin_prefetch(&slots_[probe.home >> shift_]); }
+  void prefetch_record(Probe probe) const;
+
+  /// The same as `find_or_add`, but names the position of the point found.
+  int find_or_add_position(const giPoint3& p, int number, Probe probe);
 
  private:
-  struct Narrow {
-    float x, y, z;
-    std::uint32_t position;  // among the kept points, plus one; 0: empty
-  };
-  struct Wide {
+  struct Record {
     double x, y, z;
-    std::uint32_t position;
-    std::uint32_t unused;
+    int number;
   };
-  // What a query has found so far.
+  struct Slot {
+    std::uint32_t tag;      // all bits of the cell's hash
+    std::uint32_t position;  // of the record, plus one; 0: empty
+  };
   struct Search {
-    giPoint3 p;
-    int best = -1;       // position of the best kept point; -1: none
-    bool exact = false;  // it has the very coordinates of p, so there is no other
+    const giPoint3& p;
+    int best = -1;  // position of the record to be named so far
   };
+  struct CellRange {
+    std::uint64_t first, last;
+  };
+  enum class Reach { nothing, near_points, everything };
 
-  std::int64_t key(double x) const;
-  static std::uint32_t cell_hash(std::int64_t kx, std::int64_t ky, std::int64_t kz);
-  int number_of(int position) const { return position < 0 ? -1 : numbers_[static_cast<std::size_t>(position)]; }
+  std::uint64_t cell(double x) const;
+  CellRange cells_near(double x) const;
+  int search(const giPoint3& p, Probe probe) const;
+  void search_neighbours(Search& search, Probe probe) const;
+  bool search_cell(std::uint32_t tag, Search& search) const;
+  int search_classes(const giPoint3& p) const;
+  void consider(int position, Search& search) const;
+  bool better(int position, int than) const;
+  bool cut_off(int position, double x) const;
+  void complete_order() const;
+  TreeOrder::Key key(int position) const { return {records_.at(position).x, position}; }
 
-  int find_position(const giPoint3& p, Probe own);
-  void search_cell(std::uint32_t hash, Search& search) {
-    wide_ ? search_cell_in(wide_table_, hash, search) : search_cell_in(narrow_table_, hash, search);
-  }
-  template <class Entry>
-  void search_cell_in(const coFlatArray<Entry>& table, std::uint32_t hash, Search& search);
-  void search_cells_around(Probe own, Search& search);
-  void consider(int position, Search& search);
-  bool tree_precedes(int a, int b);
+  void keep(const giPoint3& p, int number, Probe probe);
+  bool hidden(double x);
+  void keep_class(const giPoint3& p, int position);
+  void enter(std::uint32_t tag, std::uint32_t position);
+  bool grow(int entries);
+  std::size_t size() const { return std::size_t{1} << (32 - shift_); }
 
-  void keep(const giPoint3& p, int number, Probe own);
-  template <class Entry>
-  void insert(coFlatArray<Entry>& table, const giPoint3& p, std::uint32_t hash, std::uint32_t position);
-  template <class Entry, class Old>
-  bool refill(coFlatArray<Entry>& table, const coFlatArray<Old>& old, std::size_t slots);
-  bool resize(std::size_t slots);
-  bool widen();
-  std::size_t slots() const { return wide_ ? wide_table_.size() : narrow_table_.size(); }
-
-  int find_within_infinite(const giPoint3& p) const;
-  void keep_within_infinite(const giPoint3& p, int number);
-
-  double tol_sq_;
-  double reach_;         // no two points coincide whose coordinates on some axis differ by more than this
-  double inverse_cell_;  // 1 over the side of a cell
+  double tol_;
+  double reach_sq_;         // tol * tol
+  double reach_;            // no coordinate of matching points differs by more
+  double cells_per_unit_;   // 1 / cell size
+  double grid_end_;         // from this magnitude on each coordinate is a cell of its own
+  double grid_last_;        // the largest double before
   Winner winner_;
+  Reach kind_;
+  bool conditions_on_x_;    // whether the tree's search conditions are followed
+  mutable bool apart_ = true;  // surely no two points kept match each other
 
-  bool wide_ = false;
-  coFlatArray<Narrow> narrow_table_;
-  coFlatArray<Wide> wide_table_;
-  std::uint32_t mask_ = 0;
-  std::vector<int> numbers_;
-  std::vector<double> x_of_position_;    // kept for tree order only
-  std::unique_ptr<PointOrder> order_;    // made when a query first has several answers
-  std::vector<int> first_of_class_;      // with an infinite tolerance: first kept point by which coordinates are infinite
+  coPageArr<Record> records_;
+  coFlatArray<Slot> large_table_;
+  Slot small_table_[16] = {};
+  Slot* slots_ = small_table_;
+  int shift_ = 28;   // 32 - log2 of the slots
+  int entered_ = 0;  // slots in use
+
+  int class_best_[27];  // under an overflowing tolerance: the winner of each class of points, -1 for none
+
+  mutable TreeOrder order_;   // brought up to date only when a search depends on the tree's shape
+  mutable int ordered_ = 0;   // records in it
+  double greatest_x_;         // of the records
+  double hidden_from_ = 0.0;  // once a point with a NaN x has come, points from this x on are not kept
+  bool hides_ = false;        // whether one has come
 };
-
-inline std::int64_t PointIndex::key(double x) const {
-  const double cell = x * inverse_cell_;
-  // Truncation keeps the order of coordinates, which is all that a cell number must do.
-  if (cell > -9007199254740992.0 && cell < 9007199254740992.0) return static_cast<std::int64_t>(cell);
-  union {
-    double value;
-    std::int64_t bits;
-  } raw;
-  raw.value = x;
-  return raw.bits;
-}
-
-inline std::uint32_t PointIndex::cell_hash(std::int64_t kx, std::int64_t ky, std::int64_t kz) {
-  std::uint64_t h = static_cast<std::uint64_t>(kx) * 0x9e3779b97f4a7c15u;
-  h = (h ^ (h >> 32) ^ static_cast<std::uint64_t>(ky)) * 0xbf58476d1ce4e5b9u;
-  h = (h ^ (h >> 32) ^ static_cast<std::uint64_t>(kz)) * 0x94d049bb133111ebu;
-  return static_cast<std::uint32_t>(h >> 32) ^ static_cast<std::uint32_t>(h);
-}
