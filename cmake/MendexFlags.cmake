@@ -19,7 +19,8 @@ if(MENDEX_BUILD_FUZZ)
   if(NOT CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     message(FATAL_ERROR "The fuzz targets need clang: configure with the preset `fuzz`")
   endif()
-  target_compile_options(mendex_flags INTERFACE -fsanitize=fuzzer-no-link)
+  target_compile_options(mendex_flags INTERFACE
+    -fsanitize=fuzzer-no-link "-fsanitize-coverage-ignorelist=${PROJECT_SOURCE_DIR}/fuzz/coverage_ignore.txt")
 endif()
 
 # A tree that was built can be moved: the program finds the library beside itself.
