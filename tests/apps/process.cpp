@@ -38,8 +38,7 @@ std::string contents_of(int file) {
 }  // namespace
 
 Process::Process(const ProcessSetup& setup) : output_(unlinked_file()), errors_(unlinked_file()) {
-  if (setup.has_terminal) {
-    openpty(&terminal_, &terminal_of_program_, nullptr, nullptr, nullptr);
+  if (setup.has_terminal && openpty(&terminal_, &terminal_of_program_, nullptr, nullptr, nullptr) == 0) {
     fcntl(terminal_, F_SETFL, O_NONBLOCK);
     fcntl(terminal_, F_SETFD, FD_CLOEXEC);
   }

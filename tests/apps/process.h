@@ -33,6 +33,9 @@ class Process {
   Process& operator=(const Process&) = delete;
   ~Process();
 
+  /// Whether standard error is a terminal; the machine may have none to give.
+  bool has_terminal() const { return terminal_ >= 0; }
+
   void send_signal(int number) const;
 
   /// Waits until the program has set itself up to catch the signal.
