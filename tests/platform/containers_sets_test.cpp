@@ -189,7 +189,8 @@ TEST(Set, AlgebraWithItselfAndWithNothing) {
   EXPECT_EQ(set.count(), 3);
   EXPECT_TRUE(none <= set);
   EXPECT_FALSE(set <= none);
-  set -= set;
+  const auto& itself = set;
+  set -= itself;
   EXPECT_EQ(set.count(), 0);
   EXPECT_EQ(set.running_hash(), 0);
   set.add(Entry(4, 40));

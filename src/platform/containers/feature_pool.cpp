@@ -14,7 +14,8 @@ coFeaturePool::~coFeaturePool() = default;
 
 basecoFeature* coFeaturePool::registered(const basecoFeature& feature) const {
   for (const auto& entry : features_) {
-    if (typeid(*entry) == typeid(feature)) return entry.get();
+    const basecoFeature& candidate = *entry;
+    if (typeid(candidate) == typeid(feature)) return entry.get();
   }
   return nullptr;
 }
