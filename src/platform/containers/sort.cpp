@@ -38,15 +38,15 @@ class Cursor {
     return before;
   }
   friend Cursor operator+(Cursor c, difference_type n) { return c += n; }
-  friend Cursor operator+(difference_type n, Cursor c) { return c += n; }
+  [[maybe_unused]] friend Cursor operator+(difference_type n, Cursor c) { return c += n; }
   friend Cursor operator-(Cursor c, difference_type n) { return c -= n; }
   friend difference_type operator-(const Cursor& a, const Cursor& b) { return a.index_ - b.index_; }
   friend bool operator==(const Cursor& a, const Cursor& b) { return a.index_ == b.index_; }
   friend bool operator!=(const Cursor& a, const Cursor& b) { return a.index_ != b.index_; }
   friend bool operator<(const Cursor& a, const Cursor& b) { return a.index_ < b.index_; }
-  friend bool operator>(const Cursor& a, const Cursor& b) { return a.index_ > b.index_; }
-  friend bool operator<=(const Cursor& a, const Cursor& b) { return a.index_ <= b.index_; }
-  friend bool operator>=(const Cursor& a, const Cursor& b) { return a.index_ >= b.index_; }
+  [[maybe_unused]] friend bool operator>(const Cursor& a, const Cursor& b) { return a.index_ > b.index_; }
+  [[maybe_unused]] friend bool operator<=(const Cursor& a, const Cursor& b) { return a.index_ <= b.index_; }
+  [[maybe_unused]] friend bool operator>=(const Cursor& a, const Cursor& b) { return a.index_ >= b.index_; }
 
  private:
   intcoPageArr* array_ = nullptr;
