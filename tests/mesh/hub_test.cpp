@@ -107,6 +107,31 @@ TEST(Hub, MergesIntoOneNode) {
   EXPECT_TRUE(is_sound(block));
 }
 
+// The index of a long list must not outlive what a host does to the list itself.
+TEST(Hub, SeesWhatAHostDoesToItsList) {
+  BlockOf block(cone_fan(200));
+  block.alter(0);
+  std::vector<int> expected;
+  for (int k = 2; k <= 150; ++k) {
+    EXPECT_EQ(block.link_simple(1, k), 1);
+    expected.insert(expected.begin(), k);
+  }
+  const auto drop = [&](int v) { expected.erase(std::find(expected.begin(), expected.end(), v)); };
+  EXPECT_EQ(block.link_simple(77, 1), -1);
+  drop(77);
+  EXPECT_EQ(block.node(1).a_edges.remove(50), 1);
+  drop(50);
+  EXPECT_EQ(block.link_simple(50, 1), 1);
+  EXPECT_EQ(block.link_simple(51, 1), -1);
+  drop(51);
+  EXPECT_EQ(block.node(1).a_edges.member(20), 1);
+  drop(20);
+  expected.insert(expected.begin(), 20);
+  EXPECT_EQ(block.link_simple(21, 1), -1);
+  drop(21);
+  EXPECT_EQ(entries(block.node(1).a_edges), expected);
+}
+
 // Around the length at which lists are no longer walked: the order of free edges and of elements, and every answer, stay the same.
 TEST(Hub, KeepsTheOrderOfItsLists) {
   Random random(81);
