@@ -2,6 +2,7 @@
 
 /// The one header that a host includes: everything the library exports.
 
+#include "boundaries/containers.h"
 #include "formats/bin_read.h"
 #include "formats/bin_write.h"
 #include "formats/tri_read.h"
@@ -17,6 +18,7 @@
 #include "mesh/measures.h"
 #include "mesh/node.h"
 #include "mesh/node_data.h"
+#include "mesh/pair.h"
 #include "mesh/point_tree.h"
 #include "mesh/tri_block.h"
 #include "mesh/tri_data.h"
@@ -62,6 +64,7 @@
 #include "platform/geometry/vector3.h"
 #include "platform/geometry/workplane3.h"
 #include "platform/geometry/xform3.h"
+#include "platform/surface/zrk_curve.h"
 #include "platform/surface/zrk_surf.h"
 #include "platform/utilities/export.h"
 #include "platform/utilities/ut_compare.h"
@@ -71,4 +74,5 @@
 #include "progress/break_handler.h"
 #include "progress/output.h"
 #include "progress/progress.h"
+#include "undo/containers.h"
 #include "undo/undo.h"

@@ -2,6 +2,7 @@
 
 #include "mesh/edge_connection.h"
 #include "mesh/features.h"
+#include "mesh/pair.h"
 #include "mesh/tri_block.h"
 #include "platform/containers/number_arrays.h"
 #include "platform/containers/owning_ptr.h"
@@ -16,3 +17,5 @@ using trEdgeConnectioncoPageArrcoIterator = coPageArrcoIterator<trEdgeConnection
 using trEdgeConnectioncoSet = coSet<trEdgeConnection>;
 using trTriBlockcoPrg = coPrg<trTriBlock>;
 using trTriBlockcoPrf = coPrf<trTriBlock>;
+using trPaircoPageArr = coPageArr<trPair>;
+using trPaircoPageArrcoIterator = coPageArrcoIterator<trPair>;

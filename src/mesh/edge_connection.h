@@ -33,6 +33,14 @@ class MENDEX_EXPORT trEdgeConnection {
   /// two edges meet in a set only when their elements agree in number and in the exclusive or of their numbers.
   int co_hash() const;
 
+  /// Where a set looks for the edge first: both ends as one number, so that edges without elements spread too. The same for both orders
+  /// of the ends.
+  int co_spread() const {
+    const unsigned low = static_cast<unsigned>(start_node_ < end_node_ ? start_node_ : end_node_);
+    const unsigned high = static_cast<unsigned>(start_node_ < end_node_ ? end_node_ : start_node_);
+    return static_cast<int>(low * 0x9e3779b1u + high);
+  }
+
  private:
   int start_node_;
   int end_node_;

@@ -115,15 +115,16 @@ void trTriBlock::replace_nodes(const SurvivorMap& map) {
   if (elements_referenced) announce_replacements(map, lists);
   ReplacementWindow window(*this, map);
   for (int e = 1; e <= window.last() && !tr_interrupt(); ++e) {
-    for_each_survivor(window.advance(e), [&](int slot) { lists.prefetch_cursor(slot); });
-    for_each_survivor(window.near(e), [&](int slot) { lists.prefetch_place(slot); });
+    const Replacement& far = window.advance(e);
+    if (elements_referenced) {
+      for_each_survivor(far, [&](int slot) { lists.prefetch_cursor(slot); });
+      for_each_survivor(window.near(e), [&](int slot) { lists.prefetch_place(slot); });
+    }
     const Replacement& r = window.at(e);
     if (!r.names_deleted) continue;
     report_element(e);
     for (int k = 0; k < 3; ++k) {
-      if (r.slot[k] == 0) continue;
-      element(e)[k] = map.number(r.slot[k]);
-      if (elements_referenced) lists.insert(r.slot[k], e);
+      if (r.slot[k] != 0) element(e)[k] = elements_referenced ? lists.insert(r.slot[k], e) : map.number(r.slot[k]);
     }
   }
   lists.close();

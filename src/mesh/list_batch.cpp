@@ -13,26 +13,30 @@ int ElementListBatch::announced_at_hub(int slot) const {
 
 void ElementListBatch::lay_out() {
   const int n = static_cast<int>(counts_.size());
-  coFlatArray<std::uint32_t>(counts_.size()).swap(cursors_);
+  coFlatArray<Cursor>(counts_.size()).swap(cursors_);
   if (cursors_.size() != counts_.size()) return;
   std::uint64_t end = 0;
   for (int slot = 0; slot < n; ++slot) {
     end += static_cast<std::uint32_t>(announced(slot));
-    cursors_[static_cast<std::size_t>(slot)] = static_cast<std::uint32_t>(end);
+    cursors_[static_cast<std::size_t>(slot)] = {static_cast<std::uint32_t>(end), node_of(slot)};
   }
   if (end <= UINT32_MAX) coFlatArray<int>(end).swap(values_);
 }
 
-void ElementListBatch::insert_directly(int slot, int value) { block_.node(node_of(slot)).elements.insert_front(value); }
+int ElementListBatch::insert_directly(int slot, int value) {
+  const int node = node_of(slot);
+  block_.node(node).elements.insert_front(value);
+  return node;
+}
 
 void ElementListBatch::close() {
   if (values_.size() == 0) return;
   std::uint32_t end = 0;
   for (int slot = 0; slot < static_cast<int>(counts_.size()); ++slot) {
     end += static_cast<std::uint32_t>(announced(slot));
-    const std::uint32_t first = cursors_[static_cast<std::size_t>(slot)];
-    if (first == end) continue;
-    trIntList& list = block_.node(node_of(slot)).elements;
-    for (std::uint32_t at = end; at-- > first;) list.insert_front(values_[at]);
+    const Cursor& cursor = cursors_[static_cast<std::size_t>(slot)];
+    if (cursor.place == end) continue;
+    trIntList& list = block_.node(cursor.node).elements;
+    for (std::uint32_t at = end; at-- > cursor.place;) list.insert_front(values_[at]);
   }
 }

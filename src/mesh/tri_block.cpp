@@ -82,6 +82,7 @@ int trTriBlock::valid_elements() const {
 }
 
 void trTriBlock::set_node_data_size(int n) {
+  normals_built = 0;  // attributes may hold the normals
   if (n != 0) {
     check_out(node_data_feature_);
     node_data_ = node_data_feature_.data();

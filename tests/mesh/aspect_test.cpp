@@ -6,7 +6,6 @@
 
 #include "mesh/aspect_utils.h"
 #include "oracles/shape_literal.h"
-#include "support/random.h"
 
 namespace {
 
@@ -76,20 +75,6 @@ TEST(CheckDela, ChoosesByTheWorseTriangle) {
     EXPECT_EQ(trAspectUtils::check_dela(c.p0, c.p1, c.p2, c.p3), c.expected) << c.name;
     EXPECT_EQ(check_dela_literal(c.p0, c.p1, c.p2, c.p3), c.expected) << c.name;
   }
-}
-
-TEST(CheckDela, MatchesTheRuleWordByWord) {
-  Random random(71);
-  int better = 0;
-  const int rounds = 20000;
-  for (int round = 0; round < rounds; ++round) {
-    giPoint3 p[4];
-    for (giPoint3& q : p) q = giPoint3(random.below(4), random.below(4), random.one_in(4) ? random.unit() : 0.0);
-    const int expected = check_dela_literal(p[0], p[1], p[2], p[3]);
-    ASSERT_EQ(trAspectUtils::check_dela(p[0], p[1], p[2], p[3]), expected) << "round " << round;
-    better += expected;
-  }
-  EXPECT_GT(better, rounds / 20);
 }
 
 }  // namespace

@@ -42,4 +42,14 @@ TEST(EdgeSet, EdgesMeetOnlyWhenTheirTrianglesHashAlike) {
   EXPECT_EQ(copy.running_hash(), 0);
 }
 
+// The edges (2k, 2k + 1) without elements all have the hash 1; their ends still keep them apart, or this would take minutes.
+TEST(EdgeSet, EdgesOfOneHashSpreadByTheirEnds) {
+  trEdgeConnectioncoSet set;
+  constexpr int edges = 20000;
+  for (int k = 1; k <= edges; ++k) set.add(edge(2 * k, 2 * k + 1));
+  EXPECT_EQ(set.count(), edges);
+  EXPECT_EQ(set.find(edge(2 * edges + 1, 2 * edges)).start_node(), 2 * edges);
+  EXPECT_EQ(edge(7, 2).co_spread(), edge(2, 7).co_spread());
+}
+
 }  // namespace

@@ -164,6 +164,9 @@ TEST(NodeNormals, TakeAttributesAsTheyAre) {
   block.compute_node_normals();
   EXPECT_EQ(block.node_normal(1), giVector3(5, 0, 0));
   EXPECT_EQ(block.node_normal(2), giVector3(0, 0, 1));
+  block.set_node_data_size(0);
+  block.compute_node_normals();
+  EXPECT_EQ(block.node_normal(1), giVector3(0, 0, 1));
   BlockOf two_values(flat_sheet(1, 1));
   two_values.set_node_data_size(2);
   two_values.node_data(1).values[0] = 5;
