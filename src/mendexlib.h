@@ -67,6 +67,7 @@
 #include "platform/surface/zrk_curve.h"
 #include "platform/surface/zrk_surf.h"
 #include "platform/utilities/export.h"
+#include "platform/utilities/prefetch.h"
 #include "platform/utilities/ut_compare.h"
 #include "platform/utilities/ut_copy.h"
 #include "platform/utilities/ut_numeric_cast.h"

@@ -8,6 +8,7 @@
 #include "mesh/hub_edges.h"
 #include "mesh/tri_block.h"
 #include "platform/containers/flat_array.h"
+#include "platform/utilities/prefetch.h"
 #include "progress/output.h"
 #include "progress/progress.h"
 
@@ -72,7 +73,7 @@ class HalfEdgeTable {
 
   void prefetch(const trElement& far, const trElement& near) const {
     for (int k = 0; k < 3; ++k) {
-      if (is_number(far[k])) __builtin_prefetch(&lists_[at(far[k])], 1);
+      if (is_number(far[k])) co_prefetch_for_writing(&lists_[at(far[k])]);
       if (is_number(near[k])) coCellPool::prefetch(lists_[at(near[k])].head());
     }
   }

@@ -6,6 +6,7 @@
 
 #include "mesh/int_list.h"
 #include "platform/containers/flat_array.h"
+#include "platform/utilities/prefetch.h"
 
 class trTriBlock;
 
@@ -44,10 +45,10 @@ class ElementListBatch {
   }
 
   // Fetch ahead what `announce` and `insert` need: the slot's counter, or first its cursor and a little later its place in the table.
-  void prefetch_counter(int slot) const { __builtin_prefetch(&counts_[static_cast<std::size_t>(slot)], 1); }
-  void prefetch_cursor(int slot) const { __builtin_prefetch(&cursors_[static_cast<std::size_t>(slot)], 1); }
+  void prefetch_counter(int slot) const { co_prefetch_for_writing(&counts_[static_cast<std::size_t>(slot)]); }
+  void prefetch_cursor(int slot) const { co_prefetch_for_writing(&cursors_[static_cast<std::size_t>(slot)]); }
   void prefetch_place(int slot) const {
-    if (values_.size() != 0) __builtin_prefetch(&values_[cursors_[static_cast<std::size_t>(slot)].place - 1], 1);
+    if (values_.size() != 0) co_prefetch_for_writing(&values_[cursors_[static_cast<std::size_t>(slot)].place - 1]);
   }
 
   /// Makes the lists of what was inserted.

@@ -14,6 +14,7 @@
 #include "platform/geometry/xform3.h"
 #include "platform/surface/zrk_surf.h"
 #include "platform/utilities/export.h"
+#include "platform/utilities/prefetch.h"
 
 class ElementListBatch;
 class HubEdges;
@@ -72,7 +73,7 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
     if (e >= element_count()) return;
     const trElement& t = element(e);
     for (int k = 0; k < 3; ++k) {
-      if (has_node(t[k])) __builtin_prefetch(&points_->at(t[k]));
+      if (has_node(t[k])) co_prefetch_for_reading(&points_->at(t[k]));
     }
   }
 

@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "platform/utilities/export.h"
+#include "platform/utilities/prefetch.h"
 
 /// The one pool behind every list of numbers: 8-byte cells, addressed by a 32-bit link.
 ///
@@ -56,7 +57,7 @@ class MENDEX_EXPORT coCellPool {
 
   /// Asks the processor to fetch what `link` names.
   static void prefetch(Link link) {
-    if (link != 0 && !is_inline(link)) __builtin_prefetch(&cell(link), 1);
+    if (link != 0 && !is_inline(link)) co_prefetch_for_writing(&cell(link));
   }
 
  private:

@@ -6,7 +6,7 @@
 
 /// The source of memory for the pages of paged arrays.
 ///
-/// Pages of small arrays come from the general heap. Pages of large arrays (at least 16 KiB each, beyond the first 16 of an
+/// Pages of small arrays come from the general heap. Pages of large arrays (at least 16 KiB each, beyond the first 4 MiB of an
 /// array) are cut from 2 MiB slabs aligned to 2 MiB, which the system can back with one large page: a first touch then costs one
 /// fault for 2 MiB instead of 512. A slab holds pages of one size and goes back to the system when its last page is released.
 /// Not guarded: the library is driven from one thread.

@@ -1,4 +1,5 @@
 #include "platform/spatial/point_index.h"
+#include "platform/utilities/prefetch.h"
 
 #include <algorithm>
 #include <cmath>
@@ -86,7 +87,7 @@ void PointIndex::prefetch_record(Probe probe) const {
   const std::size_t mask = size() - 1;
   for (std::size_t k = probe.home >> shift_; slots_[k].position != 0; k = (k + 1) & mask) {
     if (slots_[k].tag != probe.home) continue;
-    __builtin_prefetch(&records_.at(static_cast<int>(slots_[k].position - 1)));
+    co_prefetch_for_reading(&records_.at(static_cast<int>(slots_[k].position - 1)));
     return;
   }
 }

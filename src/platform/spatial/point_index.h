@@ -7,6 +7,7 @@
 #include "platform/containers/page_arr.h"
 #include "platform/geometry/point3.h"
 #include "platform/spatial/tree_order.h"
+#include "platform/utilities/prefetch.h"
 
 /// Growing set of points in which no two lie within a tolerance of each other, for merging points one after the other.
 ///
@@ -62,7 +63,7 @@ class PointIndex {
   /// For many points in a row: let `probe` and `prefetch` run some 32 points ahead and `prefetch_record` some 16, so that the waits
   /// for memory overlap. A probe stays good while other points are added.
   Probe probe(const giPoint3& p) const;
-  void prefetch(Probe probe) const { __builtin_prefetch(&slots_[probe.home >> shift_]); }
+  void prefetch(Probe probe) const { co_prefetch_for_reading(&slots_[probe.home >> shift_]); }
   void prefetch_record(Probe probe) const;
 
   /// The same as `find_or_add`, but names the position of the point found.
