@@ -4,10 +4,12 @@
 
 #include "mesh/int_list.h"
 
-/// Index over the few edge lists that grow long (a node with hundreds of unpaired half-edges), so that pairing stays O(1) there.
+/// Index over the few edge lists that grow long (a node with hundreds of unpaired half-edges), so that pairing stays
+/// O(1) there.
 ///
-/// A list's order is never touched: the index only knows, for each value, its entry nearest the front, and each entry's predecessor.
-/// An index is stale, and is rebuilt on its next use, when its list was changed by anything but this class.
+/// A list's order is never touched: the index only knows, for each value, its entry nearest the front, and each entry's
+/// predecessor. An index is stale, and is rebuilt on its next use, when its list was changed by anything but this
+/// class.
 class HubEdges {
  public:
   using Link = coCellPool::Link;
@@ -28,7 +30,8 @@ class HubEdges {
   void forget(int node) {
     if (!hubs_.empty()) hubs_.erase(node);
   }
-  /// Runs an edit that changes no indexed list, so that the indexes stay as good as they are whatever it removes elsewhere.
+  /// Runs an edit that changes no indexed list, so that the indexes stay as good as they are whatever it removes
+  /// elsewhere.
   template <class F>
   void disregard(F edit) {
     const std::int64_t before = intcoSListB::edits();

@@ -59,8 +59,8 @@ int trTriBlock::close_element_gaps(const intcoPageArr& map) {
   return last;
 }
 
-// An element that reads the right colour already is not written: writing beyond the colours that are set would take the default
-// colour from the elements before it.
+// An element that reads the right colour already is not written: writing beyond the colours that are set would take the
+// default colour from the elements before it.
 void trTriBlock::copy_colour(int to, int from) {
   if (get_element_colour(to) != get_element_colour(from)) colours_->set_colour(to, get_element_colour(from));
 }

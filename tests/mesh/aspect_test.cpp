@@ -48,14 +48,16 @@ TEST(TriangleHeight, BreaksTiesByEdgeNumber) {
 }
 
 TEST(TriangleAspect, IsKeptSquaredAndHasNoValueForAPoint) {
-  const giLength equilateral = trAspectUtils::triangle_aspect(giPoint3(0, 0, 0), giPoint3(1, 0, 0), giPoint3(0.5, root3 / 2, 0));
+  const giLength equilateral =
+      trAspectUtils::triangle_aspect(giPoint3(0, 0, 0), giPoint3(1, 0, 0), giPoint3(0.5, root3 / 2, 0));
   EXPECT_NEAR(equilateral.value(), root3 / 2, 1e-12);
   EXPECT_NEAR(equilateral.squared(), 0.75, 1e-12);
   const giPoint3 p(4, 5, 6);
   int side = 0;
   EXPECT_FALSE(trAspectUtils::triangle_aspect(p, p, p, side).is_set());
   EXPECT_EQ(trAspectUtils::triangle_aspect(p, p, p).value(), DBL_MAX);
-  EXPECT_EQ(trAspectUtils::triangle_aspect(giPoint3(0, 0, 0), giPoint3(1, 1, 1), giPoint3(3, 3, 3)).value() < 1e-7, true);
+  EXPECT_EQ(trAspectUtils::triangle_aspect(giPoint3(0, 0, 0), giPoint3(1, 1, 1), giPoint3(3, 3, 3)).value() < 1e-7,
+            true);
 }
 
 TEST(CheckDela, ChoosesByTheWorseTriangle) {

@@ -119,7 +119,8 @@ TEST(AppendFacet, EqualsItsParts) {
       for (std::size_t k = 0; k < soup.points.size(); k += 3) {
         const int n = block.node_count();
         block.append_facet(&soup.points[k]);
-        for (int corner = 0; corner < 3; ++corner) literal.set_node(n + corner, soup.points[k + static_cast<std::size_t>(corner)]);
+        for (int corner = 0; corner < 3; ++corner)
+          literal.set_node(n + corner, soup.points[k + static_cast<std::size_t>(corner)]);
         literal.set_element(literal.element_count, n, n + 1, n + 2);
       }
       EXPECT_EQ(difference(block, literal), "");
@@ -129,7 +130,8 @@ TEST(AppendFacet, EqualsItsParts) {
   }
 }
 
-// Lists of a deleted node that elements still name can fill again; a node that takes its number after a renumbering starts empty.
+// Lists of a deleted node that elements still name can fill again; a node that takes its number after a renumbering
+// starts empty.
 TEST(AppendFacet, StartsWithEmptyLists) {
   BlockOf block(flat_sheet(1, 1));
   block.delete_node(4);
@@ -144,7 +146,8 @@ TEST(AppendFacet, StartsWithEmptyLists) {
   const int n = block.node_count();
   const giPoint3 corners[3] = {giPoint3(0, 0, 0), giPoint3(1, 0, 0), giPoint3(0, 1, 0)};
   block.append_facet(corners);
-  for (int k = 0; k < 3; ++k) EXPECT_EQ(entries(block.node(n + k).elements), std::vector<int>{block.element_count() - 1});
+  for (int k = 0; k < 3; ++k)
+    EXPECT_EQ(entries(block.node(n + k).elements), std::vector<int>{block.element_count() - 1});
 }
 
 // The largest doubles mark unset and invalid points, in boxes and in the journal: a coordinate never is one.
@@ -165,7 +168,8 @@ TEST(Sentinels, AreMovedByOneUnitInTheLastPlace) {
   EXPECT_TRUE(std::isnan(block.point(1).z));
 }
 
-// Only these edits announce a change to the host; the rest of the primitives leave the flag as it is, and so does cancelling.
+// Only these edits announce a change to the host; the rest of the primitives leave the flag as it is, and so does
+// cancelling.
 TEST(Changed, IsSetByThoseEditsThatSaySo) {
   intcoPageArr one;
   one[0] = 1;

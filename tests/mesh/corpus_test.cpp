@@ -1,5 +1,5 @@
-// Real models with known truths, where a folder of them is given: each is read, measured and merged, and compared with what an
-// independent program found.
+// Real models with known truths, where a folder of them is given: each is read, measured and merged, and compared with
+// what an independent program found.
 
 #include <gtest/gtest.h>
 
@@ -33,7 +33,8 @@ std::vector<Facet> binary_facets(const std::string& bytes) {
     float numbers[12];
     std::memcpy(numbers, bytes.data() + at, sizeof numbers);
     Facet facet;
-    for (int k = 0; k < 3; ++k) facet[static_cast<std::size_t>(k)] = giPoint3(numbers[3 + 3 * k], numbers[4 + 3 * k], numbers[5 + 3 * k]);
+    for (int k = 0; k < 3; ++k)
+      facet[static_cast<std::size_t>(k)] = giPoint3(numbers[3 + 3 * k], numbers[4 + 3 * k], numbers[5 + 3 * k]);
     facets.push_back(facet);
   }
   return facets;
@@ -47,10 +48,12 @@ std::vector<Facet> ascii_facets(const std::string& bytes) {
     if (word != "vertex") continue;
     std::string x, y, z;
     words >> x >> y >> z;
-    corners.emplace_back(std::strtod(x.c_str(), nullptr), std::strtod(y.c_str(), nullptr), std::strtod(z.c_str(), nullptr));
+    corners.emplace_back(std::strtod(x.c_str(), nullptr), std::strtod(y.c_str(), nullptr),
+                         std::strtod(z.c_str(), nullptr));
   }
   std::vector<Facet> facets;
-  for (std::size_t k = 0; k + 2 < corners.size(); k += 3) facets.push_back({corners[k], corners[k + 1], corners[k + 2]});
+  for (std::size_t k = 0; k + 2 < corners.size(); k += 3)
+    facets.push_back({corners[k], corners[k + 1], corners[k + 2]});
   return facets;
 }
 
@@ -75,7 +78,8 @@ Flux flux_of_z(const std::vector<Facet>& facets) {
 
 class Model {
  public:
-  Model(const std::string& path, const Json& truth) : path_(path), truth_(truth), ascii_(truth.at("format") == "ascii") {
+  Model(const std::string& path, const Json& truth)
+      : path_(path), truth_(truth), ascii_(truth.at("format") == "ascii") {
     std::ostringstream text;
     tr_set_output(&text);
     std::FILE* stream = std::fopen(path.c_str(), "rb");
@@ -108,9 +112,12 @@ class Model {
   }
 
  private:
-  bool is_cut() const { return truth_.contains("facets_declared") && truth_.at("facets_declared") != truth_.at("facets"); }
+  bool is_cut() const {
+    return truth_.contains("facets_declared") && truth_.at("facets_declared") != truth_.at("facets");
+  }
 
-  // A facet that the file cuts short leaves its complete corners as nodes of no element; the truth knows whole facets only.
+  // A facet that the file cuts short leaves its complete corners as nodes of no element; the truth knows whole facets
+  // only.
   void drop_loose_corners(int facets) {
     EXPECT_EQ(block_.valid_nodes() > 3 * facets, is_cut());
     for (int i = 3 * facets + 1; i < block_.node_count(); ++i) block_.delete_node(i);
@@ -150,13 +157,14 @@ class Model {
   trTriBlock block_;
 };
 
-// Its solid is named "facet of a name": the first word of the name is taken for the keyword, and the next "facet" then stands where
-// a "vertex" is due. Nothing is read.
+// Its solid is named "facet of a name": the first word of the name is taken for the keyword, and the next "facet" then
+// stands where a "vertex" is due. Nothing is read.
 void check_solid_named_facet(const Model& model) {
   EXPECT_EQ(model.result(), 0);
   EXPECT_EQ(model.block().element_count(), 1);
   EXPECT_EQ(model.block().node_count(), 1);
-  EXPECT_NE(model.text().find("*** Error: expected 'vertex' but found 'facet' ***\n"), std::string::npos) << model.text();
+  EXPECT_NE(model.text().find("*** Error: expected 'vertex' but found 'facet' ***\n"), std::string::npos)
+      << model.text();
   EXPECT_NE(model.text().find("*** Error: problem reading facet 1 ***\n"), std::string::npos) << model.text();
 }
 

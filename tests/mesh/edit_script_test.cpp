@@ -1,5 +1,5 @@
-// Random scripts of edits, each step checked three ways: the invariants of the block, the literal mesh entry by entry (list orders
-// and reports to the journal included), and whether the journal could take the script back.
+// Random scripts of edits, each step checked three ways: the invariants of the block, the literal mesh entry by entry
+// (list orders and reports to the journal included), and whether the journal could take the script back.
 
 #include <gtest/gtest.h>
 
@@ -229,12 +229,24 @@ class Script {
 };
 
 const Script::NamedEdit Script::edits[18] = {
-    {"generate", &Script::generate_somewhere}, {"twin", &Script::repeat_or_cancel_one}, {"generate3", &Script::flip_or_generate},
-    {"generate4", &Script::generate_quad},     {"delete", &Script::delete_one},         {"reverse one", &Script::reverse_one},
-    {"split", &Script::split_one},             {"set_element", &Script::rewrite_element}, {"set_node", &Script::place_node},
-    {"delete_node", &Script::delete_unused_node}, {"repeating", &Script::remove_repeating}, {"cancelling(0)", &Script::cancel_one_of_two},
-    {"cancelling(1)", &Script::cancel_both},   {"merge", &Script::merge},               {"renumber", &Script::close_gaps},
-    {"transform", &Script::move_all},          {"collapsed", &Script::drop_collapsed},  {"reverse", &Script::reverse_all},
+    {"generate", &Script::generate_somewhere},
+    {"twin", &Script::repeat_or_cancel_one},
+    {"generate3", &Script::flip_or_generate},
+    {"generate4", &Script::generate_quad},
+    {"delete", &Script::delete_one},
+    {"reverse one", &Script::reverse_one},
+    {"split", &Script::split_one},
+    {"set_element", &Script::rewrite_element},
+    {"set_node", &Script::place_node},
+    {"delete_node", &Script::delete_unused_node},
+    {"repeating", &Script::remove_repeating},
+    {"cancelling(0)", &Script::cancel_one_of_two},
+    {"cancelling(1)", &Script::cancel_both},
+    {"merge", &Script::merge},
+    {"renumber", &Script::close_gaps},
+    {"transform", &Script::move_all},
+    {"collapsed", &Script::drop_collapsed},
+    {"reverse", &Script::reverse_all},
 };
 
 class EditScript : public testing::TestWithParam<Setting> {};
@@ -258,9 +270,12 @@ TEST_P(EditScript, KeepsEveryListAndReportsEveryChange) {
       const char* edit = script.step();
       if (edit == nullptr) continue;
       ++done[edit];
-      ASSERT_EQ(difference(script.block, script.literal), "") << "after " << edit << ", step " << k << " of script " << seed;
-      ASSERT_TRUE(is_sound(script.block, script.excuses)) << "after " << edit << ", step " << k << " of script " << seed;
-      ASSERT_EQ(journal.reports(), script.literal.reports) << "after " << edit << ", step " << k << " of script " << seed;
+      ASSERT_EQ(difference(script.block, script.literal), "")
+          << "after " << edit << ", step " << k << " of script " << seed;
+      ASSERT_TRUE(is_sound(script.block, script.excuses))
+          << "after " << edit << ", step " << k << " of script " << seed;
+      ASSERT_EQ(journal.reports(), script.literal.reports)
+          << "after " << edit << ", step " << k << " of script " << seed;
     }
     ASSERT_TRUE(journal.restores_the_start()) << "script " << seed;
   }

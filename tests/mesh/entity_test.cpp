@@ -172,7 +172,9 @@ TEST(Colours, PackRedInTheTopByte) {
   const struct {
     giColour colour;
     std::uint32_t bits;
-  } cases[] = {{giColour(1, 2, 3, 4), 0x01020304u}, {giColour(255, 0, 0, 0), 0xff000000u}, {giColour(255, 255, 255, 255), 0xffffffffu}};
+  } cases[] = {{giColour(1, 2, 3, 4), 0x01020304u},
+               {giColour(255, 0, 0, 0), 0xff000000u},
+               {giColour(255, 255, 255, 255), 0xffffffffu}};
   for (const auto& c : cases) {
     EXPECT_EQ(static_cast<std::uint32_t>(tr_encode_colour(c.colour)), c.bits);
     EXPECT_TRUE(tr_decode_colour(static_cast<int>(c.bits)) == c.colour);

@@ -32,11 +32,13 @@ TEST(Hub, BuildsEdgesAndDeletesHalfItsTriangles) {
   const Deadline deadline;
   block.build_edges();
   EXPECT_EQ(listed_free_edges(block).size(), std::size_t{many});
-  // Every second triangle in random order: all its edges become free, so that the apex ends with half-edges to every rim node.
+  // Every second triangle in random order: all its edges become free, so that the apex ends with half-edges to every
+  // rim node.
   Random random(4);
   std::vector<int> order;
   for (int e = 1; e <= many; ++e) order.push_back(e);
-  for (std::size_t k = order.size(); k > 1; --k) std::swap(order[k - 1], order[static_cast<std::size_t>(random.below(static_cast<int>(k)))]);
+  for (std::size_t k = order.size(); k > 1; --k)
+    std::swap(order[k - 1], order[static_cast<std::size_t>(random.below(static_cast<int>(k)))]);
   order.resize(many / 2);
   for (int e : order) block.delete_element(e);
   EXPECT_EQ(listed_free_edges(block), expected_free_edges(block));
@@ -45,7 +47,8 @@ TEST(Hub, BuildsEdgesAndDeletesHalfItsTriangles) {
   EXPECT_TRUE(is_sound(block));
 }
 
-// Deleting nodes between the elements empties lists elsewhere, which must not make the hub's order be looked up anew each time.
+// Deleting nodes between the elements empties lists elsewhere, which must not make the hub's order be looked up anew
+// each time.
 TEST(Hub, DeletesItsTrianglesAndTheirNodesInTurn) {
   Shape loose_fan;
   loose_fan.points.emplace_back(0, 0, 1);
@@ -132,7 +135,8 @@ TEST(Hub, SeesWhatAHostDoesToItsList) {
   EXPECT_EQ(entries(block.node(1).a_edges), expected);
 }
 
-// Around the length at which lists are no longer walked: the order of free edges and of elements, and every answer, stay the same.
+// Around the length at which lists are no longer walked: the order of free edges and of elements, and every answer,
+// stay the same.
 TEST(Hub, KeepsTheOrderOfItsLists) {
   Random random(81);
   for (int round = 0; round < 12; ++round) {
@@ -148,7 +152,8 @@ TEST(Hub, KeepsTheOrderOfItsLists) {
     }
     both([](auto& mesh) { mesh.build_edges(); });
     for (int k = 0; k < 900; ++k) {
-      const int hub = random.between(1, 2), a = random.between(3, 160), b = random.one_in(30) ? 3 - hub : random.between(3, 160);
+      const int hub = random.between(1, 2), a = random.between(3, 160),
+                b = random.one_in(30) ? 3 - hub : random.between(3, 160);
       const int e = random.between(1, block.element_count());
       const bool live = e < block.element_count() && block.element(e).valid();
       const int what = live ? random.below(6) : 0;

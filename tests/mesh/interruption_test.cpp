@@ -1,4 +1,5 @@
-// A stop at every single poll of every operation: what is returned, which flags stay unset, and that the journal can take it back.
+// A stop at every single poll of every operation: what is returned, which flags stay unset, and that the journal can
+// take it back.
 
 #include <gtest/gtest.h>
 
@@ -34,7 +35,8 @@ std::function<int(trTriBlock&)> without_result(F run) {
   };
 }
 
-// Six loose triangles, two of them copies, one opposite, with gaps in both numberings and a triangle that will collapse.
+// Six loose triangles, two of them copies, one opposite, with gaps in both numberings and a triangle that will
+// collapse.
 void fill(trTriBlock& block) {
   add_to(block, exploded(flat_sheet(2, 2)));
   block.generate(1, 2, 3);
@@ -69,17 +71,20 @@ const std::vector<Operation>& operations() {
        [](const trTriBlock& b) { return b.normals_built == 0; }, none, nodes()},
       {"unduplicate_nodes", [](trTriBlock& b) { return b.unduplicate_nodes(1e-6); }, 0,
        [](const trTriBlock& b) { return b.undup_tol == 0.0; }, dangling, nodes() + 2 * elements()},
-      {"repeating", [](trTriBlock& b) { return b.repeating(); }, 0, [](const trTriBlock& b) { return b.changed == 0; }, none, elements()},
+      {"repeating", [](trTriBlock& b) { return b.repeating(); }, 0, [](const trTriBlock& b) { return b.changed == 0; },
+       none, elements()},
       {"cancelling both", [](trTriBlock& b) { return b.cancelling(1); }, 0, anything, none, elements()},
       {"renumber", without_result([](trTriBlock& b) { b.renumber(); }), no_result,
-       [](const trTriBlock& b) { return b.node_count() == nodes() + 1 && b.element_count() == elements() + 1 && b.changed == 0; },
+       [](const trTriBlock& b) {
+         return b.node_count() == nodes() + 1 && b.element_count() == elements() + 1 && b.changed == 0;
+       },
        dangling, 2 * nodes() + elements()},
       {"delete_elements", without_result([](trTriBlock& b) { b.delete_elements(some_elements()); }), no_result,
        [](const trTriBlock& b) { return b.changed == 1; }, none, 4},
       {"split_elements", without_result([](trTriBlock& b) { b.split_elements(some_elements()); }), no_result,
        [](const trTriBlock& b) { return b.changed == 1; }, none, 4},
-      {"delete_collapsed_elements", without_result([](trTriBlock& b) { b.delete_collapsed_elements(); }), no_result, anything, none,
-       elements()},
+      {"delete_collapsed_elements", without_result([](trTriBlock& b) { b.delete_collapsed_elements(); }), no_result,
+       anything, none, elements()},
       {"reverse", without_result([](trTriBlock& b) { b.reverse(); }), no_result, anything, none, elements()},
       {"transform", without_result([](trTriBlock& b) {
          b.force_changed_status(1);
@@ -103,7 +108,8 @@ int polls_of(const Operation& operation) {
   return handler.polls;
 }
 
-// An interrupted renumbering has renamed corners and not yet moved all nodes, with lists that nobody cleared: only the journal knows.
+// An interrupted renumbering has renamed corners and not yet moved all nodes, with lists that nobody cleared: only the
+// journal knows.
 bool lists_are_lost(const Operation& operation) { return std::string(operation.name) == "renumber"; }
 
 TEST(Interruption, AtEveryPollLeavesWhatIsPromised) {
@@ -122,7 +128,8 @@ TEST(Interruption, AtEveryPollLeavesWhatIsPromised) {
       }
       EXPECT_EQ(result, operation.interrupted_result) << operation.name << " at poll " << k;
       EXPECT_TRUE(operation.promised(block)) << operation.name << " at poll " << k;
-      EXPECT_TRUE(lists_are_lost(operation) || is_sound(block, operation.excuses)) << operation.name << " at poll " << k;
+      EXPECT_TRUE(lists_are_lost(operation) || is_sound(block, operation.excuses))
+          << operation.name << " at poll " << k;
       EXPECT_TRUE(journal.restores_the_start()) << operation.name << " at poll " << k;
     }
   }
@@ -181,19 +188,27 @@ TEST(Interruption, OfAMeasureReturnsTheSumSoFar) {
 TEST(Progress, TextsAreTranslatedAndExact) {
   const Shape soup = exploded(sphere(17));  // 1088 triangles, 3264 nodes
   const std::vector<std::string> of_triangles = {"<Processing 1089 triangles:   1000"};
-  const std::vector<std::string> of_all_triangles = {"<Processing 1089 triangles:     0", "<Processing 1089 triangles:   1000"};
+  const std::vector<std::string> of_all_triangles = {"<Processing 1089 triangles:     0",
+                                                     "<Processing 1089 triangles:   1000"};
   const struct {
     const char* name;
     std::function<void(trTriBlock&)> run;
     std::vector<std::string> messages;
     double last_percent;
   } cases[] = {
-      {"reverse", [](trTriBlock& b) { b.reverse(); }, {"<Reversing 1089 triangles:   0", "<Reversing 1089 triangles:   1000"}, 100000.0 / 1089},
-      {"merge", [](trTriBlock& b) { b.unduplicate_nodes(1e-9); },
-       {"<Unduplicating 3265 nodes:   1000", "<Unduplicating 3265 nodes:   2000", "<Unduplicating 3265 nodes:   3000"}, 300000.0 / 3265},
+      {"reverse",
+       [](trTriBlock& b) { b.reverse(); },
+       {"<Reversing 1089 triangles:   0", "<Reversing 1089 triangles:   1000"},
+       100000.0 / 1089},
+      {"merge",
+       [](trTriBlock& b) { b.unduplicate_nodes(1e-9); },
+       {"<Unduplicating 3265 nodes:   1000", "<Unduplicating 3265 nodes:   2000", "<Unduplicating 3265 nodes:   3000"},
+       300000.0 / 3265},
       {"repeating", [](trTriBlock& b) { b.repeating(); }, of_all_triangles, 100000.0 / 1089},
-      {"renumber", [](trTriBlock& b) { b.renumber(); },
-       {"<3265 nodes:   1000", "<3265 nodes:   2000", "<3265 nodes:   3000", of_triangles[0]}, 100000.0 / 1089},
+      {"renumber",
+       [](trTriBlock& b) { b.renumber(); },
+       {"<3265 nodes:   1000", "<3265 nodes:   2000", "<3265 nodes:   3000", of_triangles[0]},
+       100000.0 / 1089},
       {"surface_area", [](trTriBlock& b) { b.surface_area(); }, of_triangles, 100000.0 / 1089},
       {"volume", [](trTriBlock& b) { b.volume(); }, of_triangles, 100000.0 / 1089},
       {"properties",

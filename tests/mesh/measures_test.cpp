@@ -22,10 +22,13 @@ Properties properties_of(const trTriBlock& block) {
   return p;
 }
 
-void expect_near(const giPoint3& p, const giPoint3& q, double tol) { EXPECT_LE(p.distance(q), tol) << p.x << ' ' << p.y << ' ' << p.z; }
+void expect_near(const giPoint3& p, const giPoint3& q, double tol) {
+  EXPECT_LE(p.distance(q), tol) << p.x << ' ' << p.y << ' ' << p.z;
+}
 
 giXform3 rigid_motion() {
-  return giXform3::rotation(giVector3(1, 2, 3), giVector3(-2, 1, 5)).then(giXform3::translation(giVector3(10, -20, 30)));
+  return giXform3::rotation(giVector3(1, 2, 3), giVector3(-2, 1, 5))
+      .then(giXform3::translation(giVector3(10, -20, 30)));
 }
 
 TEST(Triangle, MeasuresOfTheUnitRightTriangle) {
@@ -90,7 +93,8 @@ TEST(Measures, MatchTheFormulasInHigherPrecision) {
     BlockOf block(clustered_soup(random, 40, 0.3));
     for (int e = 1; e <= 40; e += 5) block.delete_element(e);
     if (round % 2) {
-      block.set_workplane(ccWorkplane(giWorkplane3(giPoint3(1, 2, 3), giUnitVec3(giVector3(1, 1, 0)), giUnitVec3(giVector3(0, 0, 1)))));
+      block.set_workplane(
+          ccWorkplane(giWorkplane3(giPoint3(1, 2, 3), giUnitVec3(giVector3(1, 1, 0)), giUnitVec3(giVector3(0, 0, 1)))));
       block.enable_workplane(1);
     }
     const MassLiteral expected = mass_literal(block);
@@ -99,7 +103,8 @@ TEST(Measures, MatchTheFormulasInHigherPrecision) {
     EXPECT_NEAR(p.volume, expected.volume, 1e-9);
     EXPECT_NEAR(p.min_aspect, expected.min_aspect, 1e-10);
     EXPECT_NEAR(p.mean_aspect, expected.mean_aspect, 1e-10);
-    for (int k = 0; k < 3; ++k) EXPECT_NEAR(p.centre[k], expected.centre[k], 1e-7 * (1 + std::fabs(expected.centre[k])));
+    for (int k = 0; k < 3; ++k)
+      EXPECT_NEAR(p.centre[k], expected.centre[k], 1e-7 * (1 + std::fabs(expected.centre[k])));
     // Area and volume by themselves are in world coordinates.
     EXPECT_NEAR(block.volume(), flux_of_z_literal(block), 1e-9);
     EXPECT_NEAR(block.surface_area(), expected.area, 1e-10);
@@ -135,7 +140,8 @@ TEST(Measures, MeanSpacingOfAChain) {
 TEST(NodeNormals, AreTheMeanOfTheUnitNormalsAround) {
   BlockOf block(closed_box());
   block.compute_node_normals();
-  // Corner 8 = (1, 1, 1): two triangles on one side, one or two on the others; the mean must point outward in every coordinate.
+  // Corner 8 = (1, 1, 1): two triangles on one side, one or two on the others; the mean must point outward in every
+  // coordinate.
   const giVector3 n = block.node_normal(8);
   EXPECT_NEAR(n.length(), 1, 1e-12);
   for (int k = 0; k < 3; ++k) EXPECT_GT(n[k], 0.3);
@@ -191,7 +197,8 @@ TEST(NodeNormals, AreMadeAnewAfterEveryKindOfEdit) {
          const giPoint3 corners[3] = {{0, 0, 0}, {0, 1, 0}, {0, 0, 1}};
          b.append_facet(corners);
        }},
-      {"clear", [](trTriBlock& b) {
+      {"clear",
+       [](trTriBlock& b) {
          b.clear();
          add_to(b, closed_box());
        }},

@@ -39,7 +39,8 @@ TEST(Merging, OfTwoTrianglesThatShareAnEdge) {
 TEST(Merging, DeletesWhatCollapses) {
   trTriBlock block;
   const double d = 1e-3;
-  for (const giPoint3& p : {giPoint3(0, 0, 0), giPoint3(d, 0, 0), giPoint3(0, d, 0), giPoint3(1, 0, 0), giPoint3(1, d, 0)}) {
+  for (const giPoint3& p :
+       {giPoint3(0, 0, 0), giPoint3(d, 0, 0), giPoint3(0, d, 0), giPoint3(1, 0, 0), giPoint3(1, d, 0)}) {
     block.set_node(block.node_count(), p);
   }
   block.generate(1, 2, 3);
@@ -126,8 +127,8 @@ TEST(Merging, AveragesAttributesByWeight) {
   EXPECT_TRUE(journal.restores_the_start());
 }
 
-// Coordinates in a few clusters, on a grid whose steps are exact multiples of the tolerance, with and without noise, signed zeros,
-// infinities and what is not a number.
+// Coordinates in a few clusters, on a grid whose steps are exact multiples of the tolerance, with and without noise,
+// signed zeros, infinities and what is not a number.
 giPoint3 awkward_point(Random& random, double step, bool hostile) {
   giPoint3 p;
   for (int k = 0; k < 3; ++k) {
@@ -192,18 +193,19 @@ TEST_P(RandomMerges, MatchThePairwiseRule) {
   EXPECT_GT(apart, 1000);
 }
 
-INSTANTIATE_TEST_SUITE_P(Settings, RandomMerges,
-                         testing::Values(MergeSetting{"OneStep", 0.25, 0.25, false}, MergeSetting{"HalfAStep", 0.5, 0.25, false},
-                                         MergeSetting{"TenthThatIsNotExact", 0.1, 0.1, false},
-                                         MergeSetting{"ExactCopies", 1.0, smallest, false},
-                                         MergeSetting{"SquareUnderflows", 1e-160, 1e-170, true},
-                                         MergeSetting{"FarFromTheOrigin", 1e9, 1e9, false},
-                                         MergeSetting{"Hostile", 0.25, 0.25, true}, MergeSetting{"HostileExact", 1.0, smallest, true},
-                                         MergeSetting{"SquareOverflows", 1.0, 1e200, true},
-                                         MergeSetting{"Infinite", 1.0, HUGE_VAL, true}),
-                         [](const auto& param_info) { return std::string(param_info.param.name); });
+INSTANTIATE_TEST_SUITE_P(
+    Settings, RandomMerges,
+    testing::Values(MergeSetting{"OneStep", 0.25, 0.25, false}, MergeSetting{"HalfAStep", 0.5, 0.25, false},
+                    MergeSetting{"TenthThatIsNotExact", 0.1, 0.1, false},
+                    MergeSetting{"ExactCopies", 1.0, smallest, false},
+                    MergeSetting{"SquareUnderflows", 1e-160, 1e-170, true},
+                    MergeSetting{"FarFromTheOrigin", 1e9, 1e9, false}, MergeSetting{"Hostile", 0.25, 0.25, true},
+                    MergeSetting{"HostileExact", 1.0, smallest, true},
+                    MergeSetting{"SquareOverflows", 1.0, 1e200, true}, MergeSetting{"Infinite", 1.0, HUGE_VAL, true}),
+    [](const auto& param_info) { return std::string(param_info.param.name); });
 
-// Dense clusters whose nodes all lie within reach of each other, then the same nodes in other orders: always few survivors.
+// Dense clusters whose nodes all lie within reach of each other, then the same nodes in other orders: always few
+// survivors.
 TEST(Merging, OfDenseClustersKeepsSurvivorsApart) {
   Random random(41);
   for (int round = 0; round < 5; ++round) {

@@ -205,13 +205,14 @@ TEST(SplitElement, CutsTheLongestEdgeAtTheLengthOfTheShorterSide) {
     block.split_element(1);
     EXPECT_EQ(corners(block, 1), c.first) << c.name;
     EXPECT_EQ(corners(block, 2), c.second) << c.name;
-    EXPECT_LT(block.point(4).distance(c.middle), 1e-12) << c.name << ": " << block.point(4).x << ' ' << block.point(4).y;
+    EXPECT_LT(block.point(4).distance(c.middle), 1e-12)
+        << c.name << ": " << block.point(4).x << ' ' << block.point(4).y;
     EXPECT_TRUE(is_sound(block)) << c.name;
   }
 }
 
-// While edges are built the second element (A, M, C) is linked twice, which leaves the free cycle A-M-C-A that nothing bounds:
-// its shared side A-M opposes the first element's M-A once, and is then left over with M-C and C-A.
+// While edges are built the second element (A, M, C) is linked twice, which leaves the free cycle A-M-C-A that nothing
+// bounds: its shared side A-M opposes the first element's M-A once, and is then left over with M-C and C-A.
 TEST(SplitElement, LeavesAPhantomCycleWhileEdgesAreBuilt) {
   trTriBlock block;
   add_nodes(block, {{0, 0, 0}, {5, 0, 0}, {1.8, 2.4, 0}});
@@ -229,7 +230,8 @@ TEST(SplitElement, LeavesAPhantomCycleWhileEdgesAreBuilt) {
 TEST(SplitElement, MeasuresInTheWorkplaneAndMapsBack) {
   BlockOf plain(closed_box());
   BlockOf turned(closed_box());
-  turned.set_workplane(ccWorkplane(giWorkplane3(giPoint3(3, 2, 1), giUnitVec3(giVector3(0, 0, 1)), giUnitVec3(giVector3(0, 1, 0)))));
+  turned.set_workplane(
+      ccWorkplane(giWorkplane3(giPoint3(3, 2, 1), giUnitVec3(giVector3(0, 0, 1)), giUnitVec3(giVector3(0, 1, 0)))));
   turned.enable_workplane(1);
   for (int e = 1; e <= 12; ++e) {
     plain.split_element(e);

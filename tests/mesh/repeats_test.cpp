@@ -86,8 +86,8 @@ std::array<int, 3> rotation_free(const trElement& t) {
   return c;
 }
 
-// How many elements of either orientation survive depends on how many there were, not on their order: of p and q opposite ones,
-// repeating leaves one each, and cancelling both leaves the difference.
+// How many elements of either orientation survive depends on how many there were, not on their order: of p and q
+// opposite ones, repeating leaves one each, and cancelling both leaves the difference.
 TEST(Repeats, LeaveTheNumbersThatMultiplicitiesDemand) {
   Random random(11);
   int effective = 0;
@@ -110,7 +110,8 @@ TEST(Repeats, LeaveTheNumbersThatMultiplicitiesDemand) {
   EXPECT_GT(effective, 300);
 }
 
-// At a node with more elements than are walked one by one, the answers must stay those of the walk, for every multiplicity.
+// At a node with more elements than are walked one by one, the answers must stay those of the walk, for every
+// multiplicity.
 TEST(Repeats, AtAHubMatchTheWalk) {
   Random random(12);
   for (int round = 0; round < 30; ++round) {

@@ -30,9 +30,7 @@ void LiteralMesh::init_node(int i) {
   node_count = std::max(node_count, i + 1);
 }
 
-void LiteralMesh::invalidate(int i) {
-  at(nodes, i) = Node();
-}
+void LiteralMesh::invalidate(int i) { at(nodes, i) = Node(); }
 
 void LiteralMesh::set_node(int i, const giPoint3& p) {
   reports.push_back(i);
@@ -187,7 +185,8 @@ void LiteralMesh::split_element(int e) {
   }
   double l[3];
   for (int k = 0; k < 3; ++k) {
-    const giVector3 v = at(nodes, c[static_cast<std::size_t>(k + 1) % 3]).p - at(nodes, c[static_cast<std::size_t>(k)]).p;
+    const giVector3 v =
+        at(nodes, c[static_cast<std::size_t>(k + 1) % 3]).p - at(nodes, c[static_cast<std::size_t>(k)]).p;
     l[k] = (use_workplane && !workplane.origin().invalid() ? workplane.to_work(v) : v).length();
   }
   int k = 2;

@@ -6,8 +6,9 @@
 
 #include "mesh/tri_block.h"
 
-/// The mesh and its edits written down rule by rule on plain vectors, with no thought for speed: nodes, elements, both kinds of
-/// lists in their order, attributes, colours, flags and the journal's reports. The real block is compared with it entry by entry.
+/// The mesh and its edits written down rule by rule on plain vectors, with no thought for speed: nodes, elements, both
+/// kinds of lists in their order, attributes, colours, flags and the journal's reports. The real block is compared with
+/// it entry by entry.
 class LiteralMesh {
  public:
   struct Node {
@@ -53,9 +54,13 @@ class LiteralMesh {
 
   bool valid(int e) const { return at(elements, e)[0] != 0; }
   template <class T>
-  static T& at(std::vector<T>& v, int i) { return v[static_cast<std::size_t>(i)]; }
+  static T& at(std::vector<T>& v, int i) {
+    return v[static_cast<std::size_t>(i)];
+  }
   template <class T>
-  static const T& at(const std::vector<T>& v, int i) { return v[static_cast<std::size_t>(i)]; }
+  static const T& at(const std::vector<T>& v, int i) {
+    return v[static_cast<std::size_t>(i)];
+  }
 
   // Counts may be lower than the vectors are long: cutting an array leaves what lies behind the cut.
   int node_count = 1;
@@ -84,8 +89,8 @@ class LiteralMesh {
   void alter();
 };
 
-/// What differs between the block and the literal mesh, in words; empty when nothing does. Lists are compared in their order, while
-/// their flags say that they are current.
+/// What differs between the block and the literal mesh, in words; empty when nothing does. Lists are compared in their
+/// order, while their flags say that they are current.
 std::string difference(const trTriBlock& block, const LiteralMesh& literal);
 
 /// A literal mesh with the nodes, elements and flags of a block that was just filled and has a valid last element.

@@ -23,7 +23,9 @@ class Report {
 
  private:
   template <class T>
-  void print(const T& value) { text_ << value; }
+  void print(const T& value) {
+    text_ << value;
+  }
   void print(const std::vector<int>& list) {
     for (int v : list) text_ << v << ' ';
   }
@@ -56,7 +58,8 @@ void compare_node(const trTriBlock& block, const LiteralMesh& literal, int i, Re
 
 void compare_element(const trTriBlock& block, const LiteralMesh& literal, int e, Report& report) {
   for (int k = 0; k < 3; ++k) {
-    report.compare("corner of element", e, block.element(e)[k], LiteralMesh::at(literal.elements, e)[static_cast<std::size_t>(k)]);
+    report.compare("corner of element", e, block.element(e)[k],
+                   LiteralMesh::at(literal.elements, e)[static_cast<std::size_t>(k)]);
   }
   report.compare("colour of element", e, block.get_element_colour(e), literal.element_colour(e));
 }

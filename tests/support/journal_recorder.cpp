@@ -69,15 +69,18 @@ testing::AssertionResult JournalRecorder::restores_the_start() const {
     if (!restored(first_nodes_, i, node_now(i)).same_as(start)) return AssertionFailure() << "node " << i << " is lost";
   }
   for (int i = nodes; i < block_.node_count(); ++i) {
-    if (!block_.node(i).invalid && first_nodes_.count(i) == 0) return AssertionFailure() << "new node " << i << " is unknown";
+    if (!block_.node(i).invalid && first_nodes_.count(i) == 0)
+      return AssertionFailure() << "new node " << i << " is unknown";
   }
   const int elements = static_cast<int>(elements_at_start_.size());
   for (int e = 0; e < elements; ++e) {
     const ElementState& start = elements_at_start_[static_cast<std::size_t>(e)];
-    if (!restored(first_elements_, e, element_now(e)).same_as(start)) return AssertionFailure() << "element " << e << " is lost";
+    if (!restored(first_elements_, e, element_now(e)).same_as(start))
+      return AssertionFailure() << "element " << e << " is lost";
   }
   for (int e = elements; e < block_.element_count(); ++e) {
-    if (block_.element(e).valid() && first_elements_.count(e) == 0) return AssertionFailure() << "new element " << e << " is unknown";
+    if (block_.element(e).valid() && first_elements_.count(e) == 0)
+      return AssertionFailure() << "new element " << e << " is unknown";
   }
   return testing::AssertionSuccess();
 }

@@ -8,8 +8,8 @@
 #include "mesh/tri_block.h"
 #include "undo/undo.h"
 
-/// A journal for tests: attached to a block from construction to destruction, it keeps the state of each entity that is reported,
-/// as it is at that moment, and so before the change.
+/// A journal for tests: attached to a block from construction to destruction, it keeps the state of each entity that is
+/// reported, as it is at that moment, and so before the change.
 class JournalRecorder : public trUndo {
  public:
   explicit JournalRecorder(trTriBlock& block);
@@ -21,9 +21,9 @@ class JournalRecorder : public trUndo {
   /// Every report in order: nodes as they are, elements negated.
   const std::vector<int>& reports() const { return reports_; }
 
-  /// Whether the reports suffice to take the edits back and to do them again: putting back the first stored state of each entity and
-  /// cutting the arrays to their former counts restores the block as it was when recording began, to the last bit (nodes,
-  /// attributes, elements, colours), and every entity that was made since is known.
+  /// Whether the reports suffice to take the edits back and to do them again: putting back the first stored state of
+  /// each entity and cutting the arrays to their former counts restores the block as it was when recording began, to
+  /// the last bit (nodes, attributes, elements, colours), and every entity that was made since is known.
   testing::AssertionResult restores_the_start() const;
 
  private:

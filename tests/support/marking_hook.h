@@ -5,8 +5,8 @@
 
 #include "progress/output.h"
 
-/// While it lives, every text that passes the translation hook comes out with "<" in front: a message without the mark was not
-/// handed to the hook.
+/// While it lives, every text that passes the translation hook comes out with "<" in front: a message without the mark
+/// was not handed to the hook.
 class MarkingHook {
  public:
   MarkingHook() { tr_set_brnknls_function(mark); }

@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-/// Random numbers that are the same on every machine (splitmix64: G. Steele et al., "Fast splittable pseudorandom number
-/// generators", 2014).
+/// Random numbers that are the same on every machine (splitmix64: G. Steele et al., "Fast splittable pseudorandom
+/// number generators", 2014).
 class Random {
  public:
   explicit Random(std::uint64_t seed) : state_(seed) {}

@@ -43,7 +43,8 @@ Shape sphere(int rings) {
     const double latitude = pi * r / rings - pi / 2;
     for (int s = 0; s < segments; ++s) {
       const double longitude = 2 * pi * s / segments;
-      ball.points.emplace_back(std::cos(latitude) * std::cos(longitude), std::cos(latitude) * std::sin(longitude), std::sin(latitude));
+      ball.points.emplace_back(std::cos(latitude) * std::cos(longitude), std::cos(latitude) * std::sin(longitude),
+                               std::sin(latitude));
     }
   }
   const int north = size_of(ball.points);
@@ -159,5 +160,6 @@ Shape clustered_soup(Random& random, int triangles, double jitter) {
 void add_to(trTriBlock& block, const Shape& shape) {
   const int first = block.node_count();
   for (const giPoint3& p : shape.points) block.set_node(block.node_count(), p);
-  for (const auto& t : shape.triangles) block.set_element(block.element_count(), first + t[0], first + t[1], first + t[2]);
+  for (const auto& t : shape.triangles)
+    block.set_element(block.element_count(), first + t[0], first + t[1], first + t[2]);
 }

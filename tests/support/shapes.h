@@ -17,8 +17,8 @@ struct Shape {
 /// Box of the given edge lengths with its least corner at `corner`: 8 points, 12 triangles facing outward.
 Shape closed_box(const giPoint3& corner = {}, double lx = 1.0, double ly = 1.0, double lz = 1.0);
 
-/// Closed sphere of radius 1 about the origin: `rings` bands between the poles, twice as many segments; 4 rings (rings - 1)
-/// triangles facing outward.
+/// Closed sphere of radius 1 about the origin: `rings` bands between the poles, twice as many segments; 4 rings (rings
+/// - 1) triangles facing outward.
 Shape sphere(int rings);
 
 /// The sphere without `holes` triangles, no two of which share a point: every hole is a loop of three free edges.

@@ -43,7 +43,8 @@ AssertionResult corners_are_nodes(const trTriBlock& block, Excuses excuses) {
         if (t[k] != 0) return AssertionFailure() << "deleted element " << e << " keeps a node";
         continue;
       }
-      if (t[k] < 1 || t[k] >= block.node_count()) return AssertionFailure() << "element " << e << " names no node: " << t[k];
+      if (t[k] < 1 || t[k] >= block.node_count())
+        return AssertionFailure() << "element " << e << " names no node: " << t[k];
       if (block.node(t[k]).invalid && !excuses.dangling_corners) {
         return AssertionFailure() << "element " << e << " names the deleted node " << t[k];
       }
@@ -74,12 +75,14 @@ AssertionResult element_lists_cover_every_use(const trTriBlock& block) {
 AssertionResult free_edges_balance(const trTriBlock& block) {
   std::vector<int> surplus(static_cast<std::size_t>(block.node_count()));
   for (const auto& [from, to] : listed_free_edges(block)) {
-    if (to < 1 || to >= block.node_count()) return AssertionFailure() << "node " << from << " has a free edge to nowhere: " << to;
+    if (to < 1 || to >= block.node_count())
+      return AssertionFailure() << "node " << from << " has a free edge to nowhere: " << to;
     ++surplus[static_cast<std::size_t>(from)];
     --surplus[static_cast<std::size_t>(to)];
   }
   for (std::size_t i = 0; i < surplus.size(); ++i) {
-    if (surplus[i] != 0) return AssertionFailure() << surplus[i] << " more free edges leave node " << i << " than enter it";
+    if (surplus[i] != 0)
+      return AssertionFailure() << surplus[i] << " more free edges leave node " << i << " than enter it";
   }
   return AssertionSuccess();
 }
@@ -89,8 +92,10 @@ AssertionResult counts_are_right(const trTriBlock& block) {
   int elements = 0;
   for (int i = 1; i < block.node_count(); ++i) nodes += block.node(i).invalid == 0;
   for (int e = 1; e < block.element_count(); ++e) elements += is_live(block.element(e));
-  if (block.valid_nodes() != nodes) return AssertionFailure() << block.valid_nodes() << " valid nodes counted, there are " << nodes;
-  if (block.valid_elements() != elements) return AssertionFailure() << block.valid_elements() << " elements counted, not " << elements;
+  if (block.valid_nodes() != nodes)
+    return AssertionFailure() << block.valid_nodes() << " valid nodes counted, there are " << nodes;
+  if (block.valid_elements() != elements)
+    return AssertionFailure() << block.valid_elements() << " elements counted, not " << elements;
   if (block.node_data_size() < 0 || block.node_data_size() > trNodeDataTuple::max_values) {
     return AssertionFailure() << "attributes of " << block.node_data_size() << " values";
   }
@@ -104,7 +109,8 @@ AssertionResult box_holds_every_node(const trTriBlock& block) {
     if (block.node(i).invalid) continue;
     const giPoint3 p = block.check_use_workplane(block.point(i));
     for (int k = 0; k < 3; ++k) {
-      if (p[k] < box.min()[k] || p[k] > box.max()[k]) return AssertionFailure() << "node " << i << " lies outside the box";
+      if (p[k] < box.min()[k] || p[k] > box.max()[k])
+        return AssertionFailure() << "node " << i << " lies outside the box";
     }
   }
   return AssertionSuccess();
@@ -128,8 +134,8 @@ std::vector<std::pair<int, int>> listed_free_edges(const trTriBlock& block) {
   return edges;
 }
 
-// The directed edge a-b is free as many times as it is run more often than b-a. An edge from a node to itself is its own opposite,
-// so that every second one cancels the one before.
+// The directed edge a-b is free as many times as it is run more often than b-a. An edge from a node to itself is its
+// own opposite, so that every second one cancels the one before.
 std::vector<std::pair<int, int>> expected_free_edges(const trTriBlock& block) {
   std::map<std::pair<int, int>, int> runs;
   for (int e = 1; e < block.element_count(); ++e) {

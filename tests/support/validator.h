@@ -12,10 +12,11 @@ struct Excuses {
   bool dangling_corners = false;
 };
 
-/// Checks every invariant of a block against what its coordinates and elements say, using none of its derived state for that:
-/// slot 0 invalid; coordinates in their slots; deleted nodes at the origin with empty lists; no corner without a valid node;
-/// the box holds every node; element lists hold every use of every element while they are current; half-edge lists hold exactly the
-/// surplus of each directed edge over its opposite while edges are built, and as many enter each node as leave it; counts.
+/// Checks every invariant of a block against what its coordinates and elements say, using none of its derived state for
+/// that: slot 0 invalid; coordinates in their slots; deleted nodes at the origin with empty lists; no corner without a
+/// valid node; the box holds every node; element lists hold every use of every element while they are current;
+/// half-edge lists hold exactly the surplus of each directed edge over its opposite while edges are built, and as many
+/// enter each node as leave it; counts.
 testing::AssertionResult is_sound(const trTriBlock& block, Excuses excuses = {});
 
 /// The free edges of a block as sorted pairs, from its elements alone.
