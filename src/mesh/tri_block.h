@@ -1,16 +1,20 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
 #include <memory>
 #include <vector>
 
 #include "mesh/element.h"
+#include "mesh/edge_connection.h"
 #include "mesh/features.h"
 #include "mesh/loop_it.h"
 #include "platform/common/workplane.h"
 #include "platform/containers/number_arrays.h"
+#include "platform/geometry/angle.h"
 #include "platform/geometry/box3.h"
 #include "platform/geometry/tri_block_base.h"
+#include "platform/geometry/unit_vec3.h"
 #include "platform/geometry/xform3.h"
 #include "platform/surface/zrk_surf.h"
 #include "platform/utilities/export.h"
@@ -210,6 +214,45 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   /// @return 1 when a node was merged; 0 when none was, or when interrupted (nodes deleted so far stay deleted)
   /// Cost: O(n) expected time; about 40 bytes a kept node.
   int unduplicate_nodes(double tol);
+
+  // --- defects: `out` receives element numbers; interrupted searches leave it as far as filled --------------------------------------
+  /// Elements on edges that more than two elements share, sorted: all of them, or with `mode` all but the two largest of each edge.
+  /// Cost: O(n).
+  void find_sick(intcoPageArr& out, int mode) const;
+  /// The edges that more than two elements share, with their elements. With `mode`, every number is one less, as in host pools.
+  void find_sick(coPageArr<trEdgeConnection>& out, int mode) const;
+  /// Deletes what `find_sick` lists. 1 when that was anything; 0 also when interrupted (what was deleted stays deleted).
+  int cure_sick(int mode);
+  /// Deletes loose flaps on edges that more than two elements share; returns how many.
+  int cure_sick_fins();
+  /// Elements whose height over the longest edge (or, with `aspect`, whose ratio of height to longest edge) is below `tol`, ascending.
+  /// Marks the mesh changed when there are any. Returns the least measure, 0 when there is no element. Cost: O(n).
+  double find_thin(double tol, int aspect, intcoPageArr& out) const;
+  /// Elements that face against `up`, ascending; upright ones are not listed. Cannot be stopped once it runs. Cost: O(n).
+  void find_overhanging(intcoPageArr& out, const giUnitVec3& up) const;
+  /// Consistently directed neighbours that enclose an angle below `tol`, sorted. Flat neighbours enclose 180 degrees, folded ones 0.
+  /// Returns the sharpest angle, 180 degrees when there are no neighbours. Cost: O(n).
+  giAngle find_overlapping(const giAngle& tol, intcoPageArr& out) const;
+  /// Elements that cut through others, sorted: elements that share an edge never do, and lengths up to 1e-5 are as good as zero.
+  /// `limit` bounds what the search gathers at a time and does not change what is found. Cost: about n log n for a surface.
+  void find_intersecting(intcoPageArr& out, int limit) const;
+  /// Whether node n lies nearer than `tol` to the segment from s to e, with its foot strictly inside; `par` receives the parameter of
+  /// the foot, unless s and e coincide.
+  int check_height_get_par(int n, int s, int e, double tol, double& par) const;
+  /// Swaps the longest edge of elements with an aspect ratio below `tol`, where the other diagonal is better. 1 when any was.
+  int swap_elements(double tol);
+  /// Orients each connected piece after its majority, then the whole mesh so that the topmost element faces up. 1 when an element was
+  /// reversed. Cost: O(n).
+  int orient_normals();
+  /// The element at the highest node whose lower other corner is highest; -1 when there is none, -2 when interrupted.
+  int find_top_element() const;
+
+  // --- reports --------------------------------------------------------------------------------------------------------------------
+  /// Draws the outlines of elements, as commands to a file that stays open.
+  void picture_elements(std::FILE* file, const intcoPageArr& list) const;
+  /// Prints the statistics. Register commands, and the shape statistics of `level` (also of verbose blocks), need a file, which stays
+  /// open; `tol` is what the least height and aspect and the sharpest angle are compared with.
+  void info(double tol, std::FILE* file, int level) const;
 
   // --- curvature adjustment -------------------------------------------------------------------------------------------------------
   /// q = p moved onto the fitted surface along `direction`, or to its closest point when there is none; -1 and q = p when
