@@ -4,7 +4,7 @@
 #include <ostream>
 
 #include "formats/entity_limit.h"
-#include "formats/message.h"
+#include "progress/message.h"
 #include "formats/tri_read.h"
 #include "formats/word_scanner.h"
 #include "mesh/tri_block.h"

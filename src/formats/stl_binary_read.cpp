@@ -8,7 +8,7 @@
 
 #include "formats/bin_read.h"
 #include "formats/entity_limit.h"
-#include "formats/message.h"
+#include "progress/message.h"
 #include "formats/tri_read.h"
 #include "mesh/tri_block.h"
 #include "platform/utilities/ut_numeric_cast.h"

@@ -1,6 +1,6 @@
 #include "formats/tri_read.h"
 
-#include "formats/message.h"
+#include "progress/message.h"
 #include "mesh/tri_block.h"
 
 trTriRead::trTriRead(trTriBlock* mesh_block, std::FILE* stream, int append_to, int keep_node_data)

@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <clocale>
 #include <iostream>
+
+#include "progress/message.h"
 
 namespace {
 
@@ -37,4 +40,26 @@ TEST(Output, TextsPassTheTranslationHookThatIsRegistered) {
   EXPECT_EQ(tr_brnknls(text), text);
   tr_set_brnknls_function(nullptr);
   EXPECT_EQ(tr_brnknls(text), text);
+}
+
+// Texts and command files must read the same to a program whatever the user's locale: a decimal point, no grouping.
+TEST(Output, FormatsNumbersAsInTheCLocale) {
+  const char* const former = std::setlocale(LC_ALL, nullptr);
+  const std::string kept = former;
+  if (std::setlocale(LC_ALL, "de_DE.UTF-8") == nullptr) GTEST_SKIP() << "there is no German locale";
+  EXPECT_EQ(format_text("%d %lf%s", 1234567, 0.5, " end"), "1234567 0.500000 end");
+  EXPECT_EQ(format_text("%lf", 1.7976931348623157e308).size(), 316u);
+  std::ostringstream stream;
+  tr_set_output(&stream);
+  print_text("%d of %lf\n", 7, -2.25);
+  tr_set_output(nullptr);
+  EXPECT_EQ(stream.str(), "7 of -2.250000\n");
+  char text[32] = {};
+  std::FILE* const file = std::tmpfile();
+  write_text(file, "%lf %s", 1.5, "x");
+  std::rewind(file);
+  EXPECT_EQ(std::fread(text, 1, sizeof text - 1, file), 10u);
+  std::fclose(file);
+  EXPECT_STREQ(text, "1.500000 x");
+  std::setlocale(LC_ALL, kept.c_str());
 }
