@@ -78,3 +78,6 @@
 #include "progress/progress.h"
 #include "undo/containers.h"
 #include "undo/undo.h"
+#include "undo/undo_element.h"
+#include "undo/undo_hist.h"
+#include "undo/undo_node.h"
