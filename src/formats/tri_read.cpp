@@ -1,7 +1,8 @@
 #include "formats/tri_read.h"
 
-#include "progress/message.h"
+#include "formats/entity_limit.h"
 #include "mesh/tri_block.h"
+#include "progress/message.h"
 
 trTriRead::trTriRead(trTriBlock* mesh_block, std::FILE* stream, int append_to, int keep_node_data)
     : mesh(mesh_block), file(stream), append(append_to), read_node_data(keep_node_data) {}

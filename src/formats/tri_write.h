@@ -32,6 +32,10 @@ class MENDEX_EXPORT trTriWrite {
   /// reported.
   int write_ast(int positive);
 
+  /// Writes the native format: numbers, attributes and colours. With `rwrite` nodes and elements are numbered anew from 1, without gaps;
+  /// colour lists still go by the mesh's own numbers. Errors of the stream beyond the header are not reported.
+  int write_native(int rwrite);
+
  protected:
   const trTriBlock* mesh;
   std::FILE* file;
