@@ -47,6 +47,7 @@
 #include "platform/containers/shared_ptr.h"
 #include "platform/containers/sort.h"
 #include "platform/digitiser/poi_filter.h"
+#include "platform/digitiser/tri_mask.h"
 #include "platform/geometry/angle.h"
 #include "platform/geometry/arrays.h"
 #include "platform/geometry/axis.h"
