@@ -7,6 +7,7 @@
 #include "platform/containers/number_arrays.h"
 #include "platform/utilities/export.h"
 
+class MeshFileReader;
 class NumberLimit;
 class trBinRead;
 class trTriBlock;
@@ -51,6 +52,21 @@ class MENDEX_EXPORT trTriRead {
   /// @return 1, or 0 when interrupted or when the header cannot be read
   int read_native();
 
+  /// Reads triangle files of any number of blocks, numbering on from the ends of the mesh's arrays; five attributes a node: normal and
+  /// surface parameters. Lines that are missing or malformed repeat what stands before them. A triangle that repeats a vertex, or names
+  /// one that the block does not have, uses up its number.
+  /// @return 1, or 0 when interrupted
+  int read_tri();
+
+  /// Reads mesh files: nodes and elements under their own numbers (when appending, under the next free ones), up to four attributes a
+  /// node, the colours of element groups. Malformed lines, elements of other types and those of negative colours are passed over.
+  /// @return 1, or 0 when interrupted
+  int read_mes();
+
+  /// Reads KVX files. A triangle that repeats a node, or names one that its block does not have, uses up its number.
+  /// @return 1 for success, 0 when interrupted or when the file is damaged or cut short: what was read stays
+  int read_kvx();
+
  protected:
   /// Reconciles the block's node attributes with the n attributes a node that the file carries, saying what becomes of them.
   /// Returns the block's attributes a node afterwards.
@@ -67,6 +83,8 @@ class MENDEX_EXPORT trTriRead {
   std::int32_t read_node_data;
 
  private:
+  friend class MeshFileReader;
+
   void reconcile_appended_data(int n);
   void begin_reading();
   int read_facets(int start, std::uint32_t facets, std::uint32_t& failed);
