@@ -84,7 +84,7 @@ class MeshFileReader {
     node_ = appends_ ? mesh_.node_count() : number;
     if (node_ > last_entity_number) return;
     mesh_.set_node(node_, point);
-    if (appends_) map_[number] = node_;
+    map_[number] = node_;
   }
 
   void read_attributes(std::string_view line) {
@@ -105,18 +105,13 @@ class MeshFileReader {
     if (appends_) number = mesh_.element_count();
     int nodes[3];
     for (int k = 0; k < 3; ++k) {
-      nodes[k] = node_of(corners[k]);
-      if (nodes[k] < 1 || nodes[k] >= mesh_.node_count() || mesh_.node(nodes[k]).invalid) return;
+      nodes[k] = corners[k] >= 0 && corners[k] < map_.count() ? map_[corners[k]] : 0;
+      if (nodes[k] == 0) return;
     }
     if (corners[0] == corners[1] || corners[1] == corners[2] || corners[2] == corners[0]) return;
     if (appends_ ? number > last_entity_number : !limit_.allows_next(number)) return;
     mesh_.set_element(number, nodes[0], nodes[1], nodes[2]);
     mesh_.set_element_colour(number, group_);
-  }
-
-  int node_of(int file_number) const {
-    if (!appends_) return file_number;
-    return file_number >= 0 && file_number < map_.count() ? map_[file_number] : 0;
   }
 
   trTriRead& reader_;
@@ -131,12 +126,13 @@ class MeshFileReader {
   int group_ = ignored_group;  // colour of the group
   int nodes_ = 0;
   int triangles_ = 0;
-  intcoPageArr map_{12, 5, 10};  // from the file's node numbers to the mesh's, while appending
+  intcoPageArr map_{12, 5, 10};  // from the file's node numbers to the mesh's
 };
 
 int trTriRead::read_mes() {
   tr_report_progress(tr_brnknls(append ? "Appending Mesh file..." : "Reading Mesh file..."), 0.0);
   begin_reading();
+  leave_lists_for_later();
   if (!MeshFileReader(*this, *mesh, file, append != 0).read()) return 0;
   tr_report_progress(tr_brnknls("Finished reading Mesh file..."), 100.0);
   return 1;

@@ -18,10 +18,7 @@ namespace {
 template <int size>
 class Record {
  public:
-  explicit Record(trBinRead& in) {
-    if (in.file != nullptr) available_ = static_cast<int>(fread_unlocked(bytes_, 1, size, in.file));
-    if (available_ < size) in.error = 1;
-  }
+  explicit Record(trBinRead& in) : available_(in.read_bytes(bytes_, size)) {}
 
   template <class T>
   T value(int offset) const {
@@ -32,11 +29,10 @@ class Record {
 
  private:
   char bytes_[size];
-  int available_ = 0;
+  int available_;
 };
 
-bool names_node(const trTriBlock& mesh, int i) { return i >= 1 && i < mesh.node_count() && !mesh.node(i).invalid; }
-
+// 0 for a number that no node of the file has.
 int translated(const intcoPageArr& map, int file_number) {
   return file_number >= 0 && file_number < map.count() ? map[file_number] : 0;
 }
@@ -66,13 +62,16 @@ int trTriRead::read_native_records(trBinRead& in) {
   intcoPageArr map(12, 5, 10);
   number_limit_ = std::make_unique<NumberLimit>(file, native::node_bytes);
   const int nodes = in.read_int();
+  in.expect(std::int64_t{nodes} * native::node_bytes);
   for (int k = 1; k <= nodes && !in.error; ++k) {
     if (tr_interrupt()) return 0;
     read_native_node(in, map);
     tr_report_nodes(k, nodes, 0.0, 50.0);
   }
+  leave_lists_for_later();
   number_limit_ = std::make_unique<NumberLimit>(file, native::element_bytes);
   const int elements = in.read_int();
+  in.expect(std::int64_t{elements} * native::element_bytes);
   for (int k = 1; k <= elements && !in.error; ++k) {
     if (tr_interrupt()) return 0;
     read_native_element(in, map);
@@ -85,13 +84,8 @@ void trTriRead::read_native_node(trBinRead& in, intcoPageArr& map) {
   const Record<native::node_bytes> record(in);
   const int number = record.value<int>(0);
   const giPoint3 point(record.value<double>(4), record.value<double>(12), record.value<double>(20));
-  if (!number_limit_->allows_next(number)) return;
-  if (!append) {
-    mesh->set_node(number, point);
-    return;
-  }
-  const int made = mesh->node_count();
-  if (made > last_entity_number) return;
+  const int made = append ? mesh->node_count() : number;
+  if (!number_limit_->allows_next(number) || made > last_entity_number) return;
   mesh->set_node(made, point);
   map[number] = made;
 }
@@ -101,9 +95,8 @@ int trTriRead::read_native_element(trBinRead& in, const intcoPageArr& map) {
   const int number = append ? mesh->element_count() : record.value<int>(0);
   int nodes[3];
   for (int k = 0; k < 3; ++k) {
-    const int in_file = record.value<int>(4 + 4 * k);
-    nodes[k] = append ? translated(map, in_file) : in_file;
-    if (!names_node(*mesh, nodes[k])) return 0;
+    nodes[k] = translated(map, record.value<int>(4 + 4 * k));
+    if (nodes[k] == 0) return 0;
   }
   if (nodes[0] == nodes[1] || nodes[1] == nodes[2] || nodes[2] == nodes[0]) return mesh->verbose != 0;
   if (append ? number <= last_entity_number : number_limit_->allows_next(number)) mesh->set_element(number, nodes[0], nodes[1], nodes[2]);

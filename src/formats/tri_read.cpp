@@ -19,6 +19,11 @@ void trTriRead::begin_reading() {
   }
 }
 
+// Where elements share nodes, making all element lists at once on their first use takes less time than keeping them from the start.
+void trTriRead::leave_lists_for_later() {
+  if (!append) mesh->elements_referenced = 0;
+}
+
 int trTriRead::reset_node_data_size(int n) {
   if (append) {
     reconcile_appended_data(n);

@@ -72,8 +72,8 @@ class MENDEX_EXPORT trTriRead {
   /// Returns the block's attributes a node afterwards.
   int reset_node_data_size(int n);
 
-  /// Read one record of the native format; `map` leads from the file's node numbers to the block's while appending. An element record that
-  /// repeats a node returns 1 when the block is verbose; every other, stored or dropped, 0.
+  /// Read one record of the native format; `map` leads from the file's node numbers to the block's. An element record that repeats a node
+  /// returns 1 when the block is verbose; every other, stored or dropped, 0.
   void read_native_node(trBinRead& in, intcoPageArr& map);
   int read_native_element(trBinRead& in, const intcoPageArr& map);
 
@@ -87,6 +87,7 @@ class MENDEX_EXPORT trTriRead {
 
   void reconcile_appended_data(int n);
   void begin_reading();
+  void leave_lists_for_later();
   int read_facets(int start, std::uint32_t facets, std::uint32_t& failed);
   int read_native_records(trBinRead& in);
 

@@ -127,6 +127,7 @@ class TriangleBlocks {
 int trTriRead::read_tri() {
   tr_report_progress(tr_brnknls(append ? "Appending triangle file..." : "Reading triangle file..."), 0.0);
   begin_reading();
+  leave_lists_for_later();
   TriangleBlocks blocks(*mesh, file);
   blocks.read_head();
   const int attributes = reset_node_data_size(attributes_per_vertex);
