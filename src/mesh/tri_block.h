@@ -96,6 +96,8 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   /// Sets how many attribute values a node has (1 to 5), making the attributes when absent; 0 drops them.
   void set_node_data_size(int n);
   int node_data_size() const { return node_data_ == nullptr ? 0 : node_data_->size(); }
+  /// Whether the node's attributes were ever touched; those of others are zeros.
+  bool has_node_data(int i) const { return node_data_ != nullptr && i >= 0 && i < node_data_->tuples.count(); }
   /// The attributes of a node; only while there are any. The const form does not grow.
   trNodeDataTuple& node_data(int i) { return node_data_->data(i); }
   const trNodeDataTuple& node_data(int i) const { return static_cast<const trNodeDataBlock*>(node_data_)->data(i); }
