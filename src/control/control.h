@@ -103,6 +103,44 @@ class MENDEX_EXPORT trControl {
   /// closed; without one the shape statistics are left out. `tol` is what they are compared with.
   void action_info(int level, double tol, std::FILE* file);
 
+  // --- files --------------------------------------------------------------------------------------------------------------------------
+  /// Reads a file by the extension of its name: mnx, mes, tri, stl, ast or kvx. A name that opens nothing is tried with each of these
+  /// extensions, and then as it is, as a native file. What was found is said, or that nothing was.
+  ///
+  /// The mesh is replaced, the history belongs to the new file. A read that is interrupted leaves an empty mesh.
+  /// @return the format, or tr_unknown_file when no file could be opened, and then nothing changed
+  trFileType action_read(const utString& name);
+  /// The same, adding to the mesh; it cannot be taken back, and the history stays as it is.
+  trFileType action_append(const utString& name);
+  /// Writes by the extension of the name; without one that is known the file becomes name.mnx, in the native format. Binary and ASCII STL
+  /// move the model into the positive octant.
+  void action_write(const utString& name);
+  /// The same with nodes and elements numbered anew where the format has numbers.
+  void action_rwrite(const utString& name);
+
+  // --- repair: a negative tolerance is refused; none opens an undo bracket ------------------------------------------------------------
+  /// Merges nodes within `tol`; see trTriBlock::unduplicate_nodes.
+  void action_undup(double tol);
+  void action_renumber();
+  /// Up to `passes` passes of swapping edges of elements with an aspect below `tol`, until one finds nothing.
+  void action_swap(double tol, int passes);
+  /// Delete the elements of small height, and of small aspect.
+  void action_height(double tol);
+  void action_aspect(double tol);
+  /// Deletes elements back to back with another (with `mode` both), then all but one of repeated elements.
+  void action_cancelling(int mode);
+  /// Deletes neighbours that enclose less than `tol` degrees.
+  void action_overlapping(double tol);
+  /// Deletes elements that cut others. A list that is not out of date is not searched again for another limit.
+  void action_intersecting(int limit);
+  /// Deletes elements that face away from `up`.
+  void action_overhanging(const giUnitVec3& up);
+  void action_orient();
+  void action_reverse();
+  /// Deletes elements of edges that more than two share: all with mode 0, else all but the two largest of each edge.
+  void action_cure(int mode);
+  void action_transform_triangles(const giXform3& x);
+
   // --- exchange with the host -----------------------------------------------------------------------------------------------------------
   /// Replaces the mesh by the host's: points, triangles that are not masked, colours. Host points and triangles count from 0; triangles
   /// that name points which are not there are passed over. The history is forgotten. A pool without points or triangles gives none.
@@ -111,6 +149,32 @@ class MENDEX_EXPORT trControl {
   void action_fill_triblock_colours(coFeaturePool& pool);
 
  protected:
+  struct FileFormat;
+  static const FileFormat format_table[tr_unknown_file];
+
+  trFileType read_or_append(const utString& name, int append);
+  void write_or_rwrite(const utString& name, int rwrite);
+  /// By the end of the name, in the order of the table; upper case is not recognised.
+  static trFileType recognize_extension(const char* name);
+  std::FILE* open_reader_file(const utString& name, trFileType& type);
+  std::FILE* open_writer_file(const utString& name, trFileType& type);
+  int read_mnx(std::FILE* file, int append);
+  int read_mes(std::FILE* file, int append);
+  int read_tri(std::FILE* file, int append);
+  int read_stl(std::FILE* file, int append);
+  int read_ast(std::FILE* file, int append);
+  int read_kvx(std::FILE* file, int append);
+  int write_mnx(std::FILE* file);
+  int write_mes(std::FILE* file);
+  int write_tri(std::FILE* file);
+  int write_stl(std::FILE* file);
+  int write_ast(std::FILE* file);
+  int write_kvx(std::FILE* file);
+
+  int check_tol(double tol) const;
+  /// Deletes small elements (0) or thin ones.
+  void height_aspect(double tol, int which);
+
   void reset_defaults();
   void toggle_flag(trFlagAction action, int& flag);
   /// One line: the name as given and whether the flag is on.
@@ -125,6 +189,9 @@ class MENDEX_EXPORT trControl {
 
   trControl* self() const { return const_cast<trControl*>(this); }
   int repeat_step(Step step, int count);
+  static const char* extension_of(trFileType type);
+  std::FILE* search_reader_file(const utString& name, utString& found, trFileType& type);
+  void delete_listed(trElementList& list);
 
   trTriBlock triblock_;
   trCycleArray cycles_;
