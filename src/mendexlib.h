@@ -28,6 +28,7 @@
 #include "mesh/node_data.h"
 #include "mesh/pair.h"
 #include "mesh/point_tree.h"
+#include "mesh/slice_status.h"
 #include "mesh/tri_block.h"
 #include "mesh/tri_data.h"
 #include "platform/common/binary_flags.h"

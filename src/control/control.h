@@ -139,6 +139,8 @@ class MENDEX_EXPORT trControl {
   void action_reverse();
   /// Deletes elements of edges that more than two share: all with mode 0, else all but the two largest of each edge.
   void action_cure(int mode);
+  /// Keeps what lies above (side 0) or below the plane across an axis of the host's workplane; see trTriBlock::slice.
+  void action_slice(gi_Axis axis, double value, int side);
   void action_transform_triangles(const giXform3& x);
 
   // --- exchange with the host -----------------------------------------------------------------------------------------------------------

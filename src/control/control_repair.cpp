@@ -95,6 +95,15 @@ void trControl::action_cure(int mode) {
   }
 }
 
+// The axis and the value are those of the host's workplane.
+void trControl::action_slice(gi_Axis axis, double value, int side) {
+  triblock_.set_workplane(active_workplane());
+  triblock_.enable_workplane(1);
+  if (triblock_.slice(axis, side, value, slice_tolerance)) triangle_update(1);
+  triblock_.set_workplane(ccWorkplane());
+  triblock_.enable_workplane(0);
+}
+
 void trControl::action_transform_triangles(const giXform3& x) {
   triblock_.transform(x);
   triangle_update(1);

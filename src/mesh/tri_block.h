@@ -9,6 +9,7 @@
 #include "mesh/edge_connection.h"
 #include "mesh/features.h"
 #include "mesh/loop_it.h"
+#include "mesh/slice_status.h"
 #include "platform/common/workplane.h"
 #include "platform/containers/number_arrays.h"
 #include "platform/geometry/angle.h"
@@ -207,6 +208,12 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   /// Mean distance between consecutive nodes of an open chain; 0 for fewer than two.
   double node_average_distance(const intcoPageArr& chain) const;
 
+  // --- slicing --------------------------------------------------------------------------------------------------------------------
+  /// Keeps what lies above the plane at `value` across an axis of the workplane in use (side 0), or below it (any other side). Elements
+  /// across the plane are cut, and new nodes on it merged within `tol`. Nodes on the plane stay.
+  /// @return 1 when an element was cut or deleted; 0 when none was, and when interrupted: what was done stays
+  int slice(gi_Axis axis, int side, double value, double tol);
+
   // --- merging --------------------------------------------------------------------------------------------------------------------
   /// Merges nodes that lie within `tol` of each other, inclusive; deletes elements that collapse.
   ///
@@ -266,6 +273,10 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   /// Makes a node; attributes of the block stay.
   int generate_node_private(const giPoint3& p, const giVector3& n, int adjust);
 
+  /// Deletes, cuts or keeps one element by the sides of its corners.
+  trSliceStatus slice_element(int e, int axis, double value, intcoPageArr& plane_nodes, double tol);
+  void split_element(int e, int axis, double value, intcoPageArr& plane_nodes, double tol);
+
  private:
   friend class trControl;
   friend class trUndo;
@@ -292,6 +303,8 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   int close_element_gaps(const intcoPageArr& map);
   void copy_colour(int to, int from);
   int close_node_gaps(const intcoPageArr& map);
+  bool merge_plane_nodes(const intcoPageArr& plane_nodes, double tol);
+  int cut_edge(int a, int b, int axis, double value, double tol);
   void enter_in_lists(int e) const;
   void replace_nodes(const SurvivorMap& map);
   void announce_replacements(const SurvivorMap& map, ElementListBatch& lists) const;
