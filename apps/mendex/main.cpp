@@ -54,6 +54,28 @@ std::string direction_problem(const std::string& text) {
   return is_direction ? "" : "'" + text + "' is not a direction such as 0,0,1";
 }
 
+struct FacetRange {
+  int first = 1;
+  int last = 0;  // 0: up to the end
+};
+
+// "5:", "5:20"; the second not below the first.
+std::optional<FacetRange> facet_range_in(const std::string& text) {
+  FacetRange range;
+  const char* const end = text.data() + text.size();
+  std::from_chars_result result = std::from_chars(text.data(), end, range.first);
+  if (result.ec != std::errc() || range.first < 1 || result.ptr == end || *result.ptr != ':') return std::nullopt;
+  const char* const last = result.ptr + 1;
+  if (last == end) return range;
+  result = std::from_chars(last, end, range.last);
+  if (result.ec != std::errc() || result.ptr != end || range.last < range.first) return std::nullopt;
+  return range;
+}
+
+std::string range_problem(const std::string& text) {
+  return facet_range_in(text) ? "" : "'" + text + "' is not a range such as 5:20";
+}
+
 std::string weld_problem(const std::string& text) { return text == "none" ? "" : tolerance_problem(text); }
 
 // The command line: what may be given, and what was.
@@ -65,14 +87,15 @@ class CommandLine {
     app_.set_version_flag("--version", std::string("mendex ") + MENDEX_VERSION);
     app_.add_flag("-q,--quiet", is_quiet_, "No progress bar and no summary; warnings and errors remain");
     app_.add_flag("-v,--verbose", is_verbose_, "Show on standard error all that the library has to say");
-    app_.footer(std::string("Files: STL, binary or ASCII, told by their content; written as their name says:\n  ") +
-                writable_extensions() + ".\n" + exit_codes_help +
+    app_.footer(std::string("Files: told by their content; written as their name says: ") + writable_extensions() +
+                ".\n" + exit_codes_help +
                 "\n\nFor example:\n  mendex check part.stl\n  mendex weld part.stl -o fixed.stl --tol 0.001\n"
                 "  mendex convert part.stl part.ast");
     add_info();
     add_check();
     add_weld();
     add_convert();
+    add_formats();
   }
 
   // Throws what CLI11 throws.
@@ -94,7 +117,8 @@ class CommandLine {
     if (app_.got_subcommand("info")) return run_info(session, info_);
     if (app_.got_subcommand("check")) return run_check(session, check_options());
     if (app_.got_subcommand("weld")) return run_weld(session, weld_);
-    return run_convert(session, convert_);
+    if (app_.got_subcommand("formats")) return run_formats();
+    return run_convert(session, convert_options());
   }
 
  private:
@@ -103,7 +127,7 @@ class CommandLine {
     if (words.empty()) {
       std::fputs(app_.help().c_str(), stderr);
     } else {
-      std::fprintf(stderr, "mendex: '%s' is none of info, check, weld and convert\nRun with --help for more information.\n",
+      std::fprintf(stderr, "mendex: '%s' is none of info, check, weld, convert and formats\nRun with --help for more information.\n",
                    printable(words.front()).c_str());
     }
   }
@@ -180,10 +204,36 @@ class CommandLine {
   }
 
   void add_convert() {
-    CLI::App* verb = app_.add_subcommand("convert", "Convert between binary and ASCII STL");
-    verb->add_option("IN", convert_.input, "STL file to read")->required()->type_name("PATH");
-    verb->add_option("OUT", convert_.output, "File to write: .stl binary, .ast ASCII")->required()->type_name("PATH");
-    verb->footer("ASCII files keep seven significant digits. Colours are not kept.");
+    CLI::App* verb = app_.add_subcommand("convert", "Convert between mesh formats; see mendex formats");
+    verb->add_option("IN", convert_.input, "File to read")->required()->type_name("PATH");
+    verb->add_option("OUT", convert_.output, "File to write, in the format of its name")->required()->type_name("PATH");
+    verb->add_option("--append", convert_.appended, "A further file to add to the mesh; may be given again")->type_name("PATH");
+    verb->add_flag("--renumber", convert_.is_renumbered, "Number nodes and elements anew, without gaps (.mnx, .mes)");
+    verb->add_flag("--preserve", convert_.keeps_attributes, "Keep the node attributes that files have");
+    verb->add_option("--smooth", smooth_, "Triangle files: shared vertices with averaged normals, or three vertices\n"
+                     "a triangle with its own normal")
+        ->check(CLI::IsMember({"on", "off"}))
+        ->type_name("on|off")
+        ->default_str("on");
+    verb->add_option("--stl-range", stl_range_, "Of IN, an STL file, only the triangles A to B, counted from 1;\n"
+                     "B may be left out")
+        ->check(CLI::Validator(range_problem, ""))
+        ->type_name("A:B");
+    verb->add_flag("--positive", convert_.is_positive,
+                   "STL: move the model, by round amounts, to where no coordinate is negative");
+    verb->footer("What a format cannot hold is lost: mendex formats tells what each keeps.");
+  }
+
+  void add_formats() { app_.add_subcommand("formats", "Tell what can be read and written"); }
+
+  ConvertOptions convert_options() const {
+    ConvertOptions options = convert_;
+    options.is_smooth = smooth_ != "off";
+    if (const std::optional<FacetRange> range = facet_range_in(stl_range_)) {
+      options.first_facet = range->first;
+      options.last_facet = range->last;
+    }
+    return options;
   }
 
   CLI::App app_{"Repair triangle meshes: read a broken STL file, merge its nodes, tell what is in it, write it back.",
@@ -194,6 +244,8 @@ class CommandLine {
   CheckOptions check_;
   std::string up_;
   std::string check_weld_;
+  std::string smooth_;
+  std::string stl_range_;
   WeldOptions weld_;
   ConvertOptions convert_;
 };

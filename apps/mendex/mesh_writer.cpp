@@ -11,10 +11,18 @@ namespace {
 
 constexpr double unscaled = 1.0;
 
-bool write_facets(const trTriBlock& mesh, FILE* stream, const WriteRequest& request) {
+// Calls the library's writer of the format.
+bool write_elements(const trTriBlock& mesh, FILE* stream, const WriteRequest& request) {
   trTriWrite writer(&mesh, stream, unscaled);
-  const bool is_binary = request.format == MeshFormat::binary_stl;
-  return (is_binary ? writer.write_stl(request.is_positive) : writer.write_ast(request.is_positive)) != 0;
+  switch (request.format) {
+    case MeshFormat::native: return writer.write_native(request.is_renumbered) != 0;
+    case MeshFormat::mesh_file: return writer.write_mes(request.is_renumbered) != 0;
+    case MeshFormat::triangle_file: return (request.is_smooth ? writer.write_smooth_tri() : writer.write_tri()) != 0;
+    case MeshFormat::binary_stl: return writer.write_stl(request.is_positive) != 0;
+    case MeshFormat::ascii_stl: return writer.write_ast(request.is_positive) != 0;
+    case MeshFormat::kvx: return writer.write_kvx() != 0;
+  }
+  return false;
 }
 
 bool is_one_file(const std::string& a, const std::string& b) {
@@ -29,7 +37,7 @@ void write_mesh(Session& session, const WriteRequest& request) {
   session.messages.set_file(request.path);
   session.progress.begin("writing " + request.path);
   SafeOutput output(request.path);
-  const bool is_written = write_facets(session.mesh, output.stream(), request);
+  const bool is_written = write_elements(session.mesh, output.stream(), request);
   Interruption::check();
   output.check();
   if (!is_written) throw Failure(ExitCode::cannot_write, "cannot be written");

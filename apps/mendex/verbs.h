@@ -30,6 +30,13 @@ struct WeldOptions {
 struct ConvertOptions {
   std::string input;
   std::string output;
+  std::vector<std::string> appended;  // further files, added to the mesh one after the other
+  bool is_renumbered = false;
+  bool keeps_attributes = false;
+  bool is_smooth = true;
+  bool is_positive = false;
+  int first_facet = 1;
+  int last_facet = 0;
 };
 
 /// `mendex info`: statistics and mass properties of each file. A file that fails is reported and the others go on.
@@ -43,6 +50,9 @@ ExitCode run_weld(Session& session, const WeldOptions& options);
 
 /// `mendex convert`: read and write in the format that the output's name asks for.
 ExitCode run_convert(Session& session, const ConvertOptions& options);
+
+/// `mendex formats`: what can be read and written.
+ExitCode run_formats();
 
 /// The format that an output's name asks for; throws, naming what can be written, when there is none.
 MeshFormat output_format(const std::string& path);
