@@ -14,7 +14,7 @@ ExitCode run_convert(Session& session, const ConvertOptions& options) {
   const MeshFormat format = output_format(options.output);
   ReadRequest request{options.input, false, options.keeps_attributes, options.first_facet, options.last_facet};
   const ReadOutcome read = read_mesh(session, request);
-  for (const std::string& path : options.appended) read_mesh(session, {path, true, options.keeps_attributes});
+  for (const std::string& path : options.appended) read_mesh(session, ReadRequest{path, true, options.keeps_attributes});
   const int triangles = session.mesh.valid_elements();
   write_mesh(session,
              {options.output, format, options.is_positive, options.input, options.is_renumbered, options.is_smooth});
