@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <ostream>
 
 #include "mesh/tri_block.h"
 #include "progress/message.h"
@@ -200,14 +199,16 @@ void trUndo::cut_elements(trTriBlock& block, int count) {
 }
 
 void trUndo::print(std::FILE* f) const {
-  std::ostream& out = tr_out();
-  out << name.c_str() << std::string(static_cast<std::size_t>(std::max(1, bracket_column - name.length())), ' ');
-  out << tr_brnknls("[");
-  out << std::to_string(nodes.count());
-  out << tr_brnknls(" nodes, ");
-  out << std::to_string(elements.count());
-  out << tr_brnknls(" elems");
-  out << tr_brnknls("]") << '\n';
+  const std::string blanks(static_cast<std::size_t>(std::max(1, bracket_column - name.length())), ' ');
+  MessageLine()
+      .raw(name.c_str())
+      .raw(blanks.c_str())
+      .text("[")
+      .number(nodes.count())
+      .text(" nodes, ")
+      .number(elements.count())
+      .text(" elems")
+      .text("]");
   if (f != nullptr) write_text(f, "%s", print().c_str());
 }
 
