@@ -7,7 +7,7 @@ void Checker::start_node() {
   first_elem.clear(0);
   second_elem.clear(0);
   count.clear(0);
-  if (!places_.empty()) places_.clear();
+  if (places_.count() != 0) places_.clear();
 }
 
 void Checker::enter(int node, int elem, int other) {
@@ -24,10 +24,7 @@ void Checker::enter(int node, int elem, int other) {
 }
 
 int Checker::find(int other) const {
-  if (!places_.empty()) {
-    const auto found = places_.find(other);
-    return found == places_.end() ? -1 : found->second;
-  }
+  if (places_.count() != 0) return places_.value(other, -1);
   for (int k = 0; k < other_node.count(); ++k) {
     if (other_node.at(k) == other) return k;
   }
@@ -42,9 +39,9 @@ void Checker::append(int elem, int other) {
   count[k] = 1;
   if (k < longest_search) return;
   if (k == longest_search) {
-    for (int j = 0; j < k; ++j) places_.emplace(other_node.at(j), j);
+    for (int j = 0; j < k; ++j) places_.set(other_node.at(j), j);
   }
-  places_.emplace(other, k);
+  places_.set(other, k);
 }
 
 void Checker::enter_crowded(int k, int elem) {

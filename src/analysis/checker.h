@@ -1,8 +1,7 @@
 #pragma once
 
-#include <unordered_map>
-
 #include "mesh/tri_block.h"
+#include "platform/containers/int_table.h"
 
 /// Counts the triangles on the edges that leave one node and reports the sick ones: all triangles of an edge that more
 /// than two share, or all but the two largest. Of equally large ones those entered earlier stay.
@@ -37,5 +36,5 @@ class Checker {
   intcoPageArr second_elem;  // with mode, once three were entered: the largest so far, not smaller than the first
   intcoPageArr count;        // how many triangles were entered
 
-  std::unordered_map<int, int> places_;  // far end -> entry; empty while there are few entries
+  intintcoTable places_;  // far end -> entry; empty while there are few entries
 };

@@ -1,11 +1,11 @@
 // Triangles on edges that more than two triangles share, found node by node.
 
 #include <algorithm>
-#include <unordered_set>
+#include <functional>
 #include <vector>
 
 #include "analysis/checker.h"
-#include "platform/containers/sort.h"
+#include "platform/containers/int_set.h"
 #include "progress/progress.h"
 
 namespace {
@@ -58,8 +58,6 @@ class NodeWindow {
   NodeEntries ring_[window_mask + 1];
 };
 
-bool is_deleted(const trTriBlock& block, int e) { return block.element(e)[0] == 0; }
-
 bool has_corner(const trElement& t, int i) { return t[0] == i || t[1] == i || t[2] == i; }
 
 // Whether three of the numbers are equal. (For the dozen numbers of an ordinary node nothing beats comparing all.)
@@ -80,7 +78,7 @@ bool is_suspect(const trTriBlock& block, int i, const NodeEntries& entries) {
   int n = 0;
   for (int k = 0; k < entries.length; ++k) {
     const int e = entries.elements[k];
-    if (k > 0 && e >= entries.elements[k - 1]) return true;  // a list in falling order holds no number twice
+    if (k > 0 && e >= entries.elements[k - 1]) return true;  // it may hold a number twice
     const trElement& t = block.element(e);
     if (t[0] == 0 || !has_corner(t, i)) continue;
     for (int corner = 0; corner < 3; ++corner) {
@@ -90,36 +88,50 @@ bool is_suspect(const trTriBlock& block, int i, const NodeEntries& entries) {
   return has_three_alike(others, n);
 }
 
-// How many entries of a list are examined: a live element whose number comes again further on stops the walk.
-std::size_t examined_length(const trTriBlock& block, const std::vector<int>& elements) {
-  std::unordered_set<int> behind;
-  behind.reserve(elements.size());
-  std::size_t length = elements.size();
-  for (std::size_t k = elements.size(); k-- > 0;) {
-    const bool comes_again = !behind.insert(elements[k]).second;
-    if (comes_again && !is_deleted(block, elements[k])) length = k;
-  }
-  return length;
-}
+// Enters the elements of a node, in the order of its list, on the edges that leave it.
+class NodeSearch {
+ public:
+  NodeSearch(const trTriBlock& block, intcoPageArr& out, int mode) : block_(block), checker_(&block, &out, mode) {}
 
-void check_node(const trTriBlock& block, int i, Checker& checker) {
-  std::vector<int> elements;
-  trIntListIT it(block.node(i).elements);
-  while (++it) elements.push_back(it());
-  elements.resize(examined_length(block, elements));
-  checker.start_node();
-  for (int e : elements) {
-    const trElement& t = block.element(e);
-    if (t[0] == 0 || !has_corner(t, i)) continue;
-    for (int corner = 0; corner < 3; ++corner) checker.enter(i, e, t[corner]);
+  void check(int i) {
+    elements_.clear();
+    trIntListIT it(block_.node(i).elements);
+    while (++it) elements_.push_back(it());
+    elements_.resize(examined_length());
+    checker_.start_node();
+    for (int e : elements_) {
+      const trElement& t = block_.element(e);
+      if (t[0] == 0 || !has_corner(t, i)) continue;
+      for (int corner = 0; corner < 3; ++corner) checker_.enter(i, e, t[corner]);
+    }
   }
-}
 
-void sort_without_repeats(intcoPageArr& list) {
-  co_sort(list);
+ private:
+  // How many entries of the list are examined: a live element whose number comes again further on stops the walk.
+  std::size_t examined_length() const {
+    std::size_t length = elements_.size();
+    const auto rise = std::adjacent_find(elements_.begin(), elements_.end(), std::less_equal<int>());
+    if (rise == elements_.end()) return length;  // a list in falling order holds no number twice
+    intcoSet behind;
+    for (std::size_t k = elements_.size(); k-- > 0;) {
+      const bool comes_again = !behind.add(elements_[k]);
+      if (comes_again && block_.element(elements_[k])[0] != 0) length = k;
+    }
+    return length;
+  }
+
+  const trTriBlock& block_;
+  Checker checker_;
+  std::vector<int> elements_;
+};
+
+// Sorts element numbers and drops repeats; every sick element is found from two nodes at least.
+void sort_without_repeats(intcoPageArr& list, int element_count) {
+  std::vector<bool> listed(static_cast<std::size_t>(element_count));
+  for (int k = 0; k < list.count(); ++k) listed[static_cast<std::size_t>(list.at(k))] = true;
   int kept = 0;
-  for (int k = 0; k < list.count(); ++k) {
-    if (k == 0 || list.at(k) != list.at(kept - 1)) list.at(kept++) = list.at(k);
+  for (int e = 1; e < element_count; ++e) {
+    if (listed[static_cast<std::size_t>(e)]) list.at(kept++) = e;
   }
   list.shrink(kept, 0);
 }
@@ -131,26 +143,25 @@ void trTriBlock::find_sick(intcoPageArr& out, int mode) const {
   reference_elements();
   if (tr_interrupt()) return;
   NodeWindow window(*this);
-  Checker checker(this, &out, mode);
+  NodeSearch search(*this, out, mode);
   for (int i = 1; i < node_count(); ++i) {
     if (tr_interrupt()) return;
     tr_report_nodes(i, node_count(), 0.0, 100.0);
     const NodeEntries& entries = window.advance(i);
-    if (!node(i).invalid && is_suspect(*this, i, entries)) check_node(*this, i, checker);
+    if (!node(i).invalid && is_suspect(*this, i, entries)) search.check(i);
   }
-  sort_without_repeats(out);
+  if (out.count() > 0) sort_without_repeats(out, element_count());
 }
 
 int trTriBlock::cure_sick(int mode) {
   intcoPageArr list;
   find_sick(list, mode);
   if (tr_interrupt()) return 0;
-  int deleted = 0;
   for (int k = 0; k < list.count(); ++k) {
     if (tr_interrupt()) return 0;
     delete_element(list[k]);
-    ++deleted;
   }
-  if (deleted) mark_changed();
-  return deleted > 0;
+  if (list.count() == 0) return 0;
+  mark_changed();
+  return 1;
 }
