@@ -157,7 +157,7 @@ TEST(FindSick, AgreesWithTheRulesOnWornMeshes) {
       crowded += !edges.empty();
     }
   }
-  EXPECT_GT(crowded, 5000);
+  EXPECT_GT(crowded, 3000);
 }
 
 // By a count of all edges, in place of the walk round nodes.
@@ -165,8 +165,9 @@ TEST(FindSick, LeavesAtMostTwoTrianglesOnAnEdge) {
   Random random(12);
   int cured = 0;
   for (int round = 0; round < 300; ++round) {
-    BlockOf block(clustered_soup(random, 40, 0.0));
-    block.unduplicate_nodes(1e-9);
+    trTriBlock block;
+    for (int i = 1; i <= 10; ++i) block.set_node(i, giPoint3(random.unit(), random.unit(), random.unit()));
+    for (int k = 0; k < 24; ++k) block.generate(1 + random.below(10), 1 + random.below(10), 1 + random.below(10));
     const auto counts = [&block] {
       std::map<std::pair<int, int>, std::set<int>> on_edge;
       for (int e = 1; e < block.element_count(); ++e) {
@@ -229,11 +230,12 @@ TEST(FindSick, BearsAHub) {
   for (int e = 1; e <= many; ++e) block.generate(block.element(e)[0], block.element(e)[2], block.element(e)[1]);
   block.set_element(many, block.element(many)[0], block.element(many)[1], block.element(many)[2]);
   const auto start = std::chrono::steady_clock::now();
-  EXPECT_EQ(sick(block, 0), sick(block, 0));
+  // The rewritten element ends the walks round its nodes; all but it and its twin are found from the nodes of the rim.
+  EXPECT_EQ(sick(block, 0).size(), static_cast<std::size_t>(2 * many - 2));
   block.elements_referenced = 0;
   block.delete_element(many + 1);
   EXPECT_EQ(sick(block, 0).size(), static_cast<std::size_t>(2 * many - 1));
-  EXPECT_GT(sick_edges(block, 0).size(), static_cast<std::size_t>(many - 2));
+  EXPECT_EQ(sick_edges(block, 0).size(), static_cast<std::size_t>(many));
   EXPECT_LT(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count(), 20.0);
 }
 
