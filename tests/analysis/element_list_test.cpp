@@ -9,6 +9,8 @@
 #include "analysis/small_elems.h"
 #include "analysis/thin_elems.h"
 #include "mesh/containers.h"
+#include "support/captured_output.h"
+#include "support/command_file.h"
 #include "support/interrupting_handler.h"
 #include "support/marking_hook.h"
 #include "support/random.h"
@@ -199,15 +201,12 @@ class PlainProbe : public Probe<Base> {
 template <class List>
 void expect_prints(List list, const std::string& stale, const std::string& fresh) {
   const MarkingHook hook;
-  std::ostringstream out;
-  tr_set_output(&out);
+  CapturedOutput out;
   list->print();
-  EXPECT_EQ(out.str(), stale);
-  out.str("");
+  EXPECT_EQ(out.take(), stale);
   list->detect_elements();
   list->print();
-  EXPECT_EQ(out.str(), fresh);
-  tr_set_output(nullptr);
+  EXPECT_EQ(out.take(), fresh);
 }
 
 TEST(ElementList, PrintsItsSummaryToTheLetter) {
@@ -244,19 +243,13 @@ TEST(ElementList, DrawsEightPointsForTwoTriangles) {
   block.generate(1, 2, 3);
   block.generate(4, 3, 2);
   TolProbe list(&block, 1.0);
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::tmpfile(), std::fclose);
-  std::ostringstream out;
-  tr_set_output(&out);
-  {
-    const MarkingHook hook;
-    list.karn_picture(file.get());
-  }
-  tr_set_output(nullptr);
-  EXPECT_EQ(out.str(), "< Writing Karn command file ...\n");
-  std::rewind(file.get());
-  std::string text(4096, '\0');
-  text.resize(std::fread(text.data(), 1, text.size(), file.get()));
-  EXPECT_EQ(text,
+  CommandFile file;
+  const MarkingHook hook;
+  CapturedOutput out;
+  list.karn_picture(file.file());
+  EXPECT_EQ(out.take(), "< Writing Karn command file ...\n");
+  std::fclose(file.file());
+  EXPECT_EQ(file.text(),
             "UNSET ECHO#EDIT PLEV -1\n"
             "DELETE PICTURE\n"
             "$$ element 1\n"
