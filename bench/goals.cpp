@@ -78,6 +78,7 @@ std::vector<GoalLine> judge_goals(const RunFacts& facts) {
   judge.ratio("build_edges", "flat_parse", FacetOrder::shuffled, 12.0);
   judge.ratio("reference_elements", "flat_parse", FacetOrder::ordered, 5.0 * 2.0 / 3.0);
   judge.ratio("reference_elements", "flat_parse", FacetOrder::shuffled, 12.0 * 2.0 / 3.0);
+  judge.ratio("find_sick", "flat_parse", 6.0);
   judge.ratio("write_stl", "flat_write", 2.0);
   judge.ratio("write_ast", "flat_write_ascii", 2.0);
   judge.ratio("undo_merge", "flat_parse", 8.0);

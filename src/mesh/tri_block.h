@@ -155,6 +155,8 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   void append_facet(const giPoint3 corners[3]);
 
   void delete_elements(const intcoPageArr& list);
+  /// Deletes elements through `delete_element`, in the order of the set; numbers outside the block are passed over. Returns 1.
+  int delete_in_place(const intcoSet& elements) override;
   void split_elements(const intcoPageArr& list);
   /// Deletes every valid element with two equal nodes.
   void delete_collapsed_elements();
