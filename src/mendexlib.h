@@ -2,6 +2,9 @@
 
 /// The one header that a host includes: everything the library exports.
 
+#include "analysis/orient_group.h"
+#include "analysis/orient_status.h"
+#include "analysis/orienter.h"
 #include "boundaries/containers.h"
 #include "formats/bin_read.h"
 #include "formats/bin_write.h"
