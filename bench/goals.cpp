@@ -80,6 +80,10 @@ std::vector<GoalLine> judge_goals(const RunFacts& facts) {
   judge.ratio("reference_elements", "flat_parse", FacetOrder::shuffled, 12.0 * 2.0 / 3.0);
   judge.ratio("write_stl", "flat_write", 2.0);
   judge.ratio("write_ast", "flat_write_ascii", 2.0);
+  judge.ratio("find_thin", "flat_parse", 3.0);
+  judge.ratio("find_overhanging", "flat_parse", 2.0);
+  judge.ratio("find_overlapping", "flat_parse", 8.0);
+  judge.ratio("orient_normals", "flat_parse", 6.0);
   judge.growth(1.15);
   if (facts.memory) {
     judge.at_most("bytes a triangle, after reading", 220.0, facts.memory->after_reading);
