@@ -2,18 +2,28 @@
 
 #include <algorithm>
 
-void EdgeFan::gather(int node) {
+namespace {
+
+constexpr int after[] = {1, 2, 0, 0};
+constexpr int before[] = {2, 0, 1, 1};
+
+}  // namespace
+
+void EdgeFan::gather(const Start& start) {
+  const int node = start.node;
   count_ = 0;
   plain_ = true;
-  for (auto link = block_.node(node).elements.head(); link != 0; link = coCellPool::next(link)) {
+  for (auto link = start.head; link != 0; link = coCellPool::next(link)) {
     const int e = coCellPool::value(link);
     const trElement& t = block_.element(e);
     if (!t.valid()) continue;
-    const int corner = t[0] == node ? 0 : (t[1] == node ? 1 : 2);
-    if (t[corner] != node) continue;  // rewritten since it was listed
-    const int next = t[(corner + 1) % 3];
-    const int prev = t[(corner + 2) % 3];
-    if (count_ == longest_plain || next == prev || next == node || prev == node) return gather_uses(node);
+    const int uses = (t[0] == node) + (t[1] == node) + (t[2] == node);
+    if (uses == 0) continue;  // rewritten since it was listed
+    // Without branches: in a shuffled mesh nobody could predict them.
+    const int corner = (t[1] == node) + 2 * (t[2] == node);
+    const int next = t[after[corner]];
+    const int prev = t[before[corner]];
+    if (count_ == longest_plain || uses > 1 || next == prev) return gather_uses(start);
     element_[count_] = e;
     corner_[count_] = corner;
     next_[count_] = next;
@@ -22,10 +32,11 @@ void EdgeFan::gather(int node) {
   }
 }
 
-void EdgeFan::gather_uses(int node) {
+void EdgeFan::gather_uses(const Start& start) {
+  const int node = start.node;
   plain_ = false;
   uses_.clear();
-  for (auto link = block_.node(node).elements.head(); link != 0; link = coCellPool::next(link)) {
+  for (auto link = start.head; link != 0; link = coCellPool::next(link)) {
     const int e = coCellPool::value(link);
     const trElement& t = block_.element(e);
     if (!t.valid()) continue;

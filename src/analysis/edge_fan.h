@@ -1,8 +1,10 @@
 #pragma once
 
+#include <algorithm>
 #include <vector>
 
 #include "mesh/tri_block.h"
+#include "progress/progress.h"
 
 /// One use of an edge at a node by one side of an element.
 struct EdgeUse {
@@ -21,50 +23,81 @@ class EdgeFan {
  public:
   explicit EdgeFan(const trTriBlock& block) : block_(block) {}
 
+  /// Visits every node that has elements, ascending; false when interrupted.
+  ///
   /// Calls `visitor.pair(side, neighbour, same)` for each side that leaves the node and has exactly one other element on its edge; `same`
-  /// says whether that element runs the edge in the same direction. Calls `visitor.crowd_at(first, last)` with all uses of any other edge
-  /// that more than one use; edges at a long list are all given that way.
+  /// says whether that element runs the edge in the same direction. Calls `visitor.crowd_at(first, last)` with all uses of any other
+  /// edge that more than one use; edges at a long list are all given that way.
+  /// Calls `visitor.passes(node)` for every node, and `visitor.fetch(e)` some time before element e is given.
   template <class Visitor>
-  void visit(int node, Visitor& visitor) {
-    gather(node);
-    if (plain_) {
-      visit_plain(visitor);
-    } else {
-      visit_sorted(visitor);
+  bool visit_nodes(Visitor& visitor) {
+    const int n = block_.node_count();
+    for (int first = 0; first < n;) {
+      const int last = first + std::min(chunk, n - first);
+      for (start_count_ = 0; first < last; ++first) {
+        if (tr_interrupt()) return false;
+        visitor.passes(first);
+        starts_[start_count_] = {first, block_.node(first).elements.head()};
+        start_count_ += starts_[start_count_].head != 0;
+      }
+      visit_chunk(visitor);
     }
+    return true;
   }
-
-  /// Calls f(element) for the first elements of the node's list, to fetch what will be needed for them.
-  template <class F>
-  void look_ahead(int node, F f) const {
-    if (node >= block_.node_count()) return;
-    intcoSListB::Link link = block_.node(node).elements.head();
-    for (int k = 0; k < looked_ahead && link != 0; ++k, link = coCellPool::next(link)) f(coCellPool::value(link));
-  }
-
-  /// How many nodes ahead a pass does well to look.
-  static constexpr int nodes_ahead = 8;
 
  private:
   static constexpr int longest_plain = 64;
   static constexpr int looked_ahead = 12;
+  static constexpr unsigned one_use = 1u << 16;  // above the sum of all places in a short list
 
-  void gather(int node);
-  void gather_uses(int node);
+  static constexpr int chunk = 1024;
+  static constexpr int nodes_ahead = 8;
+
+  // Where the list of a node starts.
+  struct Start {
+    int node;
+    intcoSListB::Link head;
+  };
+
+  void gather(const Start& start);
+  void gather_uses(const Start& start);
   void gather_crowd(int far_end);
+
+  template <class Visitor>
+  void visit_chunk(Visitor& visitor) {
+    for (int k = 0; k < std::min(nodes_ahead, start_count_); ++k) fetch(starts_[k], visitor);
+    for (int k = 0; k < start_count_; ++k) {
+      if (k + nodes_ahead < start_count_) fetch(starts_[k + nodes_ahead], visitor);
+      gather(starts_[k]);
+      if (plain_) {
+        visit_plain(visitor);
+      } else {
+        visit_sorted(visitor);
+      }
+    }
+  }
+
+  template <class Visitor>
+  void fetch(const Start& start, Visitor& visitor) const {
+    intcoSListB::Link link = start.head;
+    for (int k = 0; k < looked_ahead && link != 0; ++k, link = coCellPool::next(link)) {
+      co_prefetch_for_reading(&block_.element(coCellPool::value(link)));
+      visitor.fetch(coCellPool::value(link));
+    }
+  }
 
   // Counts the uses of each side's edge by other elements; one is the rule.
   template <class Visitor>
   void visit_plain(Visitor& visitor) {
     for (int i = 0; i < count_; ++i) {
       const int far_end = next_[i];
-      int found = 0;
-      int at = 0;
+      unsigned tally = 0;
       for (int j = 0; j < count_; ++j) {
         const bool uses = (prev_[j] == far_end) | ((next_[j] == far_end) & (j != i));
-        found += uses;
-        at = uses ? j : at;
+        tally += uses ? one_use + static_cast<unsigned>(j) : 0u;
       }
+      const unsigned found = tally / one_use;
+      const unsigned at = tally % one_use;  // the place of the one, if it is one
       if (found == 1) {
         if (element_[at] != element_[i]) visitor.pair(side(i), element_[at], next_[at] == far_end);
       } else if (found > 1 && first_to_leave(i)) {
@@ -94,6 +127,9 @@ class EdgeFan {
   }
 
   const trTriBlock& block_;
+  // The nodes of a chunk that have elements: most numbers of a merged mesh have none.
+  int start_count_ = 0;
+  Start starts_[chunk];
   // The entries of a short list whose elements name the node once and have three different nodes.
   bool plain_ = true;
   int count_ = 0;

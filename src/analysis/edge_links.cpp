@@ -3,20 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "progress/progress.h"
-
-EdgeLinks::EdgeLinks(const trTriBlock& block) : links_(static_cast<std::size_t>(block.element_count()), Sides{0, 0, 0}) {
-  EdgeFan fan(block);
-  const int n = block.node_count();
-  for (int i = 0; i < n; ++i) {
-    if (tr_interrupt()) return;
-    fan.look_ahead(i + EdgeFan::nodes_ahead, [&](int e) {
-      co_prefetch_for_reading(&block.element(e));
-      co_prefetch_for_writing(&links_[static_cast<std::size_t>(e)]);
-    });
-    fan.visit(i, *this);
-  }
-  complete_ = true;
+EdgeLinks::EdgeLinks(const trTriBlock& block) : links_(static_cast<std::size_t>(block.element_count())) {
+  complete_ = EdgeFan(block).visit_nodes(*this);
 }
 
 std::vector<int> EdgeLinks::take_crowd(int e, int k) {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "analysis/edge_fan.h"
+#include "platform/containers/flat_array.h"
 #include "platform/utilities/prefetch.h"
 
 /// Which elements meet at each side of every element, and whether they run it in the same direction.
@@ -29,7 +30,9 @@ class EdgeLinks {
   std::vector<int> take_crowd(int e, int k);
 
   // For the pass over the nodes.
-  void pair(const EdgeUse& side, int neighbour, bool same) { set(side, same ? -neighbour : neighbour); }
+  void passes(int) const {}
+  void fetch(int e) const { co_prefetch_for_writing(&links_[static_cast<std::size_t>(e)]); }
+  void pair(const EdgeUse& side, int neighbour, bool same) { set(side, neighbour * (1 - 2 * same)); }
   void crowd_at(const EdgeUse* first, const EdgeUse* last);
 
  private:
@@ -40,7 +43,7 @@ class EdgeLinks {
   void link_crowd(const EdgeUse* first, const EdgeUse* last);
 
   using Sides = std::array<int, 3>;
-  std::vector<Sides> links_;
+  coFlatArray<Sides> links_;
   std::vector<Sides> crowd_of_;            // which crowd a side belongs to; empty while there are none
   std::vector<std::vector<int>> crowds_;   // emptied once handed out
   bool complete_ = false;

@@ -88,9 +88,8 @@ bool trOrientGroup::expand(EdgeLinks& links, int e) {
 // An element that runs the edge back agrees with the one it is reached from; one that runs it in the same direction is against it.
 bool trOrientGroup::reach(int link, int from) {
   if (tr_interrupt()) return false;
-  const trOrientStatus s = orienter->status(from);
-  const trOrientStatus flip = s == tr_orient_same ? tr_orient_opposite : tr_orient_same;
-  add_to_group(std::abs(link), link < 0 ? flip : s, from);
+  const int s = orienter->status(from);
+  add_to_group(std::abs(link), static_cast<trOrientStatus>(link < 0 ? -s : s), from);
   return true;
 }
 

@@ -44,7 +44,7 @@ class MENDEX_EXPORT trOrienter {
   // Which elements meet at the sides of each; null when interrupted before all are known.
   EdgeLinks* links();
 
-  intcoPageArr status_;
+  intcoPageArr status_{12, 5, 10};
   int first_unset_ = 0;  // no lower element is unset
   std::unique_ptr<EdgeLinks> links_;
 };

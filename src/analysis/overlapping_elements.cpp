@@ -7,6 +7,7 @@
 
 #include "analysis/edge_fan.h"
 #include "mesh/neighbour_search.h"
+#include "platform/containers/flat_array.h"
 #include "progress/progress.h"
 
 namespace {
@@ -50,9 +51,9 @@ class FacetNormals {
   void prefetch(int e) const { co_prefetch_for_reading(at(e)); }
 
  private:
-  const double* at(int e) const { return components_.data() + 3 * static_cast<std::size_t>(e); }
-  double* at(int e) { return components_.data() + 3 * static_cast<std::size_t>(e); }
-  std::vector<double> components_;
+  const double* at(int e) const { return &components_[3 * static_cast<std::size_t>(e)]; }
+  double* at(int e) { return &components_[3 * static_cast<std::size_t>(e)]; }
+  coFlatArray<double> components_;
 };
 
 // Compares each element with the neighbour across each of its sides: the first other element in the list of the node where the side
@@ -63,7 +64,7 @@ class OverlapSearch {
       : block_(block), bound_(tol.radians()), normals_(block.element_count()), listed_(normals_size()) {}
 
   /// Whether it ran to the end.
-  bool run() { return compute_normals() && compare_neighbours(); }
+  bool run() { return compute_normals() && EdgeFan(block_).visit_nodes(*this); }
 
   giAngle sharpest() const {
     return least_dot_ > 1.0 ? giAngle::from_degrees(180.0) : giAngle::from_radians(enclosed_angle(least_dot_));
@@ -75,6 +76,8 @@ class OverlapSearch {
     }
   }
 
+  void passes(int node) const { tr_report_nodes(node, block_.node_count(), 50.0, 100.0); }
+  void fetch(int e) const { normals_.prefetch(e); }
   void pair(const EdgeUse& side, int neighbour, bool same) {
     if (!same) compare(side.element, neighbour);
   }
@@ -107,21 +110,6 @@ class OverlapSearch {
       } else {
         normals_.set_none(e);
       }
-    }
-    return true;
-  }
-
-  bool compare_neighbours() {
-    EdgeFan fan(block_);
-    const int n = block_.node_count();
-    for (int i = 0; i < n; ++i) {
-      if (tr_interrupt()) return false;
-      tr_report_nodes(i, n, 50.0, 100.0);
-      fan.look_ahead(i + EdgeFan::nodes_ahead, [&](int e) {
-        co_prefetch_for_reading(&block_.element(e));
-        normals_.prefetch(e);
-      });
-      fan.visit(i, *this);
     }
     return true;
   }
