@@ -43,74 +43,95 @@ void trOrientGroup::find_seed() {
   orienter->set_status(e, tr_orient_same);
   num_same = 1;
   members_.assign(1, e);
+  member_count_ = 1;
 }
 
 void trOrientGroup::find_connected_group() {
   if (no_seed()) return;
   EdgeLinks* const links = orienter->links();
   if (links == nullptr) return;
-  for (std::size_t at = 0; at < members_.size(); ++at) {
+  for (int at = 0; at < member_count_; ++at) {
     if (tr_interrupt()) return;
     look_ahead(*links, at);
-    if (!expand(*links, members_[at])) return;
+    if (!expand(*links, member(at))) return;
   }
 }
 
 // First the links of an element that will be taken, then the states of its neighbours: in a shuffled mesh each is a cache miss.
-void trOrientGroup::look_ahead(const EdgeLinks& links, std::size_t at) const {
-  constexpr std::size_t far_ahead = 16;
-  constexpr std::size_t near_ahead = 8;
-  if (at + far_ahead < members_.size()) links.prefetch(members_[at + far_ahead]);
-  if (at + near_ahead >= members_.size()) return;
+void trOrientGroup::look_ahead(const EdgeLinks& links, int at) const {
+  constexpr int far_ahead = 32;
+  constexpr int near_ahead = 16;
+  if (at + far_ahead < member_count_) links.fetch(member(at + far_ahead));
+  if (at + near_ahead >= member_count_) return;
   for (int k = 0; k < 3; ++k) {
-    const int link = links.link(members_[at + near_ahead], k);
+    const int link = links.link(member(at + near_ahead), k);
     if (link != EdgeLinks::crowd) co_prefetch_for_writing(&orienter->status_.at(std::abs(link)));
   }
 }
 
-// Among three elements at an edge two run it in the same direction, and then the third cannot suit both: a crowd is never orientable.
+// An element that runs an edge back agrees with the one it is reached from; one that runs it in the same direction is against it.
 bool trOrientGroup::expand(EdgeLinks& links, int e) {
+  const int s = orienter->status(e);
+  make_room();
   for (int k = 0; k < 3; ++k) {
     const int link = links.link(e, k);
-    if (link == 0) continue;
-    if (link != EdgeLinks::crowd) {
-      if (!reach(link, e)) return false;
-      continue;
-    }
-    orientable = 0;
-    for (int member : links.take_crowd(e, k)) {
-      if (std::abs(member) != e && !reach(member, e)) return false;
+    if (link == EdgeLinks::crowd) {
+      if (!reach_crowd(links.take_crowd(e, k), e)) return false;
+    } else if (link != 0) {
+      if (tr_interrupt()) return false;
+      enter(std::abs(link), link < 0 ? -s : s);
     }
   }
   return true;
 }
 
-// An element that runs the edge back agrees with the one it is reached from; one that runs it in the same direction is against it.
-bool trOrientGroup::reach(int link, int from) {
-  if (tr_interrupt()) return false;
+// Among three elements at an edge two run it in the same direction, and then the third cannot suit both.
+bool trOrientGroup::reach_crowd(const std::vector<int>& members, int from) {
+  orientable = 0;
   const int s = orienter->status(from);
-  add_to_group(std::abs(link), static_cast<trOrientStatus>(link < 0 ? -s : s), from);
+  for (int member : members) {
+    if (std::abs(member) == from) continue;
+    if (tr_interrupt()) return false;
+    make_room();
+    enter(std::abs(member), member < 0 ? -s : s);
+  }
+  make_room();
   return true;
 }
 
 int trOrientGroup::add_to_group(int e, trOrientStatus s, int) {
-  const trOrientStatus before = orienter->status(e);
-  if (before != tr_orient_unset) {
-    if (before != s) orientable = 0;
-    return 0;
+  make_room();
+  return enter(e, s);
+}
+
+// Room for the three neighbours of an element, so that entering needs no test.
+void trOrientGroup::make_room() {
+  const std::size_t needed = static_cast<std::size_t>(member_count_) + 3;
+  if (members_.size() < needed) members_.resize(std::max(needed, 2 * members_.size()));
+}
+
+// Whether an element is new cannot be predicted, so nothing here depends on it by a branch.
+bool trOrientGroup::enter(int e, int s) {
+  int& state = orienter->status_.at(e);
+  const bool fresh = state == tr_orient_unset;
+  orientable &= fresh | (state == s);
+  state = fresh ? s : state;
+  members_[static_cast<std::size_t>(member_count_)] = e;
+  member_count_ += fresh;
+  num_opposite += fresh & (s == tr_orient_opposite);
+  num_same += fresh & (s != tr_orient_opposite);
+  if (tr_current_break_handler != nullptr && fresh) {
+    tr_report_triangles(num_same + num_opposite, orienter->num_elements(), 0.0, 100.0);
   }
-  ++(s == tr_orient_opposite ? num_opposite : num_same);
-  orienter->set_status(e, s);
-  members_.push_back(e);
-  tr_report_triangles(num_same + num_opposite, orienter->num_elements(), 0.0, 100.0);
-  return 1;
+  return fresh;
 }
 
 int trOrientGroup::do_reversals() {
   if (num_reverse() == 0) return 0;
   const trOrientStatus minority = num_same < num_opposite ? tr_orient_same : tr_orient_opposite;
   std::vector<int> reversed;
-  for (int e : members_) {
+  for (int k = 0; k < member_count_; ++k) {
+    const int e = member(k);
     if (orienter->status(e) == minority) reversed.push_back(e);
     orienter->set_status(e, tr_orient_done);
   }

@@ -34,9 +34,13 @@ class MENDEX_EXPORT trOrientGroup {
   int do_reversals();
 
  private:
-  void look_ahead(const EdgeLinks& links, std::size_t at) const;
+  int member(int k) const { return members_[static_cast<std::size_t>(k)]; }
+  void look_ahead(const EdgeLinks& links, int at) const;
   bool expand(EdgeLinks& links, int e);
-  bool reach(int link, int from);
+  bool reach_crowd(const std::vector<int>& members, int from);
+  void make_room();
+  bool enter(int e, int s);
 
   std::vector<int> members_;  // in the order in which they were reached, which makes them the queue of the search as well
+  int member_count_ = 0;      // entries beyond it are room for more
 };
