@@ -3,6 +3,11 @@
 /// The one header that a host includes: everything the library exports.
 
 #include "boundaries/containers.h"
+#include "boundaries/cycle.h"
+#include "boundaries/cycle_array.h"
+#include "boundaries/cycle_it.h"
+#include "boundaries/cycle_nodes.h"
+#include "boundaries/cycle_rep.h"
 #include "formats/bin_read.h"
 #include "formats/bin_write.h"
 #include "formats/tri_read.h"
