@@ -18,20 +18,21 @@ class coPageArrcoIterator;
 /// Entry i lives in page i >> shift at slot i & (page size - 1). Indexing past the end grows the array. Entries never move:
 /// addresses hold until `clear` or `shrink` with freeing, `repaginate`, or destruction. Pages are allocated whole, with every
 /// entry default-constructed (numbers are zero).
-/// An empty array allocates nothing. Cost: O(1) an entry; a page costs one allocation.
+/// An empty array allocates nothing, and one in static storage can be used before main. Cost: O(1) an entry; a page costs one
+/// allocation.
 template <class T>
 class coPageArr {
  public:
   using coIterator = coPageArrcoIterator<T>;
 
-  coPageArr() : coPageArr(8, 5, 10) {}
+  constexpr coPageArr() : coPageArr(8, 5, 10) {}
 
   /// @param shift  log2 of the entries in a page
   /// @param cap    initial capacity of the page-pointer array
   /// @param inc    its increment
   /// @param first  ordinal of its first page to the page heap, which gives cheaper memory to later pages: positive for an array that
   ///               is not expected to stay small
-  coPageArr(int shift, int cap, int inc, int first = 0)
+  constexpr coPageArr(int shift, int cap, int inc, int first = 0)
       : page_size_(1 << shift), page_shift_(shift), pages_(cap, inc), first_ordinal_(first) {}
 
   coPageArr(std::initializer_list<T> entries) : coPageArr() {
