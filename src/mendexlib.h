@@ -2,6 +2,9 @@
 
 /// The one header that a host includes: everything the library exports.
 
+#include "analysis/box_cache.h"
+#include "analysis/box_checker.h"
+#include "analysis/box_grid.h"
 #include "boundaries/containers.h"
 #include "formats/bin_read.h"
 #include "formats/bin_write.h"
