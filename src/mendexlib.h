@@ -2,6 +2,9 @@
 
 /// The one header that a host includes: everything the library exports.
 
+#include "analysis/box_cache.h"
+#include "analysis/box_checker.h"
+#include "analysis/box_grid.h"
 #include "analysis/elem_list_tol.h"
 #include "analysis/element_list.h"
 #include "analysis/isect_elems.h"

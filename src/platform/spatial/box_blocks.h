@@ -60,9 +60,9 @@ struct alignas(32) BoxBlock {
 /// The number of the lowest bit that is set; there must be one.
 inline int lowest_bit(unsigned bits) { return __builtin_ctz(bits); }
 
-/// Bounding boxes over a list of boxes: the list is cut into blocks of eight, the boxes of these blocks form a list that is cut in
-/// the same way, and so on up to a single block. So a block is found by its number and there are no pointers.
-/// Neighbours in the list should be near in space. Memory: 28 bytes a box.
+/// Bounding boxes over a list of boxes: the list is cut into blocks of eight, the boxes of these blocks form a list
+/// that is cut in the same way, and so on up to a single block. So a block is found by its number and there are no
+/// pointers. Neighbours in the list should be near in space. Memory: 28 bytes a box.
 class BoxBlocks {
  public:
   explicit BoxBlocks(const std::vector<FloatBox>& boxes) {
@@ -74,8 +74,14 @@ class BoxBlocks {
   int count() const { return level_count_[0]; }
   const BoxBlock& block(int b) const { return blocks_[static_cast<std::size_t>(b)]; }
 
-  /// Calls visit(b) for the blocks of the list, ascending, whose boundary overlaps `box`, apart from those that lie in a stretch of
-  /// blocks for which skip(first, last) holds; it may be asked about any stretch.
+  /// What block b of the list lies in.
+  FloatBox boundary(int b) const {
+    if (levels_ == 1) return block(b).whole();
+    return at({1, b / BoxBlock::width}).get(b % BoxBlock::width);
+  }
+
+  /// Calls visit(b) for the blocks of the list, ascending, whose boundary overlaps `box`, apart from those that lie in
+  /// a stretch of blocks for which skip(first, last) holds; it may be asked about any stretch.
   template <class Skip, class Visit>
   void visit_blocks(const FloatBox& box, Skip skip, Visit visit) const {
     Place stack[max_levels * BoxBlock::width];
@@ -106,7 +112,9 @@ class BoxBlocks {
 
   static int highest_bit(unsigned bits) { return 31 - __builtin_clz(bits); }
   int top_level() const { return levels_ - 1; }
-  const BoxBlock& at(Place place) const { return blocks_[level_start_[place.level] + static_cast<std::size_t>(place.block)]; }
+  const BoxBlock& at(Place place) const {
+    return blocks_[level_start_[place.level] + static_cast<std::size_t>(place.block)];
+  }
   int first_block(Place place) const { return place.block << (3 * place.level); }
   int last_block(Place place) const {
     const long long end = (static_cast<long long>(place.block) + 1) << (3 * place.level);
@@ -134,3 +142,26 @@ class BoxBlocks {
   int level_count_[max_levels] = {};
   std::vector<BoxBlock> blocks_;
 };
+
+/// Calls walk.visit(i, j), i < j, for the pairs of boxes of the list that overlap.
+///
+/// Before block a is compared with itself and the blocks behind it, walk.enter(a) is asked, and the walk ends when it
+/// says no. Pairs of a with a block in a stretch of blocks for which walk.skip(first, last) holds are left out. Cost:
+/// about O(n + pairs) for small boxes that do not pile up.
+template <class Walk>
+void walk_box_pairs(const BoxBlocks& blocks, Walk& walk) {
+  constexpr int width = BoxBlock::width;
+  for (int a = 0; a < blocks.count() && walk.enter(a); ++a) {
+    const BoxBlock& block_a = blocks.block(a);
+    const auto skip = [&](int first, int last) { return last < a || walk.skip(first, last); };
+    blocks.visit_blocks(blocks.boundary(a), skip, [&](int b) {
+      const BoxBlock& block_b = blocks.block(b);
+      for (unsigned lanes = block_a.overlapping(blocks.boundary(b)); lanes != 0; lanes &= lanes - 1) {
+        const int i = lowest_bit(lanes);
+        unsigned others = block_b.overlapping(block_a.get(i));
+        if (a == b) others &= ~1u << i;
+        for (; others != 0; others &= others - 1) walk.visit(width * a + i, width * b + lowest_bit(others));
+      }
+    });
+  }
+}

@@ -31,8 +31,8 @@ struct Stretch {
   }
 };
 
-// All centres when that is not much longer than the middle nine tenths of a sample of them, else some lengths of those beyond
-// each end.
+// All centres when that is not much longer than the middle nine tenths of a sample of them, else some lengths of those
+// beyond each end.
 Stretch stretch_of(const std::vector<FloatBox>& boxes, int axis) {
   constexpr std::size_t sample_size = 1000;
   const std::size_t stride = boxes.size() / sample_size + 1;
