@@ -81,7 +81,9 @@ class EdgeFan {
   void fetch(const Start& start, Visitor& visitor) const {
     intcoSListB::Link link = start.head;
     for (int k = 0; k < looked_ahead && link != 0; ++k, link = coCellPool::next(link)) {
-      co_prefetch_for_reading(&block_.element(coCellPool::value(link)));
+      trElement& t = block_.element(coCellPool::value(link));
+      co_prefetch_for_reading(&t[0]);
+      co_prefetch_for_reading(&t[2]);  // may lie across two cache lines
       visitor.fetch(coCellPool::value(link));
     }
   }

@@ -31,7 +31,11 @@ class EdgeLinks {
 
   // For the pass over the nodes.
   void passes(int) const {}
-  void fetch(int e) const { co_prefetch_for_writing(&links_[static_cast<std::size_t>(e)]); }
+  void fetch(int e) const {
+    const Sides& sides = links_[static_cast<std::size_t>(e)];
+    co_prefetch_for_writing(&sides[0]);
+    co_prefetch_for_writing(&sides[2]);  // may lie across two cache lines
+  }
   void pair(const EdgeUse& side, int neighbour, bool same) { set(side, neighbour * (1 - 2 * same)); }
   void crowd_at(const EdgeUse* first, const EdgeUse* last);
 

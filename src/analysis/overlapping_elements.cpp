@@ -48,7 +48,10 @@ class FacetNormals {
     const double* b = at(f);
     return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
   }
-  void prefetch(int e) const { co_prefetch_for_reading(at(e)); }
+  void prefetch(int e) const {
+    co_prefetch_for_reading(at(e));
+    co_prefetch_for_reading(at(e) + 2);  // may lie across two cache lines
+  }
 
  private:
   const double* at(int e) const { return &components_[3 * static_cast<std::size_t>(e)]; }
