@@ -19,7 +19,7 @@ class CutSearch final : private FanSearch::Visitor {
  public:
   /// Pairs that are kept for each element, and at least.
   static constexpr int kept_pairs_each = 16;
-  static constexpr int least_kept_pairs = 1 << 22;
+  static constexpr int least_kept_pairs = 1 << 20;
 
   CutSearch(const CutField& field, double tol);
 
