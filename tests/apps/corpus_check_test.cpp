@@ -69,7 +69,9 @@ class Comparison {
 
   void compare_intersections() {
     EXPECT_EQ(report_.at("intersecting") == 0, none("si_facets"));
-    if (none("si_overlap")) EXPECT_GE(report_.at("intersecting"), truth_.at("si_facets"));
+    if (none("si_overlap")) {
+      EXPECT_GE(report_.at("intersecting"), truth_.at("si_facets"));
+    }
   }
 
   const Json& truth_;
