@@ -1,6 +1,7 @@
 // The boundary report and the picture file.
 
 #include <map>
+#include <ostream>
 
 #include "boundaries/cycle_array.h"
 #include "boundaries/cycle_it.h"
