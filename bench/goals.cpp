@@ -80,6 +80,12 @@ std::vector<GoalLine> judge_goals(const RunFacts& facts) {
   judge.ratio("reference_elements", "flat_parse", FacetOrder::shuffled, 12.0 * 2.0 / 3.0);
   judge.ratio("write_stl", "flat_write", 2.0);
   judge.ratio("write_ast", "flat_write_ascii", 2.0);
+  judge.ratio("undo_merge", "flat_parse", 8.0);
+  judge.ratio("redo_merge", "flat_parse", 8.0);
+  judge.ratio("merge_journalled", "unduplicate_exact", 1.6);
+  for (const char* edit : {"reverse", "delete_all", "transform", "renumber"}) {
+    judge.ratio(std::string(edit) + "_journalled", edit, 1.6);
+  }
   judge.growth(1.15);
   if (facts.memory) {
     judge.at_most("bytes a triangle, after reading", 220.0, facts.memory->after_reading);

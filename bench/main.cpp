@@ -114,6 +114,7 @@ std::vector<Measure> all_measures() {
   add_stl_measures(list);
   add_merge_measures(list);
   add_topology_measures(list);
+  add_undo_measures(list);
   return list;
 }
 
