@@ -16,6 +16,7 @@
 #include "boundaries/cycle_it.h"
 #include "boundaries/cycle_nodes.h"
 #include "boundaries/cycle_rep.h"
+#include "boundaries/section.h"
 #include "formats/bin_read.h"
 #include "formats/bin_write.h"
 #include "formats/tri_read.h"
