@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string>
 
 #include "mesh/aspect_utils.h"
 #include "mesh/tri_block.h"
@@ -15,14 +16,8 @@ class BlockReport {
  public:
   BlockReport(const trTriBlock& block, double tol, std::FILE* file) : block_(block), tol_(tol), file_(file) {}
 
-  template <class... Values>
-  void command(const char* format, Values... values) const {
-    if (file_ == nullptr) return;
-    if constexpr (sizeof...(values) == 0) {
-      write_text(file_, "%s", tr_brnknls(format));
-    } else {
-      write_text(file_, tr_brnknls(format), values...);
-    }
+  void command(const std::string& text) const {
+    if (file_ != nullptr) std::fputs(text.c_str(), file_);
   }
 
   bool nodes() const {
@@ -40,8 +35,8 @@ class BlockReport {
       print_text(tr_brnknls("  There are %d attributes stored per node\n"), block_.node_data_size());
     }
     print_text(tr_brnknls("  Node count: %d(max node num is %d)\n"), valid, highest);
-    command("INPUT REGISTER @NUMNOD %d\n", valid);
-    command("INPUT REGISTER @MAXNOD %d\n", highest);
+    command(format_text(tr_brnknls("INPUT REGISTER @NUMNOD %d\n"), valid));
+    command(format_text(tr_brnknls("INPUT REGISTER @MAXNOD %d\n"), highest));
     return true;
   }
 
@@ -55,8 +50,8 @@ class BlockReport {
       highest = e;
     }
     print_text(tr_brnknls("  Element count: %d(max element num is %d)\n"), valid, highest);
-    command("INPUT REGISTER @NUMELE %d\n", valid);
-    command("INPUT REGISTER @MAXELE %d\n", highest);
+    command(format_text(tr_brnknls("INPUT REGISTER @NUMELE %d\n"), valid));
+    command(format_text(tr_brnknls("INPUT REGISTER @MAXELE %d\n"), highest));
     return true;
   }
 
@@ -67,7 +62,7 @@ class BlockReport {
     line.text("  Size:-  ");
     if (box.is_empty()) {
       line.text("unevaluated.");
-      command("DELETE REGISTER @SIZE\n");
+      command(tr_brnknls("DELETE REGISTER @SIZE\n"));
       return true;
     }
     const giPoint3 low = box.min();
@@ -75,8 +70,8 @@ class BlockReport {
     line.text("X: ").number(low.x).text(", ").number(high.x).text("   ");
     line.text("Y: ").number(low.y).text(", ").number(high.y).text("   ");
     line.text("Z: ").number(low.z).text(", ").number(high.z).text("   ");
-    command("INPUT REGISTER @SIZE %lf %lf %lf $\n", low.x, high.x, low.y);
-    command("                     %lf %lf %lf\n", high.y, low.z, high.z);
+    command(format_text(tr_brnknls("INPUT REGISTER @SIZE %lf %lf %lf $\n"), low.x, high.x, low.y));
+    command(format_text(tr_brnknls("                     %lf %lf %lf\n"), high.y, low.z, high.z));
     return true;
   }
 
@@ -84,7 +79,7 @@ class BlockReport {
     intcoPageArr list;
     block_.find_sick(list, 0);
     if (tr_interrupt()) return false;
-    command("INPUT REGISTER @NUMSICK %d\n", list.count());
+    command(format_text(tr_brnknls("INPUT REGISTER @NUMSICK %d\n"), list.count()));
     return true;
   }
 
@@ -101,8 +96,8 @@ class BlockReport {
     }
     print_text(tr_brnknls("  Min element height: %lf  (%d are less than %lf)\n"), height.value(), height.below, tol_);
     print_text(tr_brnknls("  Min element aspect: %lf  (%d are less than %lf)\n"), aspect.value(), aspect.below, tol_);
-    command("INPUT REGISTER @MINHITE %lf\n", height.value());
-    command("INPUT REGISTER @MINASPT %lf\n", aspect.value());
+    command(format_text(tr_brnknls("INPUT REGISTER @MINHITE %lf\n"), height.value()));
+    command(format_text(tr_brnknls("INPUT REGISTER @MINASPT %lf\n"), aspect.value()));
     return true;
   }
 
@@ -113,8 +108,8 @@ class BlockReport {
     const double angle_deg = 180.0 - giAngle::from_radians(std::acos(least)).degrees();
     const double overlap_tol = (least + 1.0) * 0.5;
     print_text(tr_brnknls("  Sharpest Angle: %lf degrees (overlap tol: %lf, %d angles < %lf)\n"), angle_deg, overlap_tol, below, tol_);
-    command("INPUT REGISTER @ANGLE %lf\n", angle_deg);
-    command("INPUT REGISTER @OVERTOL %lf\n", overlap_tol);
+    command(format_text(tr_brnknls("INPUT REGISTER @ANGLE %lf\n"), angle_deg));
+    command(format_text(tr_brnknls("INPUT REGISTER @OVERTOL %lf\n"), overlap_tol));
     return true;
   }
 
@@ -141,7 +136,7 @@ class BlockReport {
 
 void trTriBlock::info(double tol, std::FILE* file, int level) const {
   const BlockReport report(*this, tol, file);
-  report.command("UNSET ECHO#EDIT PLEV -1\n");
+  report.command(tr_brnknls("UNSET ECHO#EDIT PLEV -1\n"));
   if (verbose) reference_elements();
   print_message("TriBlock info...");
   if (!report.nodes() || !report.elements() || !report.size()) return;

@@ -1,6 +1,7 @@
 // Brackets round edits, and taking them back.
 
 #include <algorithm>
+#include <ostream>
 
 #include "control/control.h"
 #include "progress/message.h"

@@ -45,10 +45,8 @@ int trUndoHist::finish() {
     record.trim_pages();
     return 1;
   }
-  std::ostream& out = tr_out();
-  out << '\n' << tr_brnknls("! ");
-  out << tr_brnknls("Operation had no effect. No undo information stored.");
-  out << tr_brnknls(" !") << '\n';
+  tr_out() << '\n';
+  MessageLine().text("! ").text("Operation had no effect. No undo information stored.").text(" !");
   last_ = --current_;
   return 0;
 }
@@ -73,10 +71,7 @@ void trUndoHist::redo() {
 
 void trUndoHist::reset(const utString& file) {
   if (!file_name.empty()) {
-    std::ostream& out = tr_out();
-    out << tr_brnknls("Undo information for '");
-    out << file_name.c_str();
-    out << tr_brnknls("' has been cancelled.") << '\n';
+    MessageLine().text("Undo information for '").raw(file_name.c_str()).text("' has been cancelled.");
   }
   if (!file.empty()) file_name = file;
   last_ = -1;
@@ -103,7 +98,7 @@ void trUndoHist::print_file_name(std::FILE* f) const {
     if (f != nullptr) write_text(f, "%s", tr_brnknls("Data not yet read from file.\n"));
     return;
   }
-  tr_out() << tr_brnknls("FILE: ") << file_name.c_str() << '\n';
+  MessageLine().text("FILE: ").raw(file_name.c_str());
   if (f != nullptr) write_text(f, tr_brnknls("FILE: %s\n"), file_name.c_str());
 }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "control/control.h"
+#include "progress/progress.h"
 #include "support/captured_output.h"
 #include "support/command_file.h"
 #include "support/interrupting_handler.h"
