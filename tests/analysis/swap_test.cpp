@@ -123,7 +123,7 @@ TEST(SwapElements, ConsidersElementsWithoutAspect) {
 }
 
 TEST(SwapElements, SwapsAllEdgesAtOneNode) {
-  constexpr int many = 50000;
+  constexpr int many = 20000;
   Shape wheel = cone_fan(many);
   wheel.points[0] = giPoint3(0, 0, 0);
   const int first = static_cast<int>(wheel.points.size());
