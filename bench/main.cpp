@@ -115,6 +115,7 @@ std::vector<Measure> all_measures() {
   add_merge_measures(list);
   add_topology_measures(list);
   add_shapes_measures(list);
+  add_undo_measures(list);
   return list;
 }
 

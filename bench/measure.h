@@ -19,6 +19,7 @@ void add_stl_measures(std::vector<Measure>& list);
 void add_merge_measures(std::vector<Measure>& list);
 void add_topology_measures(std::vector<Measure>& list);
 void add_shapes_measures(std::vector<Measure>& list);
+void add_undo_measures(std::vector<Measure>& list);
 
 /// All of them, in the order in which a round runs them.
 std::vector<Measure> all_measures();

@@ -2,9 +2,17 @@
 
 /// The one header that a host includes: everything the library exports.
 
+#include "analysis/elem_list_tol.h"
+#include "analysis/element_list.h"
+#include "analysis/isect_elems.h"
 #include "analysis/orient_group.h"
 #include "analysis/orient_status.h"
 #include "analysis/orienter.h"
+#include "analysis/overhang_elems.h"
+#include "analysis/overlap_elems.h"
+#include "analysis/sick_elems.h"
+#include "analysis/small_elems.h"
+#include "analysis/thin_elems.h"
 #include "boundaries/containers.h"
 #include "formats/bin_read.h"
 #include "formats/bin_write.h"
@@ -50,6 +58,7 @@
 #include "platform/containers/shared_ptr.h"
 #include "platform/containers/sort.h"
 #include "platform/digitiser/poi_filter.h"
+#include "platform/digitiser/tri_mask.h"
 #include "platform/geometry/angle.h"
 #include "platform/geometry/arrays.h"
 #include "platform/geometry/axis.h"
@@ -80,3 +89,6 @@
 #include "progress/progress.h"
 #include "undo/containers.h"
 #include "undo/undo.h"
+#include "undo/undo_element.h"
+#include "undo/undo_hist.h"
+#include "undo/undo_node.h"

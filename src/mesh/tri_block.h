@@ -270,6 +270,8 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
  private:
   friend class trControl;
   friend class trUndo;
+  friend class trUndoElement;
+  friend class trUndoNode;
   friend class trCycleArray;
 
   trTriBlock* self() const { return const_cast<trTriBlock*>(this); }

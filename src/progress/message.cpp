@@ -44,14 +44,23 @@ std::string format_list(const char* format, std::va_list values) {
 
 }  // namespace
 
-void print_message(const char* text) { tr_out() << tr_brnknls(text) << '\n'; }
+MessageLine::~MessageLine() { out_ << '\n'; }
+
+MessageLine& MessageLine::text(const char* text) { return raw(tr_brnknls(text)); }
+
+MessageLine& MessageLine::raw(const char* characters) {
+  out_ << characters;
+  return *this;
+}
+
+MessageLine& MessageLine::number(std::int64_t number) { return raw(std::to_string(number).c_str()); }
+
+MessageLine& MessageLine::number(double number) { return raw(format_text("%g", number).c_str()); }
+
+void print_message(const char* text) { MessageLine().text(text); }
 
 void print_message(const char* before, std::int64_t number, const char* after) {
-  // Each text is shown before the next is translated: a hook may use one buffer for all its answers.
-  std::ostream& out = tr_out();
-  out << tr_brnknls(before);
-  out << std::to_string(number);
-  out << tr_brnknls(after) << '\n';
+  MessageLine().text(before).number(number).text(after);
 }
 
 std::string format_text(const char* format, ...) {

@@ -14,6 +14,28 @@ void print_message(const char* text);
 /// Prints a line made of two such texts and a number between them.
 void print_message(const char* before, std::int64_t number, const char* after);
 
+/// A line made of texts and values. Each text is shown before the next is translated: a hook may use one buffer for all its answers.
+class MessageLine {
+ public:
+  MessageLine() : out_(tr_out()) {}
+  MessageLine(const MessageLine&) = delete;
+  MessageLine& operator=(const MessageLine&) = delete;
+  /// Ends the line.
+  ~MessageLine();
+
+  /// A text for people, translated.
+  MessageLine& text(const char* text);
+  /// Characters as they are: names of files, of operations.
+  MessageLine& raw(const char* characters);
+  MessageLine& number(std::int64_t number);
+  MessageLine& number(int number) { return this->number(static_cast<std::int64_t>(number)); }
+  /// At most six digits, as "%g" writes it.
+  MessageLine& number(double number);
+
+ private:
+  std::ostream& out_;
+};
+
 /// Formats as printf does. The format is used as it stands: a translated one must take the same values.
 __attribute__((format(printf, 1, 2))) std::string format_text(const char* format, ...);
 

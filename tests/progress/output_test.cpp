@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <iostream>
 
 #include "progress/message.h"
+#include "support/comma_locale.h"
 
 namespace {
 
@@ -44,9 +44,8 @@ TEST(Output, TextsPassTheTranslationHookThatIsRegistered) {
 
 // Texts and command files must read the same to a program whatever the user's locale: a decimal point, no grouping.
 TEST(Output, FormatsNumbersAsInTheCLocale) {
-  const char* const former = std::setlocale(LC_ALL, nullptr);
-  const std::string kept = former;
-  if (std::setlocale(LC_ALL, "de_DE.UTF-8") == nullptr) GTEST_SKIP() << "there is no German locale";
+  const CommaLocale locale;
+  if (!locale.is_set()) GTEST_SKIP() << "no locale with a comma as decimal point is installed or can be made";
   EXPECT_EQ(format_text("%d %lf%s", 1234567, 0.5, " end"), "1234567 0.500000 end");
   EXPECT_EQ(format_text("%lf", 1.7976931348623157e308).size(), 316u);
   std::ostringstream stream;
@@ -61,5 +60,4 @@ TEST(Output, FormatsNumbersAsInTheCLocale) {
   EXPECT_EQ(std::fread(text, 1, sizeof text - 1, file), 10u);
   std::fclose(file);
   EXPECT_STREQ(text, "1.500000 x");
-  std::setlocale(LC_ALL, kept.c_str());
 }

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <sstream>
+#include <string>
+
+#include "progress/output.h"
+
+/// Collects what the library prints while it lives.
+class CapturedOutput {
+ public:
+  CapturedOutput() { tr_set_output(&stream_); }
+  CapturedOutput(const CapturedOutput&) = delete;
+  CapturedOutput& operator=(const CapturedOutput&) = delete;
+  ~CapturedOutput() { tr_set_output(nullptr); }
+
+  /// What was printed since the last call.
+  std::string take() {
+    std::string text = stream_.str();
+    stream_.str("");
+    return text;
+  }
+
+ private:
+  std::ostringstream stream_;
+};
