@@ -89,6 +89,10 @@ std::vector<GoalLine> judge_goals(const RunFacts& facts) {
   judge.ratio("isect_overlapping", "isect_overlapping_cgal", 0.5);
   judge.ratio("write_stl", "flat_write", 2.0);
   judge.ratio("write_ast", "flat_write_ascii", 2.0);
+  judge.ratio("find_thin", "flat_parse", 3.0);
+  judge.ratio("find_overhanging", "flat_parse", 2.0);
+  judge.ratio("find_overlapping", "flat_parse", 8.0);
+  judge.ratio("orient_normals", "flat_parse", 6.0);
   judge.ratio("undo_merge", "flat_parse", 8.0);
   judge.ratio("redo_merge", "flat_parse", 8.0);
   judge.ratio("merge_journalled", "unduplicate_exact", 1.6);
