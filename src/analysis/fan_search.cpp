@@ -172,29 +172,42 @@ class FanSearch::DirectionWalk {
     const int first = a * BoxBlock::width;
     const int last = last_in(a);
     same_ = Stretch();
+    settled_ = is_settled(a);
     if (first > last || group(first) == 0 || group(first) != group(last)) return true;
     const auto run = std::equal_range(group_.begin(), group_.end(), group(first));
     same_ = {static_cast<int>(run.first - group_.begin()), static_cast<int>(run.second - group_.begin()) - 1};
     return true;
   }
-  bool skip(int first, int last) const { return same_.holds(first * BoxBlock::width, last_in(last)); }
+  bool skip(int first, int last) const {
+    if (settled_ && first == last && is_settled(first)) return true;
+    return same_.holds(first * BoxBlock::width, last_in(last));
+  }
   void visit(int i, int j) {
     const int a = order_[static_cast<std::size_t>(i)];
     const int b = order_[static_cast<std::size_t>(j)];
     if (!is_one_pair(equal_nodes(fan_.triangle(a), fan_.triangle(b)))) return;
-    visitor_.test(fan_.members_[static_cast<std::size_t>(a)].position,
-                  fan_.members_[static_cast<std::size_t>(b)].position);
+    visitor_.test(position(i), position(j));
   }
 
  private:
   int group(int i) const { return group_[static_cast<std::size_t>(i)]; }
+  bool is_settled(int block) const {
+    for (int i = block * BoxBlock::width; i <= last_in(block); ++i) {
+      if (!visitor_.is_settled(position(i))) return false;
+    }
+    return true;
+  }
+  int position(int i) const {
+    return fan_.members_[static_cast<std::size_t>(order_[static_cast<std::size_t>(i)])].position;
+  }
   int last_in(int block) const { return std::min((block + 1) * BoxBlock::width, static_cast<int>(order_.size())) - 1; }
 
   const FanSearch& fan_;
   std::vector<int> order_;
   std::vector<int> group_;  // of each, ascending
   Visitor& visitor_;
-  Stretch same_;  // the group that the entered block lies in
+  bool settled_ = false;  // whether all of the entered block are
+  Stretch same_;          // the group that the entered block lies in
 };
 
 // Triangles that name the hub twice match every other one at least twice, so only the others can have one match.
