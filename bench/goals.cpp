@@ -80,6 +80,9 @@ std::vector<GoalLine> judge_goals(const RunFacts& facts) {
   judge.ratio("reference_elements", "flat_parse", FacetOrder::shuffled, 12.0 * 2.0 / 3.0);
   judge.ratio("write_stl", "flat_write", 2.0);
   judge.ratio("write_ast", "flat_write_ascii", 2.0);
+  judge.ratio("detect_cycles", "flat_parse", 1.0);
+  judge.ratio("detect_cycles_unbuilt", "build_edges", 1.5);
+  judge.ratio("detect_cycles_soup", "flat_parse", 20.0);
   judge.ratio("undo_merge", "flat_parse", 8.0);
   judge.ratio("redo_merge", "flat_parse", 8.0);
   judge.ratio("merge_journalled", "unduplicate_exact", 1.6);
@@ -90,6 +93,7 @@ std::vector<GoalLine> judge_goals(const RunFacts& facts) {
   if (facts.memory) {
     judge.at_most("bytes a triangle, after reading", 220.0, facts.memory->after_reading);
     judge.at_most("bytes a triangle more, while merging", 60.0, facts.memory->while_merging);
+    judge.at_most("bytes a triangle more, boundary of a soup", 150.0, facts.memory->boundary_of_soup);
   }
   return judge.take();
 }

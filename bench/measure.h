@@ -18,6 +18,7 @@ struct Measure {
 void add_stl_measures(std::vector<Measure>& list);
 void add_merge_measures(std::vector<Measure>& list);
 void add_topology_measures(std::vector<Measure>& list);
+void add_cycles_measures(std::vector<Measure>& list);
 void add_undo_measures(std::vector<Measure>& list);
 
 /// All of them, in the order in which a round runs them.
