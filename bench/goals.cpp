@@ -102,10 +102,6 @@ std::vector<GoalLine> judge_goals(const RunFacts& facts) {
   for (const char* edit : {"reverse", "delete_all", "transform", "renumber"}) {
     judge.ratio(std::string(edit) + "_journalled", edit, 1.6);
   }
-  judge.ratio("find_thin", "flat_parse", 3.0);
-  judge.ratio("find_overhanging", "flat_parse", 2.0);
-  judge.ratio("find_overlapping", "flat_parse", 8.0);
-  judge.ratio("orient_normals", "flat_parse", 6.0);
   judge.growth(1.15);
   if (facts.memory) {
     judge.at_most("bytes a triangle, after reading", 220.0, facts.memory->after_reading);
