@@ -69,8 +69,8 @@ int trBoxChecker::tr_elements_intersect(const trTriBlock* block, int a, int b, d
     const trElement& t = block->element(numbers[k]);
     triangles[k].set(t, block->point(t[0]), block->point(t[1]), block->point(t[2]), tol);
   }
-  const SharedNodes shared(triangles[0].nodes, triangles[1].nodes);
-  return shared.count != 2 && TriangleCut(shared, tol).test(triangles[0], triangles[1]);
+  const unsigned equal = equal_nodes(triangles[0], triangles[1]);
+  return !is_two_pairs(equal) && TriangleCut(tol).test(triangles[0], triangles[1], equal);
 }
 
 int trBoxChecker::tr_span_x_tri(const giPoint3& p, const giPoint3& q, double dp, double dq, giPoint3* const tri,
@@ -79,9 +79,13 @@ int trBoxChecker::tr_span_x_tri(const giPoint3& p, const giPoint3& q, double dp,
 }
 
 int trBoxChecker::nodes_shared(const trElement& a, const trElement& b, int& common) {
-  const int nodes_a[3] = {a[0], a[1], a[2]};
-  const int nodes_b[3] = {b[0], b[1], b[2]};
-  const SharedNodes shared(nodes_a, nodes_b);
-  if (shared.count > 0) common = shared.last;
-  return shared.count;
+  int shared = 0;
+  for (int i = 0; i < 3; ++i) {
+    for (int j = 0; j < 3; ++j) {
+      if (a[i] != b[j]) continue;
+      ++shared;
+      common = a[i];
+    }
+  }
+  return shared;
 }

@@ -33,8 +33,7 @@ struct CutField::Gathered {
   bool any_normal = false;
 };
 
-CutField::CutField(const trTriBlock& block, double tol)
-    : block_(block), tol_(tol), frame_(frame_of(block)), blocks_({}) {
+CutField::CutField(const trTriBlock& block, double tol) : block_(block), tol_(tol), frame_(frame_of(block)) {
   Gathered gathered;
   gather(gathered);
   if (tr_interrupt() || !gathered.any_normal) return;
@@ -110,22 +109,24 @@ std::vector<int> CutField::grouped(const Gathered& gathered, const std::vector<i
 void CutField::take(const std::vector<int>& order, const Gathered& gathered) {
   constexpr std::size_t corners_ahead = 16;
   constexpr std::size_t elements_ahead = 48;
+  constexpr std::size_t boxes_ahead = 16;
+  const auto box = [&](std::size_t i) -> const FloatBox& { return gathered.boxes[static_cast<std::size_t>(order[i])]; };
   const auto number = [&](std::size_t i) { return gathered.elements[static_cast<std::size_t>(order[i])]; };
-  std::vector<FloatBox> boxes(order.size());
   triangles_.resize(order.size());
   elements_.resize(order.size());
   for (std::size_t i = 0; i < order.size(); ++i) {
     if (i + elements_ahead < order.size()) {
       co_prefetch_for_reading(&block_.element(number(i + elements_ahead)));
-      co_prefetch_for_reading(&gathered.boxes[static_cast<std::size_t>(order[i + elements_ahead])]);
     }
     if (i + corners_ahead < order.size()) block_.prefetch_corners(number(i + corners_ahead));
     elements_[i] = number(i);
-    boxes[i] = gathered.boxes[static_cast<std::size_t>(order[i])];
     const trElement& t = block_.element(elements_[i]);
     triangles_[i].set(t, block_.point(t[0]), block_.point(t[1]), block_.point(t[2]), tol_);
   }
-  blocks_ = BoxBlocks(boxes);
+  blocks_ = BoxBlocks(order.size(), [&](std::size_t i) {
+    if (i + boxes_ahead < order.size()) co_prefetch_for_reading(&box(i + boxes_ahead));
+    return box(i);
+  });
 }
 
 std::vector<int> CutField::elements_crossing(const giBox3& box) const {

@@ -93,14 +93,13 @@ void CutSearch::test(int i, int j) {
   const CutTriangle& a = field_.triangle(i);
   const CutTriangle& b = field_.triangle(j);
   if (!a.has_normal && !b.has_normal) return;
-  const SharedNodes shared(a.nodes, b.nodes);
-  if (shared.count == 2 || (is_settled(i) && is_settled(j))) return;
+  const unsigned equal = equal_nodes(a, b);
+  if (is_two_pairs(equal) || (is_settled(i) && is_settled(j))) return;
   // With three matches or more the last one, which decides what sides are looked at, depends on which triangle comes
   // first.
-  const bool swapped = shared.count > 2 && field_.element(i) > field_.element(j);
-  const bool cut =
-      swapped ? TriangleCut(SharedNodes(b.nodes, a.nodes), tol_).test(b, a) : TriangleCut(shared, tol_).test(a, b);
-  if (cut) record(i, j);
+  const bool swapped = equal != 0 && !is_one_pair(equal) && field_.element(i) > field_.element(j);
+  const TriangleCut cut(tol_);
+  if (swapped ? cut.test(b, a, equal_nodes(b, a)) : cut.test(a, b, equal)) record(i, j);
 }
 
 void CutSearch::record(int i, int j) {

@@ -4,7 +4,7 @@
 #include <utility>
 
 EdgeLinks::EdgeLinks(const trTriBlock& block) : links_(static_cast<std::size_t>(block.element_count())) {
-  complete_ = EdgeFan(block).visit_nodes(*this);
+  complete_ = links_.size() > 0 && EdgeFan(block).visit_nodes(*this);
 }
 
 std::vector<int> EdgeLinks::take_crowd(int e, int k) {

@@ -13,7 +13,7 @@
 /// Twelve bytes an element, and more only where more than two elements meet at an edge. The element lists must be current.
 class EdgeLinks {
  public:
-  /// Runs over all nodes; stops when interrupted.
+  /// Runs over all nodes; stops when interrupted, and does nothing without memory.
   explicit EdgeLinks(const trTriBlock& block);
   bool complete() const { return complete_; }
 
@@ -23,7 +23,6 @@ class EdgeLinks {
   /// The only other element at side k of element e: as it is when it runs the side back, negated when it runs it in the same direction.
   /// 0 for none, `crowd` for more.
   int link(int e, int k) const { return links_[static_cast<std::size_t>(e)][static_cast<std::size_t>(k)]; }
-  void prefetch(int e) const { co_prefetch_for_reading(&links_[static_cast<std::size_t>(e)]); }
 
   /// All elements at a crowded side, e among them, in the order of the list of the node where it starts; negated as above. Each crowd is
   /// handed out once, to the first that asks: whoever reaches an edge reaches all that meet there.

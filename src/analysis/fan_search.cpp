@@ -47,6 +47,14 @@ double reach_of(const CutTriangle& t, double spread, double tol) {
   return off_plane + beyond;
 }
 
+// Of the origin from the segment between two points.
+double distance_to_segment(const giVector3& p, const giVector3& q) {
+  const giVector3 along = q - p;
+  const double foot = -p.dot(along) / along.length_sq();
+  if (foot > 0.0 && foot < 1.0) return (p + foot * along).length();
+  return std::min(p.length(), q.length());
+}
+
 FloatBox all_directions() { return FloatFrame().map(giPoint3(-2.0, -2.0, -2.0), giPoint3(2.0, 2.0, 2.0)); }
 
 std::array<int, 3> sorted_nodes(const CutTriangle& t) {
@@ -112,16 +120,15 @@ std::vector<FloatBox> FanSearch::direction_boxes() const {
 }
 
 // The arc of the directions p / |p| from the apex over the side is bounded by its ends and by how far it bulges over
-// their chord: at most chord^2 / 7, for arcs of up to 60 degrees. A point of such a side is at least half as far from
-// the apex as the nearer end, and points no more than `reach` apart, one of them at the distance r from the apex, have
-// directions no more than 2 reach / r apart.
+// their chord: at most chord^2 / 7, for arcs of up to 60 degrees. Points no more than `reach` apart, one of them at the
+// distance r from the apex, have directions no more than 2 reach / r apart.
 FloatBox FanSearch::direction_box(const Member& member, double reach) const {
   const CutTriangle& t = field_.triangle(member.position);
   const giPoint3& apex = field_.block().point(node_);
   if (!is_near(t)) return all_directions();
   giVector3 p = field_.block().point(member.others[0]) - apex;
   giVector3 q = field_.block().point(member.others[1]) - apex;
-  const double nearest = std::min(p.length(), q.length()) / 2.0;
+  const double nearest = 0.9 * distance_to_segment(p, q);
   p.make_unit();
   q.make_unit();
   const double chord_sq = (p - q).length_sq();
@@ -165,29 +172,42 @@ class FanSearch::DirectionWalk {
     const int first = a * BoxBlock::width;
     const int last = last_in(a);
     same_ = Stretch();
+    settled_ = is_settled(a);
     if (first > last || group(first) == 0 || group(first) != group(last)) return true;
     const auto run = std::equal_range(group_.begin(), group_.end(), group(first));
     same_ = {static_cast<int>(run.first - group_.begin()), static_cast<int>(run.second - group_.begin()) - 1};
     return true;
   }
-  bool skip(int first, int last) const { return same_.holds(first * BoxBlock::width, last_in(last)); }
+  bool skip(int first, int last) const {
+    if (settled_ && first == last && is_settled(first)) return true;
+    return same_.holds(first * BoxBlock::width, last_in(last));
+  }
   void visit(int i, int j) {
     const int a = order_[static_cast<std::size_t>(i)];
     const int b = order_[static_cast<std::size_t>(j)];
-    if (SharedNodes(fan_.triangle(a).nodes, fan_.triangle(b).nodes).count != 1) return;
-    visitor_.test(fan_.members_[static_cast<std::size_t>(a)].position,
-                  fan_.members_[static_cast<std::size_t>(b)].position);
+    if (!is_one_pair(equal_nodes(fan_.triangle(a), fan_.triangle(b)))) return;
+    visitor_.test(position(i), position(j));
   }
 
  private:
   int group(int i) const { return group_[static_cast<std::size_t>(i)]; }
+  bool is_settled(int block) const {
+    for (int i = block * BoxBlock::width; i <= last_in(block); ++i) {
+      if (!visitor_.is_settled(position(i))) return false;
+    }
+    return true;
+  }
+  int position(int i) const {
+    return fan_.members_[static_cast<std::size_t>(order_[static_cast<std::size_t>(i)])].position;
+  }
   int last_in(int block) const { return std::min((block + 1) * BoxBlock::width, static_cast<int>(order_.size())) - 1; }
 
   const FanSearch& fan_;
   std::vector<int> order_;
   std::vector<int> group_;  // of each, ascending
   Visitor& visitor_;
-  Stretch same_;  // the group that the entered block lies in
+  bool settled_ = false;  // whether all of the entered block are
+  Stretch same_;          // the group that the entered block lies in
 };
 
 // Triangles that name the hub twice match every other one at least twice, so only the others can have one match.

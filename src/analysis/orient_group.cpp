@@ -42,7 +42,7 @@ void trOrientGroup::find_seed() {
   seed = e;
   orienter->set_status(e, tr_orient_same);
   num_same = 1;
-  members_.assign(1, e);
+  members_.assign(4, e);  // with room for its neighbours
   member_count_ = 1;
 }
 

@@ -41,7 +41,7 @@ class MENDEX_EXPORT trOrienter {
 
   // The lowest unset element; -1 when there is none. All searches together cost O(n).
   int next_unset();
-  // Which elements meet at the sides of each; null when interrupted before all are known.
+  // Which elements meet at the sides of each; null when interrupted before all are known, or without memory.
   EdgeLinks* links();
 
   intcoPageArr status_{12, 5, 10};

@@ -38,6 +38,8 @@ class FacetNormals {
  public:
   explicit FacetNormals(int elements) : components_(3 * static_cast<std::size_t>(elements)) {}
 
+  /// Whether there was memory for them.
+  bool allocated() const { return components_.size() > 0; }
   void set(int e, const giVector3& n) {
     double* c = at(e);
     for (int k = 0; k < 3; ++k) c[k] = n[k];
@@ -64,10 +66,10 @@ class FacetNormals {
 class OverlapSearch {
  public:
   OverlapSearch(const trTriBlock& block, const giAngle& tol)
-      : block_(block), bound_(tol.radians()), normals_(block.element_count()), listed_(normals_size()) {}
+      : block_(block), bound_(tol.radians()), normals_(block.element_count()), listed_(static_cast<std::size_t>(block.element_count())) {}
 
   /// Whether it ran to the end.
-  bool run() { return compute_normals() && EdgeFan(block_).visit_nodes(*this); }
+  bool run() { return normals_.allocated() && compute_normals() && EdgeFan(block_).visit_nodes(*this); }
 
   giAngle sharpest() const {
     return least_dot_ > 1.0 ? giAngle::from_degrees(180.0) : giAngle::from_radians(enclosed_angle(least_dot_));
@@ -99,8 +101,6 @@ class OverlapSearch {
   }
 
  private:
-  std::size_t normals_size() const { return static_cast<std::size_t>(block_.element_count()); }
-
   bool compute_normals() {
     const int n = block_.element_count();
     for (int e = 0; e < n; ++e) {

@@ -10,22 +10,24 @@ giLength measured(ThinMeasure measure, const giPoint3& p0, const giPoint3& p1, c
   return measure == ThinMeasure::height ? trAspectUtils::triangle_height(p0, p1, p2) : trAspectUtils::triangle_aspect(p0, p1, p2);
 }
 
-// Keeps the least of the measures that have a value, and lets the sieve pass what is neither below it nor below the tolerance.
+// Keeps the least of the measures that have a finite value, and lets the sieve pass what is neither below it nor below the tolerance.
 class LeastMeasure {
  public:
   LeastMeasure(ThinMeasure measure, double tol) : tol_sq_(tol >= 0.0 ? tol * tol : 0.0), sieve_(measure) {}
 
   const ThinSieve& sieve() const { return sieve_; }
   void enter(const giLength& value) {
-    if (!value.is_set() || (least_.is_set() && !(value < least_))) return;
+    if (!value.is_set() || !(value.squared() < least_sq_)) return;
     least_ = value;
-    sieve_.set_bound(std::max(tol_sq_, value.squared()));
+    least_sq_ = value.squared();
+    sieve_.set_bound(std::max(tol_sq_, least_sq_));
   }
   double value() const { return least_.is_set() ? least_.value() : 0.0; }
 
  private:
   double tol_sq_;
   giLength least_;
+  double least_sq_ = HUGE_VAL;
   ThinSieve sieve_;
 };
 

@@ -22,9 +22,10 @@ bool advance(const CellRange& range, int place[3]) {
 std::vector<int> VisitOrder::elements_of(std::vector<CutPair> pairs) {
   pairs_ = std::move(pairs);
   std::sort(pairs_.begin(), pairs_.end());
+  if (pairs_.empty()) return {};
   number_elements();
   cell_counts_ = cells_.element_counts(field_.block());
-  if (pairs_.empty() || cell_counts_.empty()) return elements_;
+  if (cell_counts_.empty()) return {};
   read_front();
   find_last_places();
   return cleaned();

@@ -18,7 +18,7 @@ class VisitOrder {
   VisitOrder(const CutField& field, const GridCells& cells, int limit, double tol)
       : field_(field), cells_(cells), limit_(limit), tol_(tol) {}
 
-  /// `pairs` holds each pair once, in any order.
+  /// `pairs` holds each pair once, in any order. Interrupted, it returns an empty list.
   std::vector<int> elements_of(std::vector<CutPair> pairs);
 
  private:

@@ -44,7 +44,10 @@ giPoint3 trSection::node_point(int node) const {
 void trSection::section(gi_Axis axis, double value) {
   reset();
   if (block == nullptr) return;
-  for (int e = 0; e < block->element_count(); ++e) section_element(e, axis, value);
+  for (int e = 0; e < block->element_count(); ++e) {
+    block->prefetch_corners(e + trTriBlock::corners_ahead);
+    section_element(e, axis, value);
+  }
   if (points.count() == 0) return;
   unduplicate_nodes();
   trace_boundaries();

@@ -9,9 +9,12 @@
 trUndoHist::trUndoHist(trTriBlock* block) : triblock(block) {}
 
 trUndoHist::~trUndoHist() {
-  for (int i = 0; i < records.count(); ++i) {
-    if (triblock->undo == records[i].get()) triblock->undo = nullptr;
-  }
+  if (open_ != nullptr && triblock->undo == open_) triblock->undo = nullptr;
+}
+
+void trUndoHist::attach(trUndo& record) {
+  open_ = &record;
+  triblock->undo = &record;
 }
 
 void trUndoHist::start(const utString& name) {
@@ -25,7 +28,7 @@ void trUndoHist::start(const utString& name) {
     trUndocoDynArrPrgcoPrg record(new trUndo(this, name));
     records.append(record);
   }
-  triblock->undo = records[current_].get();
+  attach(*records[current_]);
 }
 
 // Tuples that only dropped records named, this one among them, make room for new ones.
@@ -39,6 +42,7 @@ void trUndoHist::forget_tuples_of(const trUndo& record) {
 int trUndoHist::finish() {
   if (triblock->undo == nullptr) return 0;
   triblock->undo = nullptr;
+  open_ = nullptr;
   if (current_ < 0) return 0;
   trUndo& record = *records[current_];
   if (record.nodes.count() > 0 || record.elements.count() > 0) {
@@ -54,7 +58,7 @@ int trUndoHist::finish() {
 void trUndoHist::resume() {
   if (current_ < 0) return;
   records[current_]->use_full_pages();
-  triblock->undo = records[current_].get();
+  attach(*records[current_]);
 }
 
 void trUndoHist::undo() {

@@ -79,7 +79,7 @@ TEST(CycleDetection, AtASharedNodeTheEdgeMadeFirstIsFollowed) {
   };
   const Case cases[] = {
       {{{1, 2, 3}, {1, 4, 5}}, {{1, 2, 3}, {1, 4, 5}}},
-      {{{2, 3, 1}, {4, 5, 3}}, {{1, 2, 3}}},  // from 3 the older edge leads home
+      {{{2, 3, 1}, {4, 5, 3}}, {{1, 2, 3}, {3, 4, 5}}},  // from 3 the older edge leads home
       {{{4, 5, 3}, {2, 3, 1}}, {{1, 2, 3, 4, 5, 3}}},
   };
   for (const Case& c : cases) {
@@ -87,10 +87,7 @@ TEST(CycleDetection, AtASharedNodeTheEdgeMadeFirstIsFollowed) {
     for (int i = 1; i <= 5; ++i) block.set_node(i, giPoint3(i, i * i, 0));
     for (const auto& t : c.triangles) block.generate(t[0], t[1], t[2]);
     trCycleArray set(&block);
-    const Cycles found = all_cycles(set);
-    EXPECT_EQ(found[0], c.cycles[0]);
-    EXPECT_EQ(edges_of(found).size(), 6u);
-    if (c.cycles.size() > 1) EXPECT_EQ(found, c.cycles);
+    EXPECT_EQ(all_cycles(set), c.cycles);
   }
 }
 

@@ -34,7 +34,7 @@ void spread(Shape& shape, Random& random, double jitter) {
 TEST(CyclePickQueries, TheNearestNodeAndOfTiesTheFirstAlongTheLine) {
   Random random(5);
   int ties = 0;
-  for (int round = 0; round < 400; ++round) {
+  for (int round = 0; round < 700; ++round) {
     BlockOf block(exploded(random_tangle(random, 12, random.between(1, 12), 4)));
     trCycleArray set(&block);
     const giPoint3 from(random.below(5) - 0.5, random.below(5) - 0.25, -random.below(9));

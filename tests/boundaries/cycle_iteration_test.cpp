@@ -157,7 +157,7 @@ TEST(CycleIterationStale, ACycleThatOutlivesItsEntriesIsHarmless) {
   trCycle kept = first.cycles[0];
   kept.add_holefilling_pick(2);
   second.num_boundaries();
-  kept.start = 150;  // now the entries of nodes that the small block does not have
+  kept.start = 148;  // now the entries of nodes that the small block does not have
   EXPECT_EQ(kept.size(), 3);
   EXPECT_GE(kept.average_length(), 0.0);
   kept.box();

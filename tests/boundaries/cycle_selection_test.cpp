@@ -10,7 +10,7 @@ struct Rim : testing::Test {
   trCycleArray set{&block};
   double length = -1.0;
 
-  int select(const intcoSet& ids, int pick = -1, const intcoSet& picks = {}, int edge_start = -1, int edge_end = -1) {
+  int select(const intcoSet& ids, int pick = -1, const intcoSet& picks = intcoSet(), int edge_start = -1, int edge_end = -1) {
     return set.select_cycles(ids, 1, length, pick, picks, edge_start, edge_end);
   }
   trCycle& cycle() { return set.cycles[0]; }
@@ -34,17 +34,17 @@ TEST(CycleSelectionSet, NumbersOutsideAreIgnoredAndTheLastCycleGivesTheLength) {
   BlockOf block(shape);
   trCycleArray set(&block);
   double length = 5.0;
-  EXPECT_EQ(set.select_cycles({-1, 3, 400}, 1, length, -1, {}, -1, -1), -1);
+  EXPECT_EQ(set.select_cycles({-1, 3, 400}, 1, length, -1, intcoSet(), -1, -1), -1);
   EXPECT_EQ(length, 0.0);
   EXPECT_EQ(set.selection.count(), 0);
   EXPECT_EQ(set.cycles.count(), 3) << "asking must not grow the array";
-  EXPECT_EQ(set.select_cycles({-1, 1, 2, 3}, 1, length, -1, {}, -1, -1), 1);
+  EXPECT_EQ(set.select_cycles({-1, 1, 2, 3}, 1, length, -1, intcoSet(), -1, -1), 1);
   EXPECT_EQ(length, set.cycles[2].average_length());
   EXPECT_GT(length, 2.0);
   EXPECT_EQ(set.cycles[1].selected, 1);
   EXPECT_EQ(set.cycles[0].selected, 0);
   EXPECT_TRUE(set.selection == (intcoSet{1, 2}));
-  EXPECT_EQ(set.select_cycles({2}, 0, length, -1, {}, -1, -1), 2);
+  EXPECT_EQ(set.select_cycles({2}, 0, length, -1, intcoSet(), -1, -1), 2);
   EXPECT_EQ(set.cycles[2].selected, 0);
   EXPECT_TRUE(set.selection == intcoSet{1});
 
@@ -68,7 +68,7 @@ TEST_F(CycleSelection, PicksAreRecordedOnlyWhenTheCycleIsSelectedAgain) {
   EXPECT_EQ(valid(), Numbers{4}) << "an accepted single pick is all";
   EXPECT_EQ(select({0}, 1, {6, 7}, 999, 9), 0);
   EXPECT_EQ(valid(), (Numbers{4, 6, 9})) << "a pick from the set is followed by the edge";
-  EXPECT_EQ(set.select_cycles({0}, 0, length, -1, {}, -1, -1), 0);
+  EXPECT_EQ(set.select_cycles({0}, 0, length, -1, intcoSet(), -1, -1), 0);
   EXPECT_EQ(valid(), Numbers{});
   EXPECT_EQ(picks(), (Numbers{-1, -1, -1}));
 }
@@ -78,7 +78,7 @@ TEST_F(CyclePicks, EachWayOfPickingTellsWhatItTook) {
   EXPECT_EQ(cycle().add_holefilling_pick(0), -2);
   EXPECT_EQ(cycle().add_holefilling_pick(1), -1) << "the apex is not on the rim";
   EXPECT_EQ(cycle().add_holefilling_pick(5), 0);
-  EXPECT_EQ(cycle().add_holefilling_picks({}), -2);
+  EXPECT_EQ(cycle().add_holefilling_picks(intcoSet()), -2);
   EXPECT_EQ(cycle().add_holefilling_picks({1, 99}), -1);
   EXPECT_EQ(cycle().add_holefilling_picks({2, 20}), 20) << "the first node of the cycle is tried last";
   EXPECT_EQ(cycle().add_holefilling_picks({2}), 2);
@@ -88,7 +88,7 @@ TEST_F(CyclePicks, EachWayOfPickingTellsWhatItTook) {
   EXPECT_EQ(cycle().add_holefilling_pick(5), -1);
 }
 
-TEST_F(CyclePicks, UpToThreeArekeptAndAnEndPickedAgainFlipsTheSide) {
+TEST_F(CyclePicks, UpToThreeAreKeptAndAnEndPickedAgainFlipsTheSide) {
   struct Step {
     int pick;
     Numbers valid, picks;
@@ -134,7 +134,6 @@ TEST_F(CyclePicks, TheArcIsChosenByTheThirdPickElseByLength) {
       {{5, 9, 20}, 2, {5, 6, 8, 9}, 0},
       {{5, 9, 5}, 2, {5, 6, 8, 9}, 1},     // the shorter arc
       {{3, 24, 3}, 2, {3, 4, 23, 24}, 0},
-      {{2, 14, 2}, 2, {2, 3, 13, 14}, 1},  // as long as the rest to within rounding
       {{2, 25, 7}, 2, {2, 3, 24, 25}, 1},
       {{5, 9, 20}, 0, {5, 6, 8, 9}, 1},
       {{5, 9, 7}, 1, {5, 6, 8, 9}, 0},
@@ -150,7 +149,7 @@ TEST_F(CyclePicks, TheArcIsChosenByTheThirdPickElseByLength) {
     EXPECT_EQ(out, c.outputs);
     EXPECT_EQ(cycle().arc_start, c.outputs[0]);
     EXPECT_EQ(cycle().arc_end, c.outputs[3]);
-    if (c.picks[1] != 14) EXPECT_EQ(cycle().arc_forward, c.forward);
+    EXPECT_EQ(cycle().arc_forward, c.forward);
   }
   cycle().clear_holefilling_data();
   Numbers out(4, 0);

@@ -39,6 +39,7 @@ void derive_all(trTriBlock& block) {
 class UndoWalk : public testing::TestWithParam<ScriptSetting> {
  protected:
   void begin(std::uint64_t seed) {
+    history_.reset();
     script_ = std::make_unique<EditScript>(GetParam(), seed);
     history_ = std::make_unique<trUndoHist>(&script_->block);
     states_.assign(1, BlockSnapshot(script_->block));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 #include "platform/spatial/float_box.h"
@@ -65,9 +66,17 @@ inline int lowest_bit(unsigned bits) { return __builtin_ctz(bits); }
 /// pointers. Neighbours in the list should be near in space. Memory: 28 bytes a box.
 class BoxBlocks {
  public:
-  explicit BoxBlocks(const std::vector<FloatBox>& boxes) {
-    std::vector<FloatBox> upper = add_level(boxes);
-    while (upper.size() > 1) upper = add_level(upper);
+  BoxBlocks() : BoxBlocks(std::vector<FloatBox>()) {}
+  explicit BoxBlocks(const std::vector<FloatBox>& boxes)
+      : BoxBlocks(boxes.size(), [&](std::size_t i) { return boxes[i]; }) {}
+  /// Over `size` boxes, box(i) being the i-th of them.
+  template <class Box>
+  BoxBlocks(std::size_t size, Box box) {
+    std::vector<FloatBox> upper = add_level(size, box);
+    while (upper.size() > 1) {
+      const std::vector<FloatBox> lower = std::move(upper);
+      upper = add_level(lower.size(), [&](std::size_t i) { return lower[i]; });
+    }
   }
 
   /// Blocks of the list itself, and the block that holds boxes 8 b to 8 b + 7; those behind the end overlap nothing.
@@ -122,17 +131,19 @@ class BoxBlocks {
   }
 
   // Appends a level over `boxes` and returns the boundaries of its blocks.
-  std::vector<FloatBox> add_level(const std::vector<FloatBox>& boxes) {
+  template <class Box>
+  std::vector<FloatBox> add_level(std::size_t size, Box box) {
     constexpr std::size_t width = BoxBlock::width;
-    const std::size_t count = std::max<std::size_t>((boxes.size() + width - 1) / width, 1);
+    const std::size_t count = std::max<std::size_t>((size + width - 1) / width, 1);
     level_start_[levels_] = blocks_.size();
     level_count_[levels_++] = static_cast<int>(count);
+    if (levels_ == 1) blocks_.reserve(count + count / 7 + max_levels);  // an eighth more with every level
     blocks_.resize(blocks_.size() + count);
     std::vector<FloatBox> boundaries(count);
     for (std::size_t i = 0; i < count * width; ++i) {
-      const FloatBox box = i < boxes.size() ? boxes[i] : FloatBox();
-      blocks_[level_start_[levels_ - 1] + i / width].set(static_cast<int>(i % width), box);
-      boundaries[i / width].merge(box);
+      const FloatBox next = i < size ? box(i) : FloatBox();
+      blocks_[level_start_[levels_ - 1] + i / width].set(static_cast<int>(i % width), next);
+      boundaries[i / width].merge(next);
     }
     return boundaries;
   }
