@@ -68,7 +68,7 @@ class MeshFileReader {
       if (colour != std::string_view::npos) LineScan(line.substr(colour + 4)).integer(group_);
     } else {
       group_ = ignored_group;
-      MessageLine().text(" Ignoring non standard elements type '").raw(std::string(type).c_str()).raw("'");
+      MessageLine().text(" Ignoring non standard elements type '").raw(std::string(type).c_str()).text("'");
     }
   }
 
