@@ -126,7 +126,7 @@ class MeshFileReader {
   int group_ = ignored_group;  // colour of the group
   int nodes_ = 0;
   int triangles_ = 0;
-  intcoPageArr map_{12, 5, 10};  // from the file's node numbers to the mesh's
+  intcoPageArr map_ = intcoPageArr(12, 5, 10);  // from the file's node numbers to the mesh's
 };
 
 int trTriRead::read_mes() {
