@@ -68,7 +68,7 @@ class MeshFileReader {
       if (colour != std::string_view::npos) LineScan(line.substr(colour + 4)).integer(group_);
     } else {
       group_ = ignored_group;
-      MessageLine().text(" Ignoring non standard elements type '").raw(std::string(type).c_str()).raw("'");
+      MessageLine().text(" Ignoring non standard elements type '").raw(std::string(type).c_str()).text("'");
     }
   }
 
@@ -126,7 +126,7 @@ class MeshFileReader {
   int group_ = ignored_group;  // colour of the group
   int nodes_ = 0;
   int triangles_ = 0;
-  intcoPageArr map_{12, 5, 10};  // from the file's node numbers to the mesh's
+  intcoPageArr map_ = intcoPageArr(12, 5, 10);  // from the file's node numbers to the mesh's
 };
 
 int trTriRead::read_mes() {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "formats/text_out.h"
@@ -89,16 +90,27 @@ class MeshFile {
 
   // A group begins at every change of colour, and at the first element whether it is there or not.
   bool groups_in_order() {
+    for (int first = 1; first != 0;) {
+      if (tr_interrupt() || !write_run(first)) return false;
+    }
+    return true;
+  }
+
+  // Writes the elements from the first up to the next one of another colour, which becomes the first; 0 when there is none.
+  bool write_run(int& first) {
     const int count = mesh_.element_count();
-    int colour = colour_of(1);
+    const int colour = colour_of(first);
     begin_group(colour);
-    for (int e = 1; e < count; ++e) {
+    for (int e = std::exchange(first, 0); e < count && first == 0; ++e) {
       if (tr_interrupt()) return false;
       tr_report_triangles(e, count, 50.0, 100.0);
       const trElement& t = mesh_.element(e);
       if (!t.valid()) continue;
-      if (colour_of(e) != colour) begin_group(colour = colour_of(e));
-      write_element(e, t);
+      if (colour_of(e) == colour) {
+        write_element(e, t);
+      } else {
+        first = e;
+      }
     }
     return true;
   }

@@ -43,6 +43,8 @@ class NativeColours {
 
 namespace {
 
+constexpr const char* out_of_sync = " WARNING: File is corrupt. [Out of sync]";
+
 bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
 int read_digits(const char*& at) {
@@ -81,8 +83,7 @@ NativeVersion native_version_of(const char* header) {
 bool NativeBlocks::read() {
   if (!version_.has_blocks()) return true;
   while (!tr_interrupt()) {
-    const Next next = read_block();
-    if (next != Next::block) return next == Next::end;
+    if (read_block() == Next::end) return true;
   }
   return false;
 }
@@ -92,17 +93,16 @@ NativeBlocks::Next NativeBlocks::corrupt(const char* warning) const {
   return Next::end;
 }
 
+// What the file is too short for reads 0: a file that ends without a terminator has no marker there.
 NativeBlocks::Next NativeBlocks::read_block() {
   char head[2 * native::tag_bytes + 1] = {};
-  if (in_.b_read(head, 2 * native::tag_bytes) || std::memcmp(head, native::sync_marker, native::tag_bytes) != 0) {
-    return corrupt(" WARNING: File is corrupt. [Out of sync]");
-  }
+  in_.b_read(head, 2 * native::tag_bytes);
+  if (std::memcmp(head, native::sync_marker, native::tag_bytes) != 0) return corrupt(out_of_sync);
   const char* const tag = head + native::tag_bytes;
   const std::int64_t bytes = in_.read_int();
   const auto is = [tag](const char* name) { return std::memcmp(tag, name, native::tag_bytes) == 0; };
   if (is("TERM")) return bytes != 0 ? corrupt(" WARNING: File is corrupt. [Extra data on TERM code]") : Next::end;
-  if (bytes < 0) return corrupt(" WARNING: File is corrupt. [Out of sync]");
-  if (is("TEST")) return read_text(bytes);
+  if (is("TEST")) return bytes < 0 ? corrupt(out_of_sync) : read_text(bytes);
   if (is("NDTI") || is("NDTR")) return read_node_data(tag[3] == 'I', bytes);
   if (is("ECLI")) return read_colours(bytes);
   return skip_unknown(tag, bytes);
@@ -126,7 +126,8 @@ NativeBlocks::Next NativeBlocks::read_text(std::int64_t bytes) {
 
 NativeBlocks::Next NativeBlocks::skip_unknown(const char* tag, std::int64_t bytes) {
   if (!version_.allows_unknown_blocks()) return corrupt(" WARNING: File is corrupt. [unknown block]");
-  MessageLine().text(" WARNING: Ignoring unknown block [").raw(tag).raw("]");
+  if (bytes < 0) return corrupt(out_of_sync);
+  MessageLine().text(" WARNING: Ignoring unknown block [").raw(tag).text("]");
   skip_bytes(in_, bytes);
   return Next::block;
 }
@@ -145,8 +146,8 @@ NativeBlocks::Next NativeBlocks::read_node_tuples(bool has_numbers, int size, st
   const int kept = std::min(size, trNodeDataTuple::max_values);
   const bool is_kept = set_node_data_size_(kept) != 0;
   has_node_data_ = has_node_data_ || is_kept;
+  in_.expect(records * ((has_numbers ? 4 : 0) + 8 * std::int64_t{size}));
   for (std::int64_t k = 1; k <= records && !in_.error; ++k) {
-    if (tr_interrupt()) return Next::interrupted;
     const std::int64_t number = has_numbers ? in_.read_int() : k;
     trNodeDataTuple tuple;
     for (int v = 0; v < kept; ++v) tuple.values[v] = in_.read_double();
@@ -156,12 +157,18 @@ NativeBlocks::Next NativeBlocks::read_node_tuples(bool has_numbers, int size, st
   return Next::block;
 }
 
+// Whether the file still holds so many bytes, as far as its stream can tell.
+bool NativeBlocks::has_left(std::int64_t bytes) const {
+  const std::int64_t left = bytes_left(in_.file);
+  return left < 0 || bytes <= left;
+}
+
 NativeBlocks::Next NativeBlocks::read_colours(std::int64_t bytes) {
   if (bytes < 4) return corrupt(" WARNING: File is corrupt. [insufficient data ECLI block]");
   const std::int64_t count = in_.read_int();
   if (bytes < 8 * count) return corrupt(" WARNING: File is corrupt. [insufficient data ECLI block]");
   NativeColours colours;
-  const bool is_whole = count >= 1 && colours.read(in_, count);
+  const bool is_whole = count >= 1 && has_left(bytes - 4) && colours.read(in_, count);
   if (!is_whole || colours.has_negative() || bytes != 8 * count + 4 * colours.total()) {
     MessageLine().text(" WARNING: File is corrupt. ").text("[inconsistant byte count ECLI block]");
     return Next::end;
@@ -172,12 +179,13 @@ NativeBlocks::Next NativeBlocks::read_colours(std::int64_t bytes) {
 // Numbers above the mesh's are legal: a file that was numbered anew lists those of the mesh that it was written from.
 NativeBlocks::Next NativeBlocks::read_coloured_elements(const NativeColours& colours) {
   const NumberLimit limit(in_.file, 4);
+  in_.expect(4 * colours.total());
   mesh_.set_element_colour(0, colours.entries()[0].colour);
   for (const NativeColours::Entry& entry : colours.entries()) {
     for (int k = 0; k < entry.elements && !in_.error; ++k) {
-      if (tr_interrupt()) return Next::interrupted;
       const int element = in_.read_int();
-      if (!in_.error && (element < mesh_.element_count() ? element >= 1 : limit.allows(element))) mesh_.set_element_colour(element, entry.colour);
+      const bool is_legal = element < mesh_.element_count() ? element >= 1 : limit.allows(element);
+      if (is_legal && !in_.error) mesh_.set_element_colour(element, entry.colour);
     }
   }
   return Next::block;

@@ -25,13 +25,13 @@ class NativeBlocks {
   NativeBlocks(trTriBlock& mesh, trBinRead& in, NativeVersion version, std::function<int(int)> set_node_data_size)
       : mesh_(mesh), in_(in), version_(version), set_node_data_size_(std::move(set_node_data_size)) {}
 
-  /// Reads up to the terminator, or to where the file is damaged, which is told. False when interrupted.
+  /// Reads up to the terminator, or to where the file is damaged, which is told. False when interrupted: that is asked before each block.
   bool read();
   /// Whether a block of attributes found a mesh that keeps them.
   bool has_node_data() const { return has_node_data_; }
 
  private:
-  enum class Next { block, end, interrupted };
+  enum class Next { block, end };
 
   Next read_block();
   Next read_text(std::int64_t bytes);
@@ -39,6 +39,7 @@ class NativeBlocks {
   Next read_node_tuples(bool has_numbers, int size, std::int64_t records);
   Next read_colours(std::int64_t bytes);
   Next read_coloured_elements(const class NativeColours& colours);
+  bool has_left(std::int64_t bytes) const;
   Next skip_unknown(const char* tag, std::int64_t bytes);
   Next corrupt(const char* warning) const;
 

@@ -60,9 +60,9 @@ class NativeWriter {
   }
 
   bool nodes() {
-    const int valid = mesh_.valid_nodes();
+    node_total_ = mesh_.valid_nodes();
     if (tr_interrupt()) return false;
-    out_.put(valid);
+    out_.put(node_total_);
     const int count = mesh_.node_count();
     if (renumbers_) new_numbers_.assign(static_cast<std::size_t>(count), 0);
     int next = 0;
@@ -98,7 +98,7 @@ class NativeWriter {
     const int size = mesh_.node_data_size();
     if (size == 0) return;
     const std::int64_t record = (renumbers_ ? 0 : 4) + 8 * std::int64_t{size};
-    begin_block(renumbers_ ? "NDTR" : "NDTI", mesh_.valid_nodes() * record + 2);
+    begin_block(renumbers_ ? "NDTR" : "NDTI", node_total_ * record + 2);
     out_.put(static_cast<std::uint16_t>(size));
     for (int i = 1; i < mesh_.node_count(); ++i) {
       if (mesh_.node(i).invalid) continue;
@@ -108,7 +108,8 @@ class NativeWriter {
     }
   }
 
-  // Elements go by the mesh's own numbers even where the file is numbered anew; those of the commonest colour are not listed.
+  // Elements go by the mesh's own numbers even where the file is numbered anew; those of the commonest colour are not listed. Without
+  // elements there is no colour to list, and no block.
   void colours() {
     if (mesh_.default_colour() < 0) return;
     ColourLists lists;
@@ -157,6 +158,7 @@ class NativeWriter {
   const trTriBlock& mesh_;
   OutBytes out_;
   bool renumbers_;
+  int node_total_ = 0;            // valid nodes
   std::vector<int> new_numbers_;  // by node, where the file is numbered anew
 };
 

@@ -28,6 +28,7 @@ class TriangleBlocks {
       if (lines_.line().size() < 2 || lines_.line()[1] != '*') continue;
       next_line();
       LineScan(lines_.line()).integer(blocks_);
+      blocks_ = std::max(blocks_, 0);
       for (int names = 0; names < (blocks_ - 1) / names_per_line + 1 && !has_ended_; ++names) next_line();
       return;
     }

@@ -117,7 +117,9 @@ int trTriWrite::write_smooth_tri() {
   mesh->reference_elements();
   const_cast<trTriBlock*>(mesh)->compute_node_normals();  // fills a cache
   TriangleFile out(*mesh, file);
-  if (!out.header(mesh->valid_nodes(), mesh->valid_elements())) return 0;
+  const int points = mesh->valid_nodes();
+  const int triangles = mesh->valid_elements();
+  if (!out.header(points, triangles)) return 0;
   const int nodes = mesh->node_count();
   std::vector<int> vertex_of(static_cast<std::size_t>(nodes), 0);
   int vertices = 0;

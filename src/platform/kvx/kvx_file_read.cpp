@@ -41,27 +41,35 @@ int vrpKVXFileRead::get(void* bytes, std::size_t count) {
   return 0;
 }
 
+// Reads on and keeps what was read behind what is there.
+int vrpKVXFileRead::get_more(std::vector<char>& bytes, std::size_t count) {
+  const std::size_t at = bytes.size();
+  bytes.resize(at + count);
+  return get(bytes.data() + at, count);
+}
+
 int vrpKVXFileRead::read_header(const char*& text, int& blocks, int& version, int& flags) {
-  char head[kvx::magic_bytes + 1];
-  std::uint32_t length = 0;
-  if (get(head, sizeof head) || get(&length, sizeof length)) return fail();
-  if (std::memcmp(head, kvx::magic, kvx::magic_bytes) != 0 || head[kvx::magic_bytes] != kvx::version) return fail();
-  if (length > kvx::longest_text) return fail();
-  text_.assign(length + 1, '\0');
+  const std::int64_t file_bytes = bytes_left_;
+  std::vector<char> bytes;
+  std::uint32_t text_bytes = 0;
+  if (get_more(bytes, kvx::magic_bytes + 1 + sizeof text_bytes)) return fail();
+  if (std::memcmp(bytes.data(), kvx::magic, kvx::magic_bytes) != 0 || bytes[kvx::magic_bytes] != kvx::version) return fail();
+  const std::size_t text_at = bytes.size();
+  std::memcpy(&text_bytes, bytes.data() + kvx::magic_bytes + 1, sizeof text_bytes);
+  if (text_bytes > kvx::longest_text) return fail();
   int counts[2] = {0, 0};
+  std::int64_t length = 0;
   std::uint32_t checksum = 0;
-  if (get(text_.data(), length) || get(counts, sizeof counts) || get(&checksum, sizeof checksum)) return fail();
-  std::vector<char> all(head, head + sizeof head);
-  const auto append = [&all](const void* bytes, std::size_t count) {
-    all.insert(all.end(), static_cast<const char*>(bytes), static_cast<const char*>(bytes) + count);
-  };
-  append(&length, sizeof length);
-  append(text_.data(), length);
-  append(counts, sizeof counts);
-  if (kvx::checksum_of(all.data(), all.size()) != checksum || counts[0] < 0) return fail();
+  if (get_more(bytes, text_bytes + sizeof counts + sizeof length) || get(&checksum, sizeof checksum)) return fail();
+  if (kvx::checksum_of(bytes.data(), bytes.size()) != checksum) return fail();
+  std::memcpy(counts, bytes.data() + text_at + text_bytes, sizeof counts);
+  std::memcpy(&length, bytes.data() + text_at + text_bytes + sizeof counts, sizeof length);
+  if (counts[0] < 0 || (file_bytes >= 0 && length > file_bytes)) return fail();
+  text_.assign(bytes.data() + text_at, bytes.data() + text_at + text_bytes);
+  text_.push_back('\0');
   text = text_.data();
   blocks = blocks_left_ = counts[0];
-  version = head[kvx::magic_bytes];
+  version = kvx::version;
   flags = counts[1];
   return 0;
 }
@@ -72,21 +80,25 @@ int vrpKVXFileRead::read_block(int& nodes, int& triangles, int& normals) {
   std::uint32_t checksum = 0;
   if (blocks_left_ == 0 || nodes_left_ != 0 || triangles_left_ != 0) return fail();
   if (get(tag, sizeof tag) || get(head, sizeof head) || get(&checksum, sizeof checksum)) return fail();
-  if (std::memcmp(tag, kvx::block_tag, kvx::tag_bytes) != 0) return fail();
-  if (kvx::checksum_of(reinterpret_cast<const char*>(head), sizeof head) != checksum) return fail();
+  if (std::memcmp(tag, kvx::block_tag, kvx::tag_bytes) != 0 || kvx::checksum_of(head, sizeof head) != checksum) return fail();
   if (head[0] > INT_MAX || head[1] > INT_MAX || head[2] > 1) return fail();
   values_a_node_ = head[2] ? 6 : 3;
   // A node takes 12 bytes or more; a triangle takes 12, or none where it has three nodes of its own.
   const std::int64_t least = std::int64_t{head[0]} * 4 * values_a_node_ + std::max<std::int64_t>(0, std::int64_t{head[1]} - head[0] / 3) * 12;
   if (bytes_left_ >= 0 && least > bytes_left_) return fail();
   --blocks_left_;
-  nodes = nodes_left_ = static_cast<int>(head[0]);
+  nodes = node_count_ = nodes_left_ = static_cast<int>(head[0]);
   triangles = triangles_left_ = static_cast<int>(head[1]);
   normals = static_cast<int>(head[2]);
   triangles_read_ = 0;
   entries_ = 0;
   at_ = 0;
   return 0;
+}
+
+// Whether the block has the nodes that so many more plain triangles name.
+bool vrpKVXFileRead::has_plain(std::uint32_t triangles) const {
+  return 3 * (std::int64_t{triangles_read_} + triangles) <= node_count_;
 }
 
 int vrpKVXFileRead::read_chunk(int entries_left) {
@@ -98,11 +110,13 @@ int vrpKVXFileRead::read_chunk(int entries_left) {
     case ChunkLayout::single_nodes: entry_bytes = sizeof(float) * static_cast<std::size_t>(values_a_node_); break;
     case ChunkLayout::double_nodes: entry_bytes = sizeof(double) * static_cast<std::size_t>(values_a_node_); break;
     case ChunkLayout::listed_triangles: entry_bytes = 3 * sizeof(int); break;
-    case ChunkLayout::plain_triangles: break;
+    case ChunkLayout::plain_triangles:
+      if (!has_plain(head.entries)) return fail();
+      break;
     default: return fail();
   }
   bytes_.resize(head.entries * entry_bytes);
-  if (get(bytes_.data(), bytes_.size()) || kvx::checksum_of(bytes_.data(), bytes_.size()) != head.checksum) return fail();
+  if (get(bytes_.data(), bytes_.size()) || kvx::chunk_checksum(head, bytes_) != head.checksum) return fail();
   layout_ = head.layout;
   entries_ = head.entries;
   at_ = 0;
@@ -156,12 +170,12 @@ int vrpKVXFileRead::read_node(double& x, double& y, double& z, double& nx, doubl
 
 int vrpKVXFileRead::read_tri(int& a, int& b, int& c) {
   if (has_failed_ || nodes_left_ != 0 || triangles_left_ == 0) return fail();
-  if (at_ == entries_ || !is_triangles(layout_)) {
-    if (at_ != entries_ || read_chunk(triangles_left_) || !is_triangles(layout_)) return fail();
-  }
-  int corners[3] = {3 * triangles_read_, 3 * triangles_read_ + 1, 3 * triangles_read_ + 2};
+  if (at_ == entries_ && (read_chunk(triangles_left_) || !is_triangles(layout_))) return fail();
+  int corners[3];
   if (static_cast<ChunkLayout>(layout_) == ChunkLayout::listed_triangles) {
     std::memcpy(corners, bytes_.data() + at_ * sizeof corners, sizeof corners);
+  } else {
+    for (int k = 0; k < 3; ++k) corners[k] = 3 * triangles_read_ + k;
   }
   ++at_;
   ++triangles_read_;

@@ -8,7 +8,8 @@
 
 /// Reads a KVX file front to back. Every operation returns 0 for success; once one failed, all others do.
 ///
-/// Nothing is handed out before its checksum was compared, and no count is believed that the bytes of the file cannot hold.
+/// A file that was cut short fails at its header, where the stream can tell its length. Nothing is handed out before its checksum was
+/// compared, and no count is believed that the bytes of the file cannot hold.
 /// Memory: that of a few thousand nodes, whatever the file declares.
 class MENDEX_EXPORT vrpKVXFileRead {
  public:
@@ -33,6 +34,8 @@ class MENDEX_EXPORT vrpKVXFileRead {
  private:
   int fail() { return has_failed_ = 1; }
   int get(void* bytes, std::size_t count);
+  int get_more(std::vector<char>& bytes, std::size_t count);
+  bool has_plain(std::uint32_t triangles) const;
   int read_chunk(int entries_left);
   int load_nodes(std::uint32_t layout);
   int next_node(const double*& values);
@@ -45,6 +48,7 @@ class MENDEX_EXPORT vrpKVXFileRead {
   int nodes_left_ = 0;  // of the block, not handed out yet
   int triangles_left_ = 0;
   int triangles_read_ = 0;
+  int node_count_ = 0;  // of the block
   int values_a_node_ = 3;
   std::vector<char> bytes_;     // of the chunk
   std::vector<double> values_;  // of the chunk of nodes

@@ -38,30 +38,30 @@ int vrpKVXFileWrite::put(const void* bytes, std::size_t count) {
   return 0;
 }
 
-// The header is written twice: at first with the mark of an unfinished file, at the end with the number of blocks.
-int vrpKVXFileWrite::put_header(int blocks) {
+// The header is written twice: at first with the mark of an unfinished file, at the end with the number of blocks and the file's length.
+int vrpKVXFileWrite::put_header(int blocks, std::int64_t length) {
   std::vector<char> bytes(kvx::magic, kvx::magic + kvx::magic_bytes);
   bytes.push_back(static_cast<char>(kvx::version));
   append(bytes, static_cast<std::uint32_t>(comment_.size()));
   bytes.insert(bytes.end(), comment_.begin(), comment_.end());
   append(bytes, blocks);
   append(bytes, 0);  // flags, none so far
+  append(bytes, length);
   append(bytes, kvx::checksum_of(bytes.data(), bytes.size()));
   return put(bytes.data(), bytes.size());
 }
 
 int vrpKVXFileWrite::write_header(const char* comment) {
   if (has_failed_ || file_ == nullptr || header_place_ >= 0) return fail();
-  const std::size_t length = comment == nullptr ? 0 : std::min<std::size_t>(std::strlen(comment), kvx::longest_text);
-  comment_.assign(comment, comment + length);
+  if (comment != nullptr) comment_.assign(comment, comment + std::min<std::size_t>(std::strlen(comment), kvx::longest_text));
   header_place_ = ftello(file_);
-  return header_place_ < 0 ? fail() : put_header(kvx::unfinished);
+  return header_place_ < 0 ? fail() : put_header(kvx::unfinished, 0);
 }
 
 int vrpKVXFileWrite::new_block(int nodes, int triangles, int normals) {
   if (has_failed_ || header_place_ < 0 || is_in_block() || nodes < 0 || triangles < 0) return fail();
   const std::uint32_t head[3] = {static_cast<std::uint32_t>(nodes), static_cast<std::uint32_t>(triangles), normals != 0};
-  const std::uint32_t checksum = kvx::checksum_of(reinterpret_cast<const char*>(head), sizeof head);
+  const std::uint32_t checksum = kvx::checksum_of(head, sizeof head);
   nodes_left_ = node_count_ = nodes;
   triangles_left_ = triangles;
   values_a_node_ = normals ? 6 : 3;
@@ -107,7 +107,8 @@ int vrpKVXFileWrite::write_tri(int a, int b, int c) {
 
 int vrpKVXFileWrite::close_triangles() {
   bool is_plain = true;
-  for (std::size_t k = 0; k < corners_.size(); ++k) is_plain = is_plain && corners_[k] == 3 * first_of_chunk_ + static_cast<int>(k);
+  const std::int64_t first_corner = 3 * std::int64_t{first_of_chunk_};
+  for (std::size_t k = 0; k < corners_.size(); ++k) is_plain = is_plain && corners_[k] == first_corner + static_cast<std::int64_t>(k);
   bytes_.clear();
   if (!is_plain) {
     for (const int corner : corners_) append(bytes_, corner);
@@ -120,14 +121,16 @@ int vrpKVXFileWrite::close_triangles() {
 }
 
 int vrpKVXFileWrite::put_chunk(std::uint32_t layout, std::uint32_t entries, const std::vector<char>& bytes) {
-  const kvx::ChunkHead head{layout, entries, kvx::checksum_of(bytes.data(), bytes.size())};
+  kvx::ChunkHead head{layout, entries, 0};
+  head.checksum = kvx::chunk_checksum(head, bytes);
   return put(&head, sizeof head) || put(bytes.data(), bytes.size());
 }
 
 int vrpKVXFileWrite::write_end() {
   if (has_failed_ || header_place_ < 0 || is_in_block()) return fail();
   const off_t end = ftello(file_);
-  if (end < 0 || fseeko(file_, header_place_, SEEK_SET) != 0 || put_header(blocks_) || fseeko(file_, end, SEEK_SET) != 0) return fail();
+  if (end < 0 || fseeko(file_, header_place_, SEEK_SET) != 0) return fail();
+  if (put_header(blocks_, end - header_place_) || fseeko(file_, end, SEEK_SET) != 0) return fail();
   header_place_ = -1;
   return std::fflush(file_) == 0 ? 0 : fail();
 }

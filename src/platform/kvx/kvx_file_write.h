@@ -36,7 +36,7 @@ class MENDEX_EXPORT vrpKVXFileWrite {
  private:
   int fail() { return has_failed_ = 1; }
   int put(const void* bytes, std::size_t count);
-  int put_header(int blocks);
+  int put_header(int blocks, std::int64_t length);
   int close_nodes();
   int close_triangles();
   int put_chunk(std::uint32_t layout, std::uint32_t entries, const std::vector<char>& bytes);
