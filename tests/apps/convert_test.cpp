@@ -1,0 +1,108 @@
+// `mendex convert` between all formats, and its options.
+
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "apps/process.h"
+#include "apps/test_files.h"
+
+namespace {
+
+using Json = nlohmann::json;
+
+constexpr const char* extensions[] = {"mnx", "mes", "tri", "stl", "ast", "kvx"};
+
+Json info(const std::string& path) { return Json::parse(run_mendex({"info", "--json", path}).output, nullptr, false); }
+
+void convert(std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(), "convert");
+  const ProcessResult result = run_mendex(arguments);
+  EXPECT_EQ(result.exit_code, 0) << result.errors;
+  EXPECT_EQ(result.errors, "");
+}
+
+}  // namespace
+
+// The bracket's corners lie on a grid of 2.5, which every format holds exactly.
+TEST(MendexConvert, EveryFormatLeadsToEveryOther) {
+  const TestFolder folder;
+  for (const std::string from : extensions) {
+    const std::string first = folder.path("a." + from);
+    convert({sample("bracket_soup.stl"), first});
+    for (const std::string to : extensions) {
+      const std::string second = folder.path("b." + to);
+      convert({first, second});
+      const Json report = info(second);
+      EXPECT_EQ(report["elements"], 204) << from << " to " << to;
+      EXPECT_EQ(report["volume"].get<double>(), 4250.0) << from << " to " << to;
+      EXPECT_EQ(report["complete"], true);
+    }
+  }
+}
+
+// Content decides what a file is, its name only what is written.
+TEST(MendexConvert, ReadsFilesOfMisleadingNames) {
+  const TestFolder folder;
+  for (const std::string from : extensions) {
+    convert({sample("bracket_soup.stl"), folder.path("a." + from)});
+    std::filesystem::rename(folder.path("a." + from), folder.path("data.bin"));
+    EXPECT_EQ(info(folder.path("data.bin"))["elements"], 204) << from;
+  }
+  const ProcessResult result = run_mendex({"convert", sample("open_box.ast"), folder.path("box.stl")});
+  EXPECT_NE(result.output.find("(ASCII STL) -> "), std::string::npos) << result.output;
+}
+
+TEST(MendexConvert, AppendsFilesAndCutsRanges) {
+  const TestFolder folder;
+  const std::string out = folder.path("out.mnx");
+  convert({sample("bracket_soup.stl"), out, "--append", sample("open_box.ast"), "--append", sample("bracket_soup.stl")});
+  EXPECT_EQ(info(out)["elements"], 204 + 32 + 204);
+  convert({sample("bracket_soup.stl"), out, "--stl-range", "5:20"});
+  EXPECT_EQ(info(out)["elements"], 16);
+  convert({sample("open_box.ast"), out, "--stl-range", "30:"});
+  EXPECT_EQ(info(out)["elements"], 3);
+}
+
+TEST(MendexConvert, NumbersAnewAndKeepsAttributesAsAsked) {
+  const TestFolder folder;
+  run_mendex({"weld", sample("bracket_soup.stl"), "-o", folder.path("welded.mnx")});
+  EXPECT_GT(info(folder.path("welded.mnx"))["max_node"], 100);
+  convert({folder.path("welded.mnx"), folder.path("dense.mnx"), "--renumber"});
+  EXPECT_EQ(info(folder.path("dense.mnx"))["max_node"], 100);
+  convert({folder.path("dense.mnx"), folder.path("smooth.tri")});
+  EXPECT_EQ(info(folder.path("smooth.tri"))["nodes"], 100);
+  convert({folder.path("dense.mnx"), folder.path("flat.tri"), "--smooth", "off"});
+  EXPECT_EQ(info(folder.path("flat.tri"))["nodes"], 612);
+  convert({folder.path("smooth.tri"), folder.path("kept.mes"), "--preserve"});
+  EXPECT_NE(contents_of_file(folder.path("kept.mes")).find("NODES,FORMAT=(I8,6F16.4)\n"), std::string::npos);
+  convert({folder.path("smooth.tri"), folder.path("lost.mes")});
+  EXPECT_NE(contents_of_file(folder.path("lost.mes")).find("NODES,FORMAT=(I8,3F16.4)\n"), std::string::npos);
+}
+
+// A file that breaks off gives what it holds, and says so.
+TEST(MendexConvert, TellsDamagedFiles) {
+  const TestFolder folder;
+  for (const std::string from : {"mnx", "kvx"}) {
+    convert({sample("bracket_soup.stl"), folder.path("whole." + from)});
+    const std::string bytes = contents_of_file(folder.path("whole." + from));
+    const std::string cut = folder.write("cut." + from, bytes.substr(0, bytes.size() - 3));
+    const ProcessResult result = run_mendex({"info", "--json", cut});
+    EXPECT_NE(result.errors.find("warning"), std::string::npos) << from;
+    EXPECT_NE(result.exit_code == 3, result.output.find("\"complete\":false") != std::string::npos) << from << result.output;
+  }
+}
+
+TEST(MendexConvert, ListsFormatsAndRefusesWrongArguments) {
+  const ProcessResult formats = run_mendex({"formats"});
+  EXPECT_EQ(formats.exit_code, 0);
+  for (const std::string extension : extensions) EXPECT_NE(formats.output.find("  ." + extension + " "), std::string::npos);
+  const TestFolder folder;
+  const std::string in = sample("bracket_soup.stl"), out = folder.path("out.stl");
+  for (const std::vector<std::string>& wrong : std::vector<std::vector<std::string>>{
+           {"--stl-range", "0:5"}, {"--stl-range", "7:3"}, {"--stl-range", "5"}, {"--smooth", "maybe"}}) {
+    EXPECT_EQ(run_mendex({"convert", in, out, wrong[0], wrong[1]}).exit_code, 2) << wrong[1];
+  }
+  EXPECT_EQ(run_mendex({"convert", in, folder.path("out.obj")}).exit_code, 2);
+  EXPECT_TRUE(folder.names().empty());
+}
