@@ -117,6 +117,9 @@ std::vector<Measure> all_measures() {
   add_merge_measures(list);
   add_topology_measures(list);
   add_cycles_measures(list);
+  add_isect_measures(list);
+  add_shapes_measures(list);
+  add_sick_measures(list);
   add_undo_measures(list);
   return list;
 }

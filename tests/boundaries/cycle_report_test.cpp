@@ -41,8 +41,7 @@ TEST(CycleReport, TellsHowManyBoundariesHaveHowManyEdges) {
   const std::string summary = "<Boundary info...\n< Boundary count: 23\n< Boundary edge count: 70\n";
   const std::string registers = "INPUT REGISTER @NUMBOU 23\nINPUT REGISTER @NUMEDGE 70\n";
   const std::string sizes = "<  Boundary edge distribution:- \n<   3 sided: 22\n<   4 sided: 1\n";
-  const std::string list =
-      "INPUT LIST @BOU  3 3 3 3 3 3 3 3 3 3\nAPPEND LIST @BOU  3 3 3 3 3 3 3 3 3 3\nAPPEND LIST @BOU  3 3 4\n";
+  const std::string list = "INPUT LIST @BOU  3 3 3 3 3 3 3 3 3 3\nAPPEND LIST @BOU  3 3 3 3 3 3 3 3 3 3\nAPPEND LIST @BOU  3 3 4\n";
   const Texts brief = report(set, 0);
   EXPECT_EQ(brief.screen, summary);
   EXPECT_EQ(brief.file, registers);

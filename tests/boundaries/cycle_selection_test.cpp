@@ -96,10 +96,14 @@ TEST_F(CyclePicks, UpToThreeAreKeptAndAnEndPickedAgainFlipsTheSide) {
     int mode, forward;
   };
   const Step steps[] = {
-      {5, {5}, {-1, -1, -1}, 2, 1},    {5, {5}, {-1, -1, -1}, 2, 1},     // the same end twice is one
-      {9, {5, 9}, {5, 9, 5}, 2, 1},                                      // no third pick yet: the first stands in
-      {7, {5, 9, 7}, {5, 9, 7}, 2, 1}, {8, {5, 9, 8}, {5, 9, 8}, 2, 1},  // a new third pick replaces the old
-      {9, {5, 9, 9}, {5, 9, 9}, 1, 0}, {5, {5, 9, 5}, {5, 9, 5}, 0, 1}, {20, {5, 9, 20}, {5, 9, 20}, 2, 1},
+      {5, {5}, {-1, -1, -1}, 2, 1},
+      {5, {5}, {-1, -1, -1}, 2, 1},   // the same end twice is one
+      {9, {5, 9}, {5, 9, 5}, 2, 1},   // no third pick yet: the first stands in
+      {7, {5, 9, 7}, {5, 9, 7}, 2, 1},
+      {8, {5, 9, 8}, {5, 9, 8}, 2, 1},  // a new third pick replaces the old
+      {9, {5, 9, 9}, {5, 9, 9}, 1, 0},
+      {5, {5, 9, 5}, {5, 9, 5}, 0, 1},
+      {20, {5, 9, 20}, {5, 9, 20}, 2, 1},
   };
   set.num_boundaries();
   for (const Step& step : steps) {
@@ -126,11 +130,15 @@ TEST_F(CyclePicks, TheArcIsChosenByTheThirdPickElseByLength) {
     int forward;
   };
   const Case cases[] = {
-      {{5, 9, 7}, 2, {5, 6, 8, 9}, 1},    {{9, 5, 7}, 2, {5, 6, 8, 9}, 1},  // named in cycle order
-      {{5, 9, 20}, 2, {5, 6, 8, 9}, 0},   {{5, 9, 5}, 2, {5, 6, 8, 9}, 1},  // the shorter arc
-      {{3, 24, 3}, 2, {3, 4, 23, 24}, 0}, {{2, 25, 7}, 2, {2, 3, 24, 25}, 1},   {{5, 9, 20}, 0, {5, 6, 8, 9}, 1},
-      {{5, 9, 7}, 1, {5, 6, 8, 9}, 0},    {{5, 999, 5}, 0, {999, -1, 4, 5}, 1},  // a node that is not there comes
-                                                                                 // before all
+      {{5, 9, 7}, 2, {5, 6, 8, 9}, 1},
+      {{9, 5, 7}, 2, {5, 6, 8, 9}, 1},  // named in cycle order
+      {{5, 9, 20}, 2, {5, 6, 8, 9}, 0},
+      {{5, 9, 5}, 2, {5, 6, 8, 9}, 1},     // the shorter arc
+      {{3, 24, 3}, 2, {3, 4, 23, 24}, 0},
+      {{2, 25, 7}, 2, {2, 3, 24, 25}, 1},
+      {{5, 9, 20}, 0, {5, 6, 8, 9}, 1},
+      {{5, 9, 7}, 1, {5, 6, 8, 9}, 0},
+      {{5, 999, 5}, 0, {999, -1, 4, 5}, 1},  // a node that is not there comes before all
   };
   set.num_boundaries();
   for (const Case& c : cases) {

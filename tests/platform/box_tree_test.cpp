@@ -61,7 +61,8 @@ TEST(BoxTree, FindsExactlyTheBoxesThatOverlap) {
 }
 
 // One box at 1e30 among a thousand small ones must not put all the others into one place of the curve: a search would
-// then look at most of the blocks. Counted by what is visited through the exact comparison, so the boxes overlap nothing.
+// then look at most of the blocks. Counted by what is visited through the exact comparison, so the boxes overlap
+// nothing.
 TEST(BoxTree, KeepsApartWhatLiesTogetherBesideAStrayBox) {
   std::vector<FloatBox> boxes;
   Random random(5);
@@ -74,7 +75,9 @@ TEST(BoxTree, KeepsApartWhatLiesTogetherBesideAStrayBox) {
   for (const int i : morton_order(boxes)) ordered.push_back(boxes[static_cast<std::size_t>(i)]);
   const BoxBlocks blocks(ordered);
   int visited = 0;
-  for (const FloatBox& box : boxes) blocks.visit_blocks(box, [](int, int) { return false; }, [&](int) { ++visited; });
+  for (const FloatBox& box : boxes)
+    blocks.visit_blocks(
+        box, [](int, int) { return false; }, [&](int) { ++visited; });
   EXPECT_LT(visited, 20 * 4096);
 }
 

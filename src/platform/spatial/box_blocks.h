@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 #include "platform/spatial/float_box.h"
@@ -60,22 +61,36 @@ struct alignas(32) BoxBlock {
 /// The number of the lowest bit that is set; there must be one.
 inline int lowest_bit(unsigned bits) { return __builtin_ctz(bits); }
 
-/// Bounding boxes over a list of boxes: the list is cut into blocks of eight, the boxes of these blocks form a list that is cut in
-/// the same way, and so on up to a single block. So a block is found by its number and there are no pointers.
-/// Neighbours in the list should be near in space. Memory: 28 bytes a box.
+/// Bounding boxes over a list of boxes: the list is cut into blocks of eight, the boxes of these blocks form a list
+/// that is cut in the same way, and so on up to a single block. So a block is found by its number and there are no
+/// pointers. Neighbours in the list should be near in space. Memory: 28 bytes a box.
 class BoxBlocks {
  public:
-  explicit BoxBlocks(const std::vector<FloatBox>& boxes) {
-    std::vector<FloatBox> upper = add_level(boxes);
-    while (upper.size() > 1) upper = add_level(upper);
+  BoxBlocks() : BoxBlocks(std::vector<FloatBox>()) {}
+  explicit BoxBlocks(const std::vector<FloatBox>& boxes)
+      : BoxBlocks(boxes.size(), [&](std::size_t i) { return boxes[i]; }) {}
+  /// Over `size` boxes, box(i) being the i-th of them.
+  template <class Box>
+  BoxBlocks(std::size_t size, Box box) {
+    std::vector<FloatBox> upper = add_level(size, box);
+    while (upper.size() > 1) {
+      const std::vector<FloatBox> lower = std::move(upper);
+      upper = add_level(lower.size(), [&](std::size_t i) { return lower[i]; });
+    }
   }
 
   /// Blocks of the list itself, and the block that holds boxes 8 b to 8 b + 7; those behind the end overlap nothing.
   int count() const { return level_count_[0]; }
   const BoxBlock& block(int b) const { return blocks_[static_cast<std::size_t>(b)]; }
 
-  /// Calls visit(b) for the blocks of the list, ascending, whose boundary overlaps `box`, apart from those that lie in a stretch of
-  /// blocks for which skip(first, last) holds; it may be asked about any stretch.
+  /// What block b of the list lies in.
+  FloatBox boundary(int b) const {
+    if (levels_ == 1) return block(b).whole();
+    return at({1, b / BoxBlock::width}).get(b % BoxBlock::width);
+  }
+
+  /// Calls visit(b) for the blocks of the list, ascending, whose boundary overlaps `box`, apart from those that lie in
+  /// a stretch of blocks for which skip(first, last) holds; it may be asked about any stretch.
   template <class Skip, class Visit>
   void visit_blocks(const FloatBox& box, Skip skip, Visit visit) const {
     Place stack[max_levels * BoxBlock::width];
@@ -106,7 +121,9 @@ class BoxBlocks {
 
   static int highest_bit(unsigned bits) { return 31 - __builtin_clz(bits); }
   int top_level() const { return levels_ - 1; }
-  const BoxBlock& at(Place place) const { return blocks_[level_start_[place.level] + static_cast<std::size_t>(place.block)]; }
+  const BoxBlock& at(Place place) const {
+    return blocks_[level_start_[place.level] + static_cast<std::size_t>(place.block)];
+  }
   int first_block(Place place) const { return place.block << (3 * place.level); }
   int last_block(Place place) const {
     const long long end = (static_cast<long long>(place.block) + 1) << (3 * place.level);
@@ -114,17 +131,19 @@ class BoxBlocks {
   }
 
   // Appends a level over `boxes` and returns the boundaries of its blocks.
-  std::vector<FloatBox> add_level(const std::vector<FloatBox>& boxes) {
+  template <class Box>
+  std::vector<FloatBox> add_level(std::size_t size, Box box) {
     constexpr std::size_t width = BoxBlock::width;
-    const std::size_t count = std::max<std::size_t>((boxes.size() + width - 1) / width, 1);
+    const std::size_t count = std::max<std::size_t>((size + width - 1) / width, 1);
     level_start_[levels_] = blocks_.size();
     level_count_[levels_++] = static_cast<int>(count);
+    if (levels_ == 1) blocks_.reserve(count + count / 7 + max_levels);  // an eighth more with every level
     blocks_.resize(blocks_.size() + count);
     std::vector<FloatBox> boundaries(count);
     for (std::size_t i = 0; i < count * width; ++i) {
-      const FloatBox box = i < boxes.size() ? boxes[i] : FloatBox();
-      blocks_[level_start_[levels_ - 1] + i / width].set(static_cast<int>(i % width), box);
-      boundaries[i / width].merge(box);
+      const FloatBox next = i < size ? box(i) : FloatBox();
+      blocks_[level_start_[levels_ - 1] + i / width].set(static_cast<int>(i % width), next);
+      boundaries[i / width].merge(next);
     }
     return boundaries;
   }
@@ -134,3 +153,26 @@ class BoxBlocks {
   int level_count_[max_levels] = {};
   std::vector<BoxBlock> blocks_;
 };
+
+/// Calls walk.visit(i, j), i < j, for the pairs of boxes of the list that overlap.
+///
+/// Before block a is compared with itself and the blocks behind it, walk.enter(a) is asked, and the walk ends when it
+/// says no. Pairs of a with a block in a stretch of blocks for which walk.skip(first, last) holds are left out. Cost:
+/// about O(n + pairs) for small boxes that do not pile up.
+template <class Walk>
+void walk_box_pairs(const BoxBlocks& blocks, Walk& walk) {
+  constexpr int width = BoxBlock::width;
+  for (int a = 0; a < blocks.count() && walk.enter(a); ++a) {
+    const BoxBlock& block_a = blocks.block(a);
+    const auto skip = [&](int first, int last) { return last < a || walk.skip(first, last); };
+    blocks.visit_blocks(blocks.boundary(a), skip, [&](int b) {
+      const BoxBlock& block_b = blocks.block(b);
+      for (unsigned lanes = block_a.overlapping(blocks.boundary(b)); lanes != 0; lanes &= lanes - 1) {
+        const int i = lowest_bit(lanes);
+        unsigned others = block_b.overlapping(block_a.get(i));
+        if (a == b) others &= ~1u << i;
+        for (; others != 0; others &= others - 1) walk.visit(width * a + i, width * b + lowest_bit(others));
+      }
+    });
+  }
+}

@@ -6,19 +6,12 @@
 
 namespace {
 
-// A point that stray boxes do not draw away: along each axis the middle one of a few least corners.
-giPoint3 middle_corner(const std::vector<giBox3>& boxes) {
-  giPoint3 middle;
-  const std::size_t stride = boxes.size() / 100 + 1;
-  for (int k = 0; k < 3; ++k) {
-    std::vector<double> sample;
-    for (std::size_t i = 0; i < boxes.size(); i += stride) {
-      if (!boxes[i].is_empty() && std::isfinite(boxes[i].min()[k])) sample.push_back(boxes[i].min()[k]);
-    }
-    std::sort(sample.begin(), sample.end());
-    if (!sample.empty()) middle[k] = sample[sample.size() / 2];
+FloatFrame frame_of(const std::vector<giBox3>& boxes) {
+  std::vector<giPoint3> sample;
+  for (std::size_t i = 0; i < boxes.size(); i += boxes.size() / 100 + 1) {
+    if (!boxes[i].is_empty()) sample.push_back(boxes[i].min());
   }
-  return middle;
+  return FloatFrame::about_middle(sample);
 }
 
 std::vector<FloatBox> mapped(const std::vector<giBox3>& boxes, const FloatFrame& frame) {
@@ -32,7 +25,7 @@ std::vector<FloatBox> mapped(const std::vector<giBox3>& boxes, const FloatFrame&
 
 BoxTree::BoxTree(std::vector<giBox3> boxes)
     : boxes_(std::move(boxes)),
-      frame_(middle_corner(boxes_)),
+      frame_(frame_of(boxes_)),
       order_(morton_order(mapped(boxes_, frame_))),
       blocks_(in_order()) {}
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cfloat>
 #include <cmath>
-#include <limits>
+#include <vector>
 
 #include "platform/geometry/point3.h"
 
@@ -29,18 +29,21 @@ struct FloatBox {
 
 /// Maps coordinates to single precision, measured from an origin so that small boxes far from zero stay apart.
 ///
-/// The map never decreases as a coordinate grows. So boxes that overlap are mapped to boxes that overlap, without any widening;
-/// the reverse holds but for rounding.
+/// The map never decreases as a coordinate grows. So boxes that overlap are mapped to boxes that overlap, without any
+/// widening; the reverse holds but for rounding.
 class FloatFrame {
  public:
   FloatFrame() = default;
   explicit FloatFrame(const giPoint3& origin) : origin_{origin.x, origin.y, origin.z} {}
+  /// The origin is, along each axis, the middle one of the finite coordinates: a few stray points do not draw it away.
+  static FloatFrame about_middle(const std::vector<giPoint3>& sample);
 
   float map(double x, int axis) const {
     const double limit = FLT_MAX;
     return static_cast<float>(std::max(-limit, std::min(limit, x - origin_[axis])));
   }
-  /// Boxes with a coordinate that is not a number overlap nothing, nor do those whose least exceeds the greatest along an axis.
+  /// Boxes with a coordinate that is not a number overlap nothing, nor do those whose least exceeds the greatest along
+  /// an axis.
   FloatBox map(const giPoint3& low, const giPoint3& high) const {
     FloatBox box;
     if (!(low.x <= high.x && low.y <= high.y && low.z <= high.z)) return box;

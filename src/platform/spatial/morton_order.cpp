@@ -31,8 +31,8 @@ struct Stretch {
   }
 };
 
-// All centres when that is not much longer than the middle nine tenths of a sample of them, else some lengths of those beyond
-// each end.
+// All centres when that is not much longer than the middle nine tenths of a sample of them, else some lengths of those
+// beyond each end.
 Stretch stretch_of(const std::vector<FloatBox>& boxes, int axis) {
   constexpr std::size_t sample_size = 1000;
   const std::size_t stride = boxes.size() / sample_size + 1;
@@ -76,21 +76,32 @@ std::vector<Entry> coded(const std::vector<FloatBox>& boxes) {
   return entries;
 }
 
-// Least significant digit first; digits that are alike in all codes cost one look.
-void radix_sort(std::vector<Entry>& entries) {
+// The upper bits by radix, the least significant digit first; what they leave equal, mostly little or nothing, by
+// comparison.
+void sort_by_code(std::vector<Entry>& entries) {
   constexpr int digit_bits = 11;
+  constexpr int lowest_shift = 64 - 3 * digit_bits;
   constexpr std::size_t digits = std::size_t{1} << digit_bits;
   std::vector<Entry> sorted(entries.size());
   std::vector<std::size_t> starts(digits);
-  for (int shift = 0; shift < 64; shift += digit_bits) {
+  for (int shift = lowest_shift; shift < 64; shift += digit_bits) {
     const auto digit = [shift](const Entry& entry) { return (entry.code >> shift) & (digits - 1); };
     std::fill(starts.begin(), starts.end(), 0);
     for (const Entry& entry : entries) ++starts[digit(entry)];
-    if (entries.empty() || starts[digit(entries.front())] == entries.size()) continue;
     std::size_t sum = 0;
     for (std::size_t& start : starts) sum += std::exchange(start, sum);
     for (const Entry& entry : entries) sorted[starts[digit(entry)]++] = entry;
     entries.swap(sorted);
+  }
+  for (auto from = entries.begin(); from != entries.end();) {
+    auto to = from + 1;
+    while (to != entries.end() && to->code >> lowest_shift == from->code >> lowest_shift) ++to;
+    if (to - from > 1) {
+      std::sort(from, to, [](const Entry& a, const Entry& b) {
+        return a.code != b.code ? a.code < b.code : a.number < b.number;
+      });
+    }
+    from = to;
   }
 }
 
@@ -98,7 +109,7 @@ void radix_sort(std::vector<Entry>& entries) {
 
 std::vector<int> morton_order(const std::vector<FloatBox>& boxes) {
   std::vector<Entry> entries = coded(boxes);
-  radix_sort(entries);
+  sort_by_code(entries);
   std::vector<int> order(entries.size());
   for (std::size_t i = 0; i < entries.size(); ++i) order[i] = entries[i].number;
   return order;
