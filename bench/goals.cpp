@@ -89,23 +89,19 @@ std::vector<GoalLine> judge_goals(const RunFacts& facts) {
   judge.ratio("isect_overlapping", "isect_overlapping_cgal", 0.5);
   judge.ratio("write_stl", "flat_write", 2.0);
   judge.ratio("write_ast", "flat_write_ascii", 2.0);
-  judge.ratio("detect_cycles", "flat_parse", 1.0);
-  judge.ratio("detect_cycles_unbuilt", "build_edges", 1.5);
-  judge.ratio("detect_cycles_soup", "flat_parse", 20.0);
   judge.ratio("find_thin", "flat_parse", 3.0);
   judge.ratio("find_overhanging", "flat_parse", 2.0);
   judge.ratio("find_overlapping", "flat_parse", 8.0);
   judge.ratio("orient_normals", "flat_parse", 6.0);
+  judge.ratio("detect_cycles", "flat_parse", 1.0);
+  judge.ratio("detect_cycles_unbuilt", "build_edges", 1.5);
+  judge.ratio("detect_cycles_soup", "flat_parse", 20.0);
   judge.ratio("undo_merge", "flat_parse", 8.0);
   judge.ratio("redo_merge", "flat_parse", 8.0);
   judge.ratio("merge_journalled", "unduplicate_exact", 1.6);
   for (const char* edit : {"reverse", "delete_all", "transform", "renumber"}) {
     judge.ratio(std::string(edit) + "_journalled", edit, 1.6);
   }
-  judge.ratio("find_thin", "flat_parse", 3.0);
-  judge.ratio("find_overhanging", "flat_parse", 2.0);
-  judge.ratio("find_overlapping", "flat_parse", 8.0);
-  judge.ratio("orient_normals", "flat_parse", 6.0);
   judge.growth(1.15);
   if (facts.memory) {
     judge.at_most("bytes a triangle, after reading", 220.0, facts.memory->after_reading);
