@@ -50,7 +50,8 @@ double time_section(const Model& model) {
   const double seconds = seconds_of([&] { section.section(gi_z_axis, 0.5 * (box.min().z + box.max().z)); });
   require(section.n_boundaries() >= 2, "section of a torus");
   for (int b = 0; b < section.n_boundaries(); ++b) {
-    require(section.boundary_point(b, 0) == section.boundary_point(b, section.n_boundary_points(b) - 1), "open section");
+    require(section.boundary_point(b, 0) == section.boundary_point(b, section.n_boundary_points(b) - 1),
+            "open section");
   }
   return seconds;
 }

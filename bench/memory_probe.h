@@ -7,7 +7,7 @@
 struct MemoryUse {
   double after_reading = 0.0;  ///< peak while reading
   double while_merging = 0.0;  ///< peak while merging, above what was in use before it
-  double boundary_of_soup = 0.0;  ///< peak while the boundary of the unmerged mesh is detected, above what was in use before it
+  double boundary_of_soup = 0.0;  ///< peak while detecting the boundary of the unmerged mesh, above what was in use before
 };
 
 /// Measures in processes of their own, which are this program started with `--memory-probe FILE TOL` and with

@@ -8,7 +8,8 @@ namespace {
 // 32 KB a page: large enough to come from slabs, where a mesh has very many free edges.
 constexpr int rep_page_shift = 12;
 
-// Initialised before any code runs and never destroyed: a host's global objects may be made earlier, and live longer, than any of ours.
+// Initialised before any code runs and never destroyed: a host's global objects may be made earlier, and live longer,
+// than any of ours.
 union EntryStore {
   constexpr EntryStore() : entries(rep_page_shift, 5, 10) {}
   ~EntryStore() {}

@@ -11,7 +11,8 @@ class CycleWalker {
  public:
   CycleWalker(trTriBlock& block, trCyclecoPageArr& cycles) : block_(block), cycles_(cycles), entries_(trCycle::rep) {}
 
-  // A list can only run dry when a host changed edges behind the block's back: then the cycle is closed where it stands.
+  // A list can only run dry when a host changed edges behind the block's back: then the cycle is closed where it
+  // stands.
   void walk_from(int s) {
     trCycle& cycle = cycles_[cycles_.count()];
     cycle.start = entries_.count();

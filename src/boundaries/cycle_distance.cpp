@@ -1,8 +1,8 @@
 // The gap between a boundary node and a boundary edge.
 //
-// The rule walks, for every node, all edges in their order, and compares those whose box, grown by the least distance so far, holds
-// the node of that distance. Between two improvements these are always the same edges: a tree finds them once, and every node in
-// between looks at them alone.
+// The rule walks, for every node, all edges in their order, and compares those whose box, grown by the least distance
+// so far, holds the node of that distance. Between two improvements these are always the same edges: a tree finds them
+// once, and every node in between looks at them alone.
 
 #include <algorithm>
 #include <cfloat>
@@ -22,7 +22,8 @@ constexpr double shortest_edge = 1e-6;  // shorter ones are met at their middle
 constexpr double end_zone = 1e-6;       // of an edge's parameter
 // A coordinate that differs by more has no distance: its square overflows.
 constexpr double farthest = 1.4e154;
-// Bounds of what rounding can do, relative to the numbers involved; generous, since they only decide what is looked at closely.
+// Bounds of what rounding can do, relative to the numbers involved; generous, since they only decide what is looked at
+// closely.
 constexpr double rounding = 1e-12;
 
 bool is_finite(const giPoint3& p) { return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z); }
@@ -168,7 +169,8 @@ giLength trCycleArray::measure_distance(giPoint3& from, giPoint3& to) {
   for (int i = 0; i < count; ++i) {
     const trCycle& cycle = cycles.at(i);
     if (cycle.start == -1) continue;
-    tr_report_progress(tr_brnknls("%3d boundaries:  %3d"), count, i, static_cast<double>(std::int64_t{100} * i / count));
+    tr_report_progress(tr_brnknls("%3d boundaries:  %3d"), count, i,
+                       static_cast<double>(std::int64_t{100} * i / count));
     if (!meter.admits(cycle.box())) continue;
     trCycleIT it(&cycle);
     while (++it) meter.measure_node(it.s_node(), cycle.position(it.s_node()));

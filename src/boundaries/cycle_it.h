@@ -2,12 +2,16 @@
 
 #include "boundaries/cycle.h"
 
-/// Walks the edges of a cycle: `while (++it) use(it.s_node(), it.e_node());`. Stepping a finished iterator starts again.
+/// Walks the edges of a cycle: `while (++it) use(it.s_node(), it.e_node());`. Stepping a finished iterator starts
+/// again.
 ///
 /// Without an arc it yields the edges in order, cancelled ones included. With an arc it yields a closed loop:
-/// - forward: from the first entry of `arc_start` along the cycle to that of `arc_end`, through the nodes of the sub-range, and back
-///   to `arc_start`; nothing when `arc_start` is not on the cycle, and no farther than the cycle when `arc_end` does not follow;
-/// - else: from the cycle's first node to `arc_start`, through the sub-range, on from the next entry of `arc_end` to the cycle's end;
+/// - forward: from the first entry of `arc_start` along the cycle to that of `arc_end`, through the nodes of the
+/// sub-range, and back
+///   to `arc_start`; nothing when `arc_start` is not on the cycle, and no farther than the cycle when `arc_end` does
+///   not follow;
+/// - else: from the cycle's first node to `arc_start`, through the sub-range, on from the next entry of `arc_end` to
+/// the cycle's end;
 ///   without `arc_start` it begins at `arc_end`.
 class MENDEX_EXPORT trCycleIT {
  public:

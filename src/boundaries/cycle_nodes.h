@@ -6,8 +6,8 @@
 #include "platform/containers/number_arrays.h"
 #include "platform/utilities/export.h"
 
-/// A list of node numbers that is mostly empty: an `intcoPageArr` made on first use, and until then one null pointer. A mesh of loose
-/// triangles has a cycle for each, and each cycle has two such lists.
+/// A list of node numbers that is mostly empty: an `intcoPageArr` made on first use, and until then one null pointer. A
+/// mesh of loose triangles has a cycle for each, and each cycle has two such lists.
 class MENDEX_EXPORT trCycleNodes {
  public:
   trCycleNodes() = default;

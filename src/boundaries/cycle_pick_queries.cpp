@@ -22,8 +22,8 @@ class PickLine {
     return {q.distance(point_ + direction_ * depth), depth};
   }
 
-  // The point of the segment nearest to the line: both are projected along the line, where the line is a point. Of a segment that
-  // lies along the line, the end that comes first.
+  // The point of the segment nearest to the line: both are projected along the line, where the line is a point. Of a
+  // segment that lies along the line, the end that comes first.
   giPoint3 nearest_on_segment(const giPoint3& a, const giPoint3& b) const {
     const giVector3 to_a = across(a - point_);
     const giVector3 edge = across(b - a);

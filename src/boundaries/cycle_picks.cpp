@@ -31,12 +31,13 @@ void find_places(const trCycle& cycle, PickPlace (&places)[3]) {
   }
   for (PickPlace& place : places) {
     if (place.position < 0) continue;
-    if (place.after < 0) place.after = first;    // the last node is followed by the first
+    if (place.after < 0) place.after = first;     // the last node is followed by the first
     if (place.before < 0) place.before = before;  // which it precedes
   }
 }
 
-// The picks chose two ends and a third node: the arc between the ends that holds the third is wanted; without a third, the shorter.
+// The picks chose two ends and a third node: the arc between the ends that holds the third is wanted; without a third,
+// the shorter.
 int choose_direction(const trCycle& cycle, const PickPlace (&places)[3]) {
   if (cycle.pick_mode == 0) return 1;
   if (cycle.pick_mode == 1) return 0;
@@ -164,7 +165,9 @@ void trCycle::eval_length(int a, int b, double& total, double& inside, double& o
   outside = total - inside;
 }
 
-giPoint3 trCycle::holefilling_start_pick() const { return valid_nodes.count() > 0 ? position(valid_nodes[0]) : giPoint3(); }
+giPoint3 trCycle::holefilling_start_pick() const {
+  return valid_nodes.count() > 0 ? position(valid_nodes[0]) : giPoint3();
+}
 
 void trCycle::set_subrange_nodes(const intcoPageArr& nodes) {
   intcoPageArr taken;

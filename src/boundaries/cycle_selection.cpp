@@ -1,8 +1,8 @@
 #include "boundaries/cycle_array.h"
 #include "progress/progress.h"
 
-int trCycleArray::select_cycles(const intcoSet& ids, const int& select, double& average_length, int pick, const intcoSet& picks,
-                                int edge_start, int edge_end) const {
+int trCycleArray::select_cycles(const intcoSet& ids, const int& select, double& average_length, int pick,
+                                const intcoSet& picks, int edge_start, int edge_end) const {
   detect();
   if (block != nullptr) block->reference_elements();
   if (tr_interrupt()) return -1;

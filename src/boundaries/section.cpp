@@ -107,9 +107,7 @@ void trSection::unduplicate_nodes() {
   }
 }
 
-int trSection::n_boundary_points(int b) const {
-  return b >= 0 && b < boundaries.count() ? boundaries[b]->count() : 0;
-}
+int trSection::n_boundary_points(int b) const { return b >= 0 && b < boundaries.count() ? boundaries[b]->count() : 0; }
 
 const giPoint3& trSection::boundary_point(int b, int i) const {
   static const giPoint3 none(-DBL_MAX, 0.0, 0.0);

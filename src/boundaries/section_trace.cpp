@@ -12,7 +12,8 @@ namespace {
 constexpr int no_edge = -1;
 constexpr int no_out_edge = -2;
 
-// A candidate for the next polyline: the balance of a point when it was entered, and the lowest segment that started there.
+// A candidate for the next polyline: the balance of a point when it was entered, and the lowest segment that started
+// there.
 using Start = std::pair<int, int>;
 using StartQueue = std::priority_queue<Start, std::vector<Start>, std::greater<Start>>;
 
@@ -64,9 +65,9 @@ int trSection::next_edge(int point, const intcoPageArr& out_edge) {
   return edge_cancelled(named) ? lowest_edge_from(point) : named;
 }
 
-// Every polyline begins with the live segment whose start has the least balance, the lowest of several. Points where chains begin have
-// a negative balance. The balance of a point changes only where a polyline passed: such points are entered again, and entries that
-// no longer hold are passed over.
+// Every polyline begins with the live segment whose start has the least balance, the lowest of several. Points where
+// chains begin have a negative balance. The balance of a point changes only where a polyline passed: such points are
+// entered again, and entries that no longer hold are passed over.
 void trSection::trace_boundaries() {
   intcoPageArr out_edge(point_page_shift, 5, 10);
   intcoPageArr balance(point_page_shift, 5, 10);

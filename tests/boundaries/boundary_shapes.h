@@ -25,10 +25,12 @@ inline std::vector<std::vector<int>> all_cycles(const trCycleArray& set) {
   return all;
 }
 
-/// Triangles between few points, in any order and orientation, so that edges meet in every way; coordinates on a coarse grid.
+/// Triangles between few points, in any order and orientation, so that edges meet in every way; coordinates on a coarse
+/// grid.
 inline Shape random_tangle(Random& random, int points, int triangles, int grid) {
   Shape shape;
-  for (int k = 0; k < points; ++k) shape.points.emplace_back(random.below(grid), random.below(grid), random.below(grid));
+  for (int k = 0; k < points; ++k)
+    shape.points.emplace_back(random.below(grid), random.below(grid), random.below(grid));
   while (static_cast<int>(shape.triangles.size()) < triangles) {
     const int a = random.below(points), b = random.below(points), c = random.below(points);
     if (a != b && b != c && c != a) shape.triangles.push_back({a, b, c});

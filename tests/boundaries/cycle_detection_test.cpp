@@ -70,8 +70,8 @@ TEST(CycleDetection, OneTriangleTakesFourEntriesOfWhichTheLastRepeatsTheFirst) {
   EXPECT_EQ(block.changed, 0);
 }
 
-// Two triangles that touch in one node form two cycles when the scan comes to the shared node first, else one that passes it twice,
-// unless the edge of the same triangle is the older one there.
+// Two triangles that touch in one node form two cycles when the scan comes to the shared node first, else one that
+// passes it twice, unless the edge of the same triangle is the older one there.
 TEST(CycleDetection, AtASharedNodeTheEdgeMadeFirstIsFollowed) {
   struct Case {
     int triangles[2][3];
@@ -101,14 +101,6 @@ TEST(CycleDetection, ASeamBetweenOppositeOrientationsIsFreeOnBothSides) {
   block.generate(4, 6, 5);
   trCycleArray set(&block);
   EXPECT_EQ(all_cycles(set), (Cycles{{1, 3, 4, 2}, {3, 4, 6, 5}}));
-}
-
-TEST(CycleDetection, AClosedMeshHasNone) {
-  BlockOf block(torus(8, 6));
-  trCycleArray set(&block);
-  EXPECT_EQ(set.num_boundaries(), 0);
-  EXPECT_EQ(set.num_edges(), 0);
-  EXPECT_TRUE(set.box().is_empty());
 }
 
 TEST(CycleDetection, AnInterruptionAtAnyPollIsMadeGoodByTheNextQuery) {

@@ -13,7 +13,9 @@ struct Seen {
   double distance, depth;
 };
 
-Seen seen_along_z(const giPoint3& q, const giPoint3& line) { return {std::hypot(q.x - line.x, q.y - line.y), q.z - line.z}; }
+Seen seen_along_z(const giPoint3& q, const giPoint3& line) {
+  return {std::hypot(q.x - line.x, q.y - line.y), q.z - line.z};
+}
 
 bool better(const Seen& a, const Seen& best, double tol) {
   if (std::abs(a.distance - best.distance) <= tol) return a.depth < best.depth;
@@ -29,8 +31,8 @@ void spread(Shape& shape, Random& random, double jitter) {
 
 }  // namespace
 
-// On a coarse grid many nodes lie equally far from the line within the tolerance: of those the first along the line wins, in the order
-// of the walk. The filter by boxes must not change the answer.
+// On a coarse grid many nodes lie equally far from the line within the tolerance: of those the first along the line
+// wins, in the order of the walk. The filter by boxes must not change the answer.
 TEST(CyclePickQueries, TheNearestNodeAndOfTiesTheFirstAlongTheLine) {
   Random random(5);
   int ties = 0;
@@ -98,8 +100,8 @@ TEST(CyclePickQueries, EdgesAlongTheLineAndPlacesThatAreNotNumbers) {
   EXPECT_EQ(none.closest_edge_point(giPoint3(), giUnitVec3(), 1.0), giPoint3());
 }
 
-// The rule looks only at what lies near the `from` of the least distance so far, so its result depends on its order, which the
-// search through a tree must follow to the last bit.
+// The rule looks only at what lies near the `from` of the least distance so far, so its result depends on its order,
+// which the search through a tree must follow to the last bit.
 TEST(CycleDistance, IsThatOfComparingEveryNodeWithEveryEdge) {
   Random random(7);
   int local = 0;
@@ -127,7 +129,8 @@ TEST(CycleDistance, IsThatOfComparingEveryNodeWithEveryEdge) {
     for (const auto& cycle : cycles) {
       for (int n : cycle) {
         for (int m = 1; m < block.node_count(); ++m) {
-          if (m != n && !block.node(m).a_edges.empty()) least = std::min(least, block.point(n).distance(block.point(m)));
+          if (m != n && !block.node(m).a_edges.empty())
+            least = std::min(least, block.point(n).distance(block.point(m)));
         }
       }
     }

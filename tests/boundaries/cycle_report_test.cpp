@@ -52,8 +52,9 @@ TEST(CycleReport, TellsHowManyBoundariesHaveHowManyEdges) {
   EXPECT_EQ(report(set, 0).screen, full.screen);
   CapturedOutput out;
   set.info(nullptr, 0);
-  EXPECT_EQ(out.take(), "Boundary info...\n Boundary count: 23\n Boundary edge count: 70\n  Boundary edge distribution:- \n"
-                        "   3 sided: 22\n   4 sided: 1\n");
+  EXPECT_EQ(out.take(),
+            "Boundary info...\n Boundary count: 23\n Boundary edge count: 70\n  Boundary edge distribution:- \n"
+            "   3 sided: 22\n   4 sided: 1\n");
 }
 
 TEST(CycleReport, AClosedMeshHasNoDistribution) {
@@ -109,7 +110,8 @@ TEST(CycleReport, ThePictureDrawsEachBoundaryAsAClosedPolyline) {
   set.cycles[0].start = -1;
   CommandFile rest;
   set.write(rest.file());
-  EXPECT_EQ(rest.text().substr(0, 79), "EDIT PLEV 0#UNSET ECHO\nDELETE PICTURE\nINPUT PIX 1 3.000000 0.000000 0.000000\nED");
+  EXPECT_EQ(rest.text().substr(0, 79),
+            "EDIT PLEV 0#UNSET ECHO\nDELETE PICTURE\nINPUT PIX 1 3.000000 0.000000 0.000000\nED");
 
   InterruptingHandler handler(1);
   CommandFile none;

@@ -10,7 +10,8 @@ struct Rim : testing::Test {
   trCycleArray set{&block};
   double length = -1.0;
 
-  int select(const intcoSet& ids, int pick = -1, const intcoSet& picks = intcoSet(), int edge_start = -1, int edge_end = -1) {
+  int select(const intcoSet& ids, int pick = -1, const intcoSet& picks = intcoSet(), int edge_start = -1,
+             int edge_end = -1) {
     return set.select_cycles(ids, 1, length, pick, picks, edge_start, edge_end);
   }
   trCycle& cycle() { return set.cycles[0]; }

@@ -5,7 +5,8 @@
 
 #include "mesh/tri_block.h"
 
-/// The cycles of a block as their rule is worded, from its elements alone: the nodes of each, its first node not repeated.
+/// The cycles of a block as their rule is worded, from its elements alone: the nodes of each, its first node not
+/// repeated.
 std::vector<std::vector<int>> cycles_literal(const trTriBlock& block);
 
 struct GapLiteral {
