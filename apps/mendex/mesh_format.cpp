@@ -49,7 +49,7 @@ bool starts_with(std::string_view text, std::string_view start) { return text.su
 // Skips lines up to one with an asterisk as its second character, as the reader does; what follows it begins with a number.
 bool is_triangle_file(std::string_view head) {
   if (head.find('\0') != std::string_view::npos) return false;
-  const std::size_t star = starts_with(head.substr(1), "*") ? 0 : head.find("\n *");
+  const std::size_t star = head.size() > 1 && head[1] == '*' ? 0 : head.find("\n *");
   return star != std::string_view::npos && contains(std::string(head.substr(0, 4096)), "TRIANGLE BLOCK");
 }
 

@@ -60,7 +60,7 @@ ReadOutcome read_mesh(Session& session, const ReadRequest& request) {
   const std::size_t warnings = session.messages.warnings().size();
   InputFile file(path);
   const std::optional<MeshFormat> format = format_of_content(file.head(), file.size());
-  if (!format) throw Failure(ExitCode::cannot_read, "is not an STL file, neither binary nor ASCII, nor a mesh in another format");
+  if (!format) throw Failure(ExitCode::cannot_read, "is neither STL, binary or ASCII, nor a mesh in another known format");
   if (*format == MeshFormat::binary_stl) {
     session.progress.begin("reading " + path);
   } else {

@@ -42,7 +42,6 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
  public:
   trTriBlock();
   ~trTriBlock() override;
-
   // --- flags and settings, in the order of their layout -------------------------------------------------------------------------
   int edges_built = 0;                  ///< `a_edges` of the nodes reflect every valid element
   int changed = 1;                      ///< the mesh was changed since the host last looked
@@ -55,7 +54,6 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   zrkSurfPtr surface;                   ///< the surface fitted for curved filling and capping
   int use_workplane = 0;                ///< coordinates are measured in the workplane
   ccWorkplane workplane;
-
   // --- access -------------------------------------------------------------------------------------------------------------------
   /// Counts of the arrays, slot 0 included.
   int node_count() const { return nodes_->count(); }
@@ -95,14 +93,13 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   /// Number of valid nodes or elements; 0 when interrupted. Cost: O(n), n being the array's count.
   int valid_nodes() const;
   int valid_elements() const;
-
   // --- node attributes, colours, box, workplane -----------------------------------------------------------------------------------
   /// Sets how many attribute values a node has (1 to 5), making the attributes when absent; 0 drops them.
   void set_node_data_size(int n);
   int node_data_size() const { return node_data_ == nullptr ? 0 : node_data_->size(); }
-  /// Whether the node's attributes were ever touched; those of others are zeros.
+  /// The attributes of a node; only while there are any. The const form does not grow: it needs has_node_data, whether the node's
+  /// attributes were ever touched.
   bool has_node_data(int i) const { return node_data_ != nullptr && i >= 0 && i < node_data_->tuples.count(); }
-  /// The attributes of a node; only while there are any. The const form does not grow.
   trNodeDataTuple& node_data(int i) { return node_data_->data(i); }
   const trNodeDataTuple& node_data(int i) const { return static_cast<const trNodeDataBlock*>(node_data_)->data(i); }
 
@@ -128,7 +125,6 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   giVector3 check_use_workplane(const giVector3& v) const { return maps_workplane() ? workplane.workplane().to_work(v) : v; }
   /// Back to world coordinates, on the same condition.
   giPoint3 check_unapply_workplane(const giPoint3& p) const { return maps_workplane() ? workplane.workplane().to_world(p) : p; }
-
   // --- primitive edits: each reports what it changes to `undo` --------------------------------------------------------------------
   /// Makes a node and returns its number. Drops all node attributes of the block.
   int generate_node(const giPoint3& p, const giVector3& n, int adjust);
@@ -168,7 +164,6 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   void delete_collapsed_elements();
   /// Reverses every valid element.
   void reverse();
-
   // --- derived topology -----------------------------------------------------------------------------------------------------------
   /// Records the directed edge a to b, or cancels its opposite when that is recorded. An invalid end is fatal: the process ends
   /// with exit code 8.
@@ -195,7 +190,6 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   void renumber();
   /// Moves every valid node; counts as no change.
   void transform(const giXform3& x);
-
   // --- measures -------------------------------------------------------------------------------------------------------------------
   /// Four times the squared area of an element.
   double area_element(int e) const;
@@ -212,13 +206,11 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   double min_dotp(double limit, int& count) const;
   /// Mean distance between consecutive nodes of an open chain; 0 for fewer than two.
   double node_average_distance(const intcoPageArr& chain) const;
-
   // --- slicing --------------------------------------------------------------------------------------------------------------------
   /// Keeps what lies above the plane at `value` across an axis of the workplane in use (side 0), or below it (any other side). Elements
   /// across the plane are cut, and new nodes on it merged within `tol`. Nodes on the plane stay.
   /// @return 1 when an element was cut or deleted; 0 when none was, and when interrupted: what was done stays
   int slice(gi_Axis axis, int side, double value, double tol);
-
   // --- merging --------------------------------------------------------------------------------------------------------------------
   /// Merges nodes that lie within `tol` of each other, inclusive; deletes elements that collapse.
   ///
@@ -228,7 +220,6 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   /// @return 1 when a node was merged; 0 when none was, or when interrupted (nodes deleted so far stay deleted)
   /// Cost: O(n) expected time; about 40 bytes a kept node.
   int unduplicate_nodes(double tol);
-
   // --- defects: `out` receives element numbers; interrupted searches leave it as far as filled --------------------------------------
   /// Elements on edges that more than two elements share, sorted: all of them, or with `mode` all but the two largest of each edge.
   /// Cost: O(n).
@@ -262,14 +253,12 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   int orient_normals();
   /// The element at the highest node whose lower other corner is highest; -1 when there is none, -2 when interrupted.
   int find_top_element() const;
-
   // --- reports --------------------------------------------------------------------------------------------------------------------
   /// Draws the outlines of elements, as commands to a file that stays open.
   void picture_elements(std::FILE* file, const intcoPageArr& list) const;
   /// Prints the statistics. Register commands, and the shape statistics of `level` (also of verbose blocks), need a file, which stays
   /// open; `tol` is what the least height and aspect and the sharpest angle are compared with.
   void info(double tol, std::FILE* file, int level) const;
-
   // --- curvature adjustment -------------------------------------------------------------------------------------------------------
   /// q = p moved onto the fitted surface along `direction`, or to its closest point when there is none; -1 and q = p when
   /// adjustment is off; else the surface's answer, 0 for success.
