@@ -11,7 +11,7 @@ MENDEX_EXPORT void tr_set_output(std::ostream* stream);
 
 /// The host's translation of a text, or the text itself, also where the hook has none and returns null. Every message and format
 /// passes through before it is used. A translated format must take the same values.
-MENDEX_EXPORT const char* tr_brnknls(const char* text);
+__attribute__((format_arg(1))) MENDEX_EXPORT const char* tr_brnknls(const char* text);
 /// Registers the translation; null unregisters it.
 MENDEX_EXPORT void tr_set_brnknls_function(const char* (*hook)(const char*));
 /// The identity, for hosts that want an explicit hook.

@@ -1,3 +1,218 @@
 #include "undo/undo.h"
 
-trUndo::~trUndo() = default;
+#include <algorithm>
+#include <cstdint>
+
+#include "mesh/tri_block.h"
+#include "progress/message.h"
+#include "undo/undo_hist.h"
+
+namespace {
+
+// Pages of 16 and 20 KiB, the fifth and later ones of a record cut from slabs: most of what recording costs is the
+// first touch of its memory. A record that fits in one page gives back what it does not need when it is closed.
+constexpr int node_page_shift = 9;
+constexpr int element_page_shift = 10;
+constexpr int page_capacity = 5;
+constexpr int page_increment = 10;
+
+template <class Entry>
+constexpr int first_ordinal(int shift) {
+  constexpr int plain_pages = 4;
+  const int page_bytes = static_cast<int>(sizeof(Entry)) << shift;
+  return static_cast<int>(coPageHeap::plain_bytes) / page_bytes + 1 - plain_pages;
+}
+
+// Lines of the listing: the bracket stands in column 36, names in files take 29 characters.
+constexpr int bracket_column = 35;
+constexpr int file_name_width = 29;
+
+// Which numbers a walk has met: one bit each.
+class NumberMarks {
+ public:
+  void unmark(int i) { words_[i >> 6] &= ~bit(i); }
+  /// Marks a number; returns whether it was not marked before.
+  bool mark(int i) {
+    std::uint64_t& word = words_[i >> 6];
+    const bool first = (word & bit(i)) == 0;
+    word |= bit(i);
+    return first;
+  }
+
+ private:
+  static std::uint64_t bit(int i) { return std::uint64_t{1} << (i & 63); }
+  coPageArr<std::uint64_t> words_{12, page_capacity, page_increment};
+};
+
+// Swaps the first entry of every number below `count`.
+template <class Entries>
+void swap_first_entries(Entries& entries, NumberMarks& marks, int count, trUndoHist* hist) {
+  const int n = entries.count();
+  const auto is_number = [count](int i) { return i >= 0 && i < count; };
+  for (int k = 0; k < n; ++k) {
+    const int i = entries.at(k).index;
+    if (is_number(i)) marks.unmark(i);
+  }
+  for (int k = 0; k < n; ++k) {
+    auto& entry = entries.at(k);
+    if (is_number(entry.index) && marks.mark(entry.index)) entry.swap(hist);
+  }
+}
+
+template <class Array>
+void paginate(Array& array, int shift) {
+  if (array.page_shift() == shift) return;
+  Array wide(shift, page_capacity, page_increment);
+  wide.copy(array, array.count(), 0, 0);
+  array.become(utCopy(), wide);
+}
+
+void make_fresh(trNode& node) {
+  node.set_invalid();
+  node.side = 0;
+}
+
+}  // namespace
+
+trUndo::trUndo(trUndoHist* history, const utString& operation)
+    : hist(history),
+      nodes(node_page_shift, page_capacity, page_increment, first_ordinal<trUndoNode>(node_page_shift)),
+      elements(element_page_shift, page_capacity, page_increment, first_ordinal<trUndoElement>(element_page_shift)) {
+  reset(operation);
+}
+
+void trUndo::reset(const utString& operation) {
+  nodes.clear(0);
+  elements.clear(0);
+  use_full_pages();
+  applied = 0;
+  node_count = hist->triblock->node_count();
+  element_count = hist->triblock->element_count();
+  saved_data_end_ = 0;
+  if (!operation.empty()) name = operation;
+}
+
+void trUndo::use_full_pages() {
+  paginate(nodes, node_page_shift);
+  paginate(elements, element_page_shift);
+}
+
+void trUndo::trim_pages() {
+  nodes.repaginate();
+  elements.repaginate();
+}
+
+// A number between the present count and that at the opening was cut off by this operation, which reported it if there
+// was something to lose.
+void trUndo::store_node(int n) {
+  if (!nodes.has_room()) return store_node_in_new_page(n);
+  const trTriBlock& block = *hist->triblock;
+  trUndoNode& entry = nodes.append_in_room();
+  if (n >= node_count || n >= block.node_count()) return entry.set_absent(n);
+  entry.copy(block, n);
+  if (block.node_data_size() != 0) save_data(entry);
+}
+
+void trUndo::store_element(int e) {
+  if (!elements.has_room()) return store_element_in_new_page(e);
+  const trTriBlock& block = *hist->triblock;
+  trUndoElement& entry = elements.append_in_room();
+  if (e >= element_count || e >= block.element_count()) return entry.set_absent(e);
+  entry.copy(block, e);
+}
+
+// What is rare is kept apart, so that storing an entry is a short run of instructions without a call: it is all that
+// the journal adds to an edit. Without memory nothing is stored.
+void trUndo::store_node_in_new_page(int n) {
+  if (nodes.get_block(nodes.pages())) store_node(n);
+}
+
+void trUndo::store_element_in_new_page(int e) {
+  if (elements.get_block(elements.pages())) store_element(e);
+}
+
+void trUndo::save_data(trUndoNode& entry) {
+  entry.save_data(hist);
+  saved_data_end_ = entry.data_index + 1;
+}
+
+void trUndo::apply() {
+  trTriBlock& block = *hist->triblock;
+  applied = !applied;
+  swap_nodes();
+  swap_elements();
+  ++block.edit_count_;
+  block.reset_derived_state();
+  block.alter(1);
+}
+
+void trUndo::swap_nodes() {
+  static NumberMarks* const marks =
+      new NumberMarks;  // never destroyed: a host's global objects may outlive any of ours
+  trTriBlock& block = *hist->triblock;
+  const int now = block.node_count();
+  const int tuples = hist->saved_data.tuples.count();
+  grow_nodes(block, node_count);
+  swap_first_entries(nodes, *marks, block.node_count(), hist);
+  cut_nodes(block, node_count);
+  node_count = now;
+  if (hist->saved_data.tuples.count() > tuples) saved_data_end_ = hist->saved_data.tuples.count();
+}
+
+void trUndo::swap_elements() {
+  static NumberMarks* const marks = new NumberMarks;
+  trTriBlock& block = *hist->triblock;
+  const int now = block.element_count();
+  grow_elements(block, element_count);
+  swap_first_entries(elements, *marks, block.element_count(), hist);
+  cut_elements(block, element_count);
+  element_count = now;
+}
+
+// Without memory the count stays short, and entries beyond it are passed over.
+void trUndo::grow_nodes(trTriBlock& block, int count) {
+  for (int i = block.node_count(); i < count; ++i) {
+    block.init_node(i);
+    if (i >= block.node_count()) return;
+    make_fresh(block.node(i));
+  }
+}
+
+void trUndo::cut_nodes(trTriBlock& block, int count) {
+  for (int i = count; i < block.node_count(); ++i) make_fresh(block.node(i));
+  block.nodes_->shrink(count, 0);
+  block.points_->shrink(count, 0);
+}
+
+void trUndo::grow_elements(trTriBlock& block, int count) {
+  const int before = block.element_count();
+  block.elements_->expand(count);
+  for (int e = before; e < block.element_count(); ++e) block.element(e).set(0, 0, 0);
+}
+
+// Colours of the numbers that go are dropped, so that whoever takes the numbers next has the default.
+void trUndo::cut_elements(trTriBlock& block, int count) {
+  if (count >= block.element_count()) return;
+  for (int e = count; e < block.element_count(); ++e) block.element(e).set(0, 0, 0);
+  block.elements_->shrink(count, 0);
+  if (block.colours_ != nullptr) block.colours_->colours.shrink(std::max(count, 1), 0);
+}
+
+void trUndo::print(std::FILE* f) const {
+  const std::string blanks(static_cast<std::size_t>(std::max(1, bracket_column - name.length())), ' ');
+  MessageLine()
+      .raw(name.c_str())
+      .raw(blanks.c_str())
+      .text("[")
+      .number(nodes.count())
+      .text(" nodes, ")
+      .number(elements.count())
+      .text(" elems")
+      .text("]");
+  if (f != nullptr) write_text(f, "%s", print().c_str());
+}
+
+utString trUndo::print() const {
+  return format_text(tr_brnknls("%s [%d nodes, %d tri]"), name.pad(file_name_width).c_str(), nodes.count(),
+                     elements.count());
+}

@@ -124,7 +124,8 @@ TEST(AppendFacet, EqualsItsParts) {
         literal.set_element(literal.element_count, n, n + 1, n + 2);
       }
       EXPECT_EQ(difference(block, literal), "");
-      EXPECT_EQ(recorder.reports(), journal ? literal.reports : std::vector<int>());
+      if (!journal) literal.reports.clear();
+      EXPECT_TRUE(recorder.reports() == JournalRecorder::sorted(literal.reports));
       EXPECT_TRUE(is_sound(block));
     }
   }

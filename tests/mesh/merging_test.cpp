@@ -123,7 +123,7 @@ TEST(Merging, AveragesAttributesByWeight) {
   // (10 * 1 + 20 * 3 + 60 * 2) / 6, in two steps.
   EXPECT_NEAR(block.node_data(1).values[0], 190.0 / 6, 1e-12);
   EXPECT_EQ(block.node_data(1).weight, 6);
-  EXPECT_EQ(journal.reports(), (std::vector<int>{1, 2, 1, 3}));
+  EXPECT_EQ(journal.reports().nodes, (std::vector<int>{1, 2, 1, 3}));
   EXPECT_TRUE(journal.restores_the_start());
 }
 

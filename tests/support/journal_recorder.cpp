@@ -1,86 +1,54 @@
 #include "support/journal_recorder.h"
 
-#include <algorithm>
-#include <cstring>
+#include <sstream>
+
+#include "progress/output.h"
 
 namespace {
 
-template <class State>
-State restored(const std::map<int, State>& first, int number, const State& now) {
-  const auto stored = first.find(number);
-  return stored == first.end() ? now : stored->second;
+int closed_quietly(trUndoHist& history) {
+  std::ostringstream unread;
+  tr_set_output(&unread);
+  const int holds_changes = history.finish();
+  tr_set_output(nullptr);
+  return holds_changes;
 }
-
-bool same_bits(const double* a, const double* b, std::size_t n) { return std::memcmp(a, b, n * sizeof(double)) == 0; }
 
 }  // namespace
 
-JournalRecorder::JournalRecorder(trTriBlock& block) : block_(block), attributes_at_start_(block.node_data_size()) {
-  for (int i = 0; i < block.node_count(); ++i) nodes_at_start_.push_back(node_now(i));
-  for (int e = 0; e < block.element_count(); ++e) elements_at_start_.push_back(element_now(e));
-  block.undo = this;
+JournalRecorder::JournalRecorder(trTriBlock& block) : block_(block), start_(block), history_(&block) {
+  history_.start("recorded");
 }
 
-void JournalRecorder::store_node(int n) {
-  reports_.push_back(n);
-  first_nodes_.emplace(n, node_now(n));
+JournalRecorder::Reports JournalRecorder::reports() const {
+  Reports reports;
+  const trUndo& record = *history_.records[0];
+  for (int k = 0; k < record.nodes.count(); ++k) reports.nodes.push_back(record.nodes[k].index);
+  for (int k = 0; k < record.elements.count(); ++k) reports.elements.push_back(record.elements[k].index);
+  return reports;
 }
 
-void JournalRecorder::store_element(int e) {
-  reports_.push_back(-e);
-  first_elements_.emplace(e, element_now(e));
-}
-
-bool JournalRecorder::NodeState::same_as(const NodeState& other) const {
-  return invalid == other.invalid && same_bits(coords, other.coords, 3) && weight == other.weight &&
-         same_bits(values, other.values, 5);
-}
-
-bool JournalRecorder::ElementState::same_as(const ElementState& other) const {
-  return std::equal(nodes, nodes + 3, other.nodes) && colour == other.colour;
-}
-
-JournalRecorder::NodeState JournalRecorder::node_now(int i) const {
-  NodeState state;
-  if (i >= block_.node_count() || block_.node(i).invalid) return state;
-  state.invalid = 0;
-  for (int k = 0; k < 3; ++k) state.coords[k] = block_.point(i)[k];
-  if (block_.node_data_size() == 0) return state;
-  const trNodeDataTuple& tuple = block_.node_data(i);
-  state.weight = tuple.weight;
-  std::copy_n(tuple.values, 5, state.values);
-  return state;
-}
-
-JournalRecorder::ElementState JournalRecorder::element_now(int e) const {
-  ElementState state;
-  if (e >= block_.element_count() || !block_.element(e).valid()) return state;
-  for (int k = 0; k < 3; ++k) state.nodes[k] = block_.element(e)[k];
-  state.colour = block_.get_element_colour(e);
-  return state;
-}
-
-testing::AssertionResult JournalRecorder::restores_the_start() const {
-  using testing::AssertionFailure;
-  if (block_.node_data_size() != attributes_at_start_) return AssertionFailure() << "attributes came or went";
-  const int nodes = static_cast<int>(nodes_at_start_.size());
-  for (int i = 0; i < nodes; ++i) {
-    const NodeState& start = nodes_at_start_[static_cast<std::size_t>(i)];
-    if (!restored(first_nodes_, i, node_now(i)).same_as(start)) return AssertionFailure() << "node " << i << " is lost";
+JournalRecorder::Reports JournalRecorder::sorted(const std::vector<int>& mixed) {
+  Reports reports;
+  for (const int report : mixed) {
+    if (report > 0) reports.nodes.push_back(report);
+    if (report < 0) reports.elements.push_back(-report);
   }
-  for (int i = nodes; i < block_.node_count(); ++i) {
-    if (!block_.node(i).invalid && first_nodes_.count(i) == 0)
-      return AssertionFailure() << "new node " << i << " is unknown";
+  return reports;
+}
+
+testing::AssertionResult JournalRecorder::restores_the_start() {
+  const BlockSnapshot end(block_);
+  if (closed_quietly(history_)) {
+    history_.undo();
+    const std::string undone = start_.difference(BlockSnapshot(block_));
+    history_.redo();
+    if (!undone.empty()) return testing::AssertionFailure() << "after undo " << undone;
+    const std::string redone = end.difference(BlockSnapshot(block_));
+    if (!redone.empty()) return testing::AssertionFailure() << "after redo " << redone;
+    return testing::AssertionSuccess();
   }
-  const int elements = static_cast<int>(elements_at_start_.size());
-  for (int e = 0; e < elements; ++e) {
-    const ElementState& start = elements_at_start_[static_cast<std::size_t>(e)];
-    if (!restored(first_elements_, e, element_now(e)).same_as(start))
-      return AssertionFailure() << "element " << e << " is lost";
-  }
-  for (int e = elements; e < block_.element_count(); ++e) {
-    if (block_.element(e).valid() && first_elements_.count(e) == 0)
-      return AssertionFailure() << "new element " << e << " is unknown";
-  }
+  const std::string unreported = start_.difference(end);
+  if (!unreported.empty()) return testing::AssertionFailure() << "nothing was reported, but " << unreported;
   return testing::AssertionSuccess();
 }
