@@ -281,7 +281,6 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   friend class trCycleArray;
 
   trTriBlock* self() const { return const_cast<trTriBlock*>(this); }
-
   void report_node(int i);
   void report_element(int e);
   void mark_changed();
