@@ -133,7 +133,7 @@ class CommandLine {
   }
 
   void add_info() {
-    CLI::App* verb = app_.add_subcommand("info", "Statistics and mass properties of STL files");
+    CLI::App* verb = app_.add_subcommand("info", "Statistics and mass properties of mesh files");
     verb->add_option("FILE", info_.files, "Files to report on")->required()->type_name("PATH");
     verb->add_flag("--json", info_.is_json, "One JSON object a file, each on one line");
     verb->footer(
@@ -141,7 +141,7 @@ class CommandLine {
   }
 
   void add_check() {
-    CLI::App* verb = app_.add_subcommand("check", "Tell what is wrong with STL files");
+    CLI::App* verb = app_.add_subcommand("check", "Tell what is wrong with mesh files");
     verb->add_option("FILE", check_.files, "Files to check; none is changed")->required()->type_name("PATH");
     verb->add_flag("--json", check_.is_json,
                    "One JSON object a file, each on one line: counts, and numbers and places of all that was found");
@@ -187,8 +187,8 @@ class CommandLine {
   void add_weld() {
     CLI::App* verb =
         app_.add_subcommand("weld", "Merge coincident nodes, drop triangles that collapse, write the result");
-    verb->add_option("IN", weld_.input, "STL file to read")->required()->type_name("PATH");
-    verb->add_option("-o,--output", weld_.output, "File to write: .stl binary, .ast ASCII; it may be IN itself")
+    verb->add_option("IN", weld_.input, "File to read")->required()->type_name("PATH");
+    verb->add_option("-o,--output", weld_.output, "File to write, in the format of its name; it may be IN itself")
         ->required()
         ->type_name("PATH");
     verb->add_option("--tol", weld_.tolerance,
@@ -236,7 +236,7 @@ class CommandLine {
     return options;
   }
 
-  CLI::App app_{"Repair triangle meshes: read a broken STL file, merge its nodes, tell what is in it, write it back.",
+  CLI::App app_{"Repair triangle meshes: read a broken STL file, tell what is wrong with it, merge its nodes, write it back.",
                 "mendex"};
   bool is_quiet_ = false;
   bool is_verbose_ = false;

@@ -65,6 +65,10 @@ const char* name_of(MeshFormat format) { return traits_of(format).name; }
 
 const char* extension_of(MeshFormat format) { return traits_of(format).extension; }
 
+int decimals_of(MeshFormat format) {
+  return format == MeshFormat::triangle_file ? 5 : (format == MeshFormat::mesh_file ? 4 : 0);
+}
+
 const char* contents_of(MeshFormat format) { return traits_of(format).contents; }
 
 std::optional<MeshFormat> format_of_extension(const std::string& path) {

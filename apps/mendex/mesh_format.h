@@ -16,6 +16,9 @@ const char* name_of(MeshFormat format);
 /// Without the dot: "stl".
 const char* extension_of(MeshFormat format);
 
+/// Decimals of the coordinates in a file of the format; 0 where they are kept to the bit or in relation to their size.
+int decimals_of(MeshFormat format);
+
 /// What a file of the format keeps of a mesh, in a few words.
 const char* contents_of(MeshFormat format);
 

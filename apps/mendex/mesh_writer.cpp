@@ -2,6 +2,9 @@
 
 #include <sys/stat.h>
 
+#include <cmath>
+#include <cstdio>
+
 #include "failure.h"
 #include "interruption.h"
 #include "safe_output.h"
@@ -25,6 +28,19 @@ bool write_elements(const trTriBlock& mesh, FILE* stream, const WriteRequest& re
   return false;
 }
 
+// A text with few decimals can round a small model away.
+void warn_of_coarse_decimals(Session& session, MeshFormat format) {
+  const int decimals = decimals_of(format);
+  const giBox3& box = session.mesh.box();
+  if (decimals == 0 || box.is_empty()) return;
+  const double size = (box.max() - box.min()).length();
+  constexpr double worth_a_warning = 1e-3;
+  if (std::pow(10.0, -decimals) <= worth_a_warning * size) return;
+  char text[160];
+  std::snprintf(text, sizeof text, "the format keeps %d decimals, which is coarse for a model of size %.3g", decimals, size);
+  session.messages.warning(text);
+}
+
 bool is_one_file(const std::string& a, const std::string& b) {
   struct stat of_a = {}, of_b = {};
   return stat(a.c_str(), &of_a) == 0 && stat(b.c_str(), &of_b) == 0 && of_a.st_dev == of_b.st_dev &&
@@ -44,8 +60,11 @@ void write_mesh(Session& session, const WriteRequest& request) {
   const WrittenFileCheck check(session.mesh, output.descriptor(), request.format, request.is_positive);
   Interruption::check();
   if (!check.is_sound()) {
-    throw Failure(ExitCode::cannot_write, "what was written reads back differently; the file is left as it was");
+    const char* const reason = decimals_of(request.format) == 0 ? "" : ", as do numbers too large for the format's columns";
+    throw Failure(ExitCode::cannot_write,
+                  std::string("what was written reads back differently") + reason + "; the file is left as it was");
   }
+  warn_of_coarse_decimals(session, request.format);
   if (check.has_overflow()) session.messages.warning("coordinates too large for the format were written as infinite");
   // Whoever replaces his only copy must not lose both to a power cut; for other files the wait would double the time of
   // a run.

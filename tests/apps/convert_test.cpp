@@ -97,6 +97,23 @@ TEST(MendexConvert, TellsDamagedFiles) {
   EXPECT_EQ(cut("kvx").exit_code, 3);
 }
 
+// Texts have a fixed number of decimals and columns: what does not fit is told, or refused when it would not read back.
+TEST(MendexConvert, TellsWhatATextCannotHold) {
+  const TestFolder folder;
+  std::vector<FacetCorners> tiny = some_facets(3), huge = some_facets(3);
+  for (FacetCorners& facet : tiny) {
+    for (float& c : facet) c *= 1e-8f;
+  }
+  for (FacetCorners& facet : huge) {
+    for (float& c : facet) c *= 1e14f;
+  }
+  const ProcessResult result = run_mendex({"convert", folder.write("tiny.stl", binary_stl(tiny)), folder.path("tiny.tri")});
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_NE(result.errors.find("the format keeps 5 decimals, which is coarse for a model of size"), std::string::npos) << result.errors;
+  EXPECT_EQ(run_mendex({"convert", folder.write("huge.stl", binary_stl(huge)), folder.path("huge.mes")}).exit_code, 4);
+  EXPECT_EQ(folder.names(), (std::vector<std::string>{"huge.stl", "tiny.stl", "tiny.tri"}));
+}
+
 TEST(MendexConvert, ListsFormatsAndRefusesWrongArguments) {
   const ProcessResult formats = run_mendex({"formats"});
   EXPECT_EQ(formats.exit_code, 0);
