@@ -73,11 +73,13 @@ class KvxMender {
   std::size_t values_ = 3;
 };
 
-/// Whether the file may number a node or element between 2^17 and 2^24. That is legal and takes gigabytes and seconds: tests do it.
+/// Whether the file may number a node or element from 2^17 to 2^24. That is legal and takes gigabytes and seconds: tests do it.
 inline bool has_large_numbers(FuzzedFormat format, const std::string& file) {
   if (format == FuzzedFormat::native) {
     for (std::size_t at = 80; at + 4 <= file.size(); ++at) {
-      if (file[at + 3] == 0 && static_cast<unsigned char>(file[at + 2]) > 1) return true;
+      std::uint32_t number = 0;
+      std::memcpy(&number, file.data() + at, sizeof number);
+      if (number >= 1u << 17 && number <= 1u << 24) return true;
     }
     return file.size() > 3 && file[file.size() - 1] > 1;
   }
