@@ -41,6 +41,7 @@
 #include "mesh/int_list.h"
 #include "mesh/loop_it.h"
 #include "mesh/measures.h"
+#include "mesh/mesh_arrays.h"
 #include "mesh/node.h"
 #include "mesh/node_data.h"
 #include "mesh/pair.h"

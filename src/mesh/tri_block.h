@@ -5,21 +5,18 @@
 #include <memory>
 #include <vector>
 
-#include "mesh/element.h"
 #include "mesh/edge_connection.h"
-#include "mesh/features.h"
 #include "mesh/loop_it.h"
+#include "mesh/mesh_arrays.h"
 #include "mesh/slice_status.h"
 #include "platform/common/workplane.h"
 #include "platform/containers/number_arrays.h"
 #include "platform/geometry/angle.h"
 #include "platform/geometry/box3.h"
-#include "platform/geometry/tri_block_base.h"
 #include "platform/geometry/unit_vec3.h"
 #include "platform/geometry/xform3.h"
 #include "platform/surface/zrk_surf.h"
 #include "platform/utilities/export.h"
-#include "platform/utilities/prefetch.h"
 
 class ElementListBatch;
 class HubEdges;
@@ -38,7 +35,7 @@ MENDEX_EXPORT giVector3 tr_no_direction();
 /// being built is then marked as not built.
 /// Operations that are const but fill caches edit through self(): never define an object of this class as const.
 /// Numbers handed in are not checked unless an operation says so.
-class MENDEX_EXPORT trTriBlock : public giTriBlock {
+class MENDEX_EXPORT trTriBlock : public trMeshArrays {
  public:
   trTriBlock();
   ~trTriBlock() override;
@@ -55,34 +52,8 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   int use_workplane = 0;                ///< coordinates are measured in the workplane
   ccWorkplane workplane;
   // --- access -------------------------------------------------------------------------------------------------------------------
-  /// Counts of the arrays, slot 0 included.
-  int node_count() const { return nodes_->count(); }
-  int element_count() const { return elements_->count(); }
-
-  /// The node of that number, without bounds check or growth.
-  trNode& node(int i) const { return nodes_->at(i); }
-  /// The element of that number, without bounds check or growth.
-  trElement& element(int e) const { return static_cast<trElement&>(elements_->at(e)); }
   /// The element of that number; grows the array to hold it, with deleted elements.
   trElement& access_element(int e);
-  const giPoint3& point(int i) const { return points_->at(i); }
-  const giPoint3coPageArr& points() const { return *points_; }
-
-  /// How many elements ahead a loop over all elements does well to call prefetch_corners.
-  static constexpr int corners_ahead = 16;
-  /// Starts fetching the coordinates of element e's corners; any number is allowed. In a mesh whose elements lie in no spatial order
-  /// each corner is a cache miss.
-  void prefetch_corners(int e) const {
-    if (e >= element_count()) return;
-    const trElement& t = element(e);
-    for (int k = 0; k < 3; ++k) {
-      if (!has_node(t[k])) continue;
-      const giPoint3* const p = &points_->at(t[k]);
-      co_prefetch_for_reading(p);
-      co_prefetch_for_reading(&p->z);  // every fourth point lies across two cache lines
-    }
-  }
-
   /// Empties the block: frees its pages, drops attributes and colours, and makes node 0 and element 0 anew.
   void clear();
   /// Grows the node and coordinate arrays to hold i and points node i at its coordinates.
@@ -96,17 +67,9 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   // --- node attributes, colours, box, workplane -----------------------------------------------------------------------------------
   /// Sets how many attribute values a node has (1 to 5), making the attributes when absent; 0 drops them.
   void set_node_data_size(int n);
-  int node_data_size() const { return node_data_ == nullptr ? 0 : node_data_->size(); }
-  /// The attributes of a node; only while there are any. The const form does not grow: it needs has_node_data, whether the node's
-  /// attributes were ever touched.
-  bool has_node_data(int i) const { return node_data_ != nullptr && i >= 0 && i < node_data_->tuples.count(); }
-  trNodeDataTuple& node_data(int i) { return node_data_->data(i); }
-  const trNodeDataTuple& node_data(int i) const { return static_cast<const trNodeDataBlock*>(node_data_)->data(i); }
 
   /// The first colour ever set becomes the default, which elements beyond the coloured ones have. -1: no colour.
   void set_element_colour(int e, int colour);
-  int get_element_colour(int e) const { return colours_ == nullptr ? NO_COLOUR : colours_->get_colour(e); }
-  int default_colour() const { return colours_ == nullptr ? NO_COLOUR : colours_->default_colour(); }
   /// Sets every element's colour, and the default, to -1, when the block has colours.
   void clear_colours();
 
@@ -199,8 +162,6 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   /// Area, volume over the lowest z, centre of mass, least and mean aspect ratio, in the workplane when one is in use.
   void properties(double& area, double& vol, giPoint3& centre, double& min_aspect, double& mean_aspect) const;
   void compute_node_normals();
-  /// Valid after compute_node_normals.
-  const giVector3& node_normal(int i) const { return normals_->at(i); }
   /// Least scalar product of the unit normals of consistently oriented neighbours, from -1 to 1; `count` receives how many pairs,
   /// counted from both sides, lie below limit.
   double min_dotp(double limit, int& count) const;
@@ -303,23 +264,8 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   void enter_in_lists(int e) const;
   void replace_nodes(const SurvivorMap& map);
   void announce_replacements(const SurvivorMap& map, ElementListBatch& lists) const;
-  bool has_node(int i) const { return static_cast<unsigned>(i) < static_cast<unsigned>(node_count()); }
   bool maps_workplane() const { return use_workplane && !workplane.workplane().origin().invalid(); }
   giPoint3 node_in_workplane(int i) const { return check_use_workplane(point(i)); }
-
-  // Handles on the pool's data and, beside them, the typed pointers: an access costs no look-up.
-  giNormArrcoFeature normals_feature_;
-  trNodeDataBlockcoFeature node_data_feature_;
-  trNodeArrCopycoFeature nodes_feature_;
-  giTriArrcoFeature elements_feature_;
-  trTriDataBlockcoFeature colours_feature_;
-  giNodeXYZ points_feature_;
-  trNodecoPageArr* nodes_ = nullptr;
-  giTrianglecoPageArr* elements_ = nullptr;
-  giPoint3coPageArr* points_ = nullptr;
-  giVector3coPageArr* normals_ = nullptr;
-  trNodeDataBlock* node_data_ = nullptr;
-  trTriDataBlock* colours_ = nullptr;
 
   std::unique_ptr<HubEdges> hubs_;       // pairing of half-edges at nodes with very many of them
   mutable giBox3 box_;                   // stale while empty
