@@ -75,6 +75,7 @@
 #include "platform/geometry/xform3.h"
 #include "platform/surface/zrk_curve.h"
 #include "platform/surface/zrk_surf.h"
+#include "platform/triangulation/at2_plane.h"
 #include "platform/utilities/export.h"
 #include "platform/utilities/prefetch.h"
 #include "platform/utilities/ut_compare.h"
