@@ -99,6 +99,7 @@
 #include "platform/kvx/kvx_file_write.h"
 #include "platform/surface/zrk_curve.h"
 #include "platform/surface/zrk_surf.h"
+#include "platform/triangulation/at2_plane.h"
 #include "platform/utilities/export.h"
 #include "platform/utilities/prefetch.h"
 #include "platform/utilities/ut_compare.h"
