@@ -18,6 +18,7 @@
 #include "analysis/sick_triangles.h"
 #include "analysis/small_elems.h"
 #include "analysis/thin_elems.h"
+#include "boundaries/auto_mode.h"
 #include "boundaries/containers.h"
 #include "boundaries/cycle.h"
 #include "boundaries/cycle_array.h"

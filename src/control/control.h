@@ -8,12 +8,14 @@
 #include "analysis/sick_elems.h"
 #include "analysis/small_elems.h"
 #include "analysis/thin_elems.h"
+#include "boundaries/auto_mode.h"
 #include "boundaries/cycle_array.h"
 #include "boundaries/section.h"
 #include "control/file_type.h"
 #include "control/flag_action.h"
 #include "mesh/tri_block.h"
 #include "platform/common/workplane_list.h"
+#include "platform/containers/int_table.h"
 #include "platform/utilities/export.h"
 #include "platform/utilities/ut_string.h"
 #include "undo/undo_hist.h"
@@ -143,6 +145,42 @@ class MENDEX_EXPORT trControl {
   void action_slice(gi_Axis axis, double value, int side);
   void action_transform_triangles(const giXform3& x);
 
+  /// 1 unless `tol` is negative; then says so.
+  int check_tol(double tol) const;
+
+  // --- boundaries: stitching, none of which opens an undo bracket ---------------------------------------------------------------------
+  /// One pass of trCycleArray::stitch; any tolerance is taken.
+  void action_stitch(double tol);
+  /// One pass of trCycleArray::superstitch; a negative tolerance is refused.
+  void action_staple(double tol);
+  /// Passes until one changes nothing, at most `limit`; a negative tolerance is refused.
+  void action_astaple(double tol, int limit);
+  /// The same without the check. Returns the number of boundaries left; -1 when the limit was reached, -2 when the first pass changed
+  /// nothing and boundaries are left.
+  int auto_staple(double tol, int limit);
+  /// Merges boundary nodes, deletes opposite and repeated triangles, orients when `orient` is set, and staples: once (Single), in up to
+  /// `limit` passes (Repeat), or so for each tolerance from start to finish (Multi), until `target_boundaries` are left. `merge_first`
+  /// merges all nodes before; `final_cancel` deletes opposite triangles at the end.
+  void action_auto_stitch(trAutoMode mode, double start_tol, double finish_tol, double tol_step, int limit, int merge_first, int orient,
+                          int final_cancel, int target_boundaries);
+
+  // --- boundaries: holes. Filling and capping take the selected boundaries, and leave none selected ------------------------------------
+  /// Select boundaries by number; a boundary that is selected already takes the picks, which choose the part of it to be filled.
+  /// @see trCycleArray::select_cycles
+  int select_cycles(const intcoSet& ids, double& average_length, int pick, const intcoSet& picks, int edge_start, int edge_end) const;
+  int unselect_cycles(const intcoSet& ids, double& average_length) const;
+  /// Closes by triangles on the nodes of the boundary and a centre. 1 when a boundary was filled; else says so.
+  int action_fill(const int& curvature) const;
+  /// Closes by triangles with new nodes at about `spacing`, which must be above 0. When nothing was tried, the open undo bracket is
+  /// closed and taken back. `error` is that of the last boundary; 1 when one was tried.
+  int action_cap(double spacing, at2PlaneError& error, const int& curvature) const;
+  /// The same, each boundary in an undo bracket of its own, "fill_hole": call it outside any. Boundaries that failed are selected again,
+  /// with their picks. `error` is that of the one that failed, 6 when several did, 0 where none came so far as to be triangulated.
+  /// Interrupted, it takes all of them back. 1 when any was closed.
+  int action_cap_ext(double spacing, int curvature, at2PlaneError& error);
+  /// Selects the boundaries whose start nodes are keys of the table, with the picks of the saved cycles that they map to.
+  void restore_selection_data(const intintcoTable& start_nodes, const trCycleArray& saved);
+
   // --- exchange with the host -----------------------------------------------------------------------------------------------------------
   /// Replaces the mesh by the host's: points, triangles that are not masked, colours. Host points and triangles count from 0; triangles
   /// that name points which are not there are passed over. The history is forgotten. A pool without points or triangles gives none.
@@ -173,7 +211,8 @@ class MENDEX_EXPORT trControl {
   int write_ast(std::FILE* file);
   int write_kvx(std::FILE* file);
 
-  int check_tol(double tol) const;
+  /// Copies the cycles of those numbers into `saved`; the table maps their start nodes to their places there.
+  void save_selection_data(const intcoSet& ids, intintcoTable& start_nodes, trCycleArray& saved) const;
   /// Deletes small elements (0) or thin ones.
   void height_aspect(double tol, int which);
 

@@ -220,13 +220,34 @@ class MENDEX_EXPORT trTriBlock : public trMeshArrays {
   /// Prints the statistics. Register commands, and the shape statistics of `level` (also of verbose blocks), need a file, which stays
   /// open; `tol` is what the least height and aspect and the sharpest angle are compared with.
   void info(double tol, std::FILE* file, int level) const;
-  // --- curvature adjustment -------------------------------------------------------------------------------------------------------
+  // --- new nodes on a fitted surface ------------------------------------------------------------------------------------------------
+  /// Fits a smooth surface to boundary nodes and to the ring of nodes round them, and lets new nodes move onto it. Null only switches
+  /// that on, with the surface there is.
+  /// @param option  handed on to the fitter, which knows none
+  /// @return 0; -2 when no surface could be fitted; -1 when interrupted before. Progress: 30 % the ring, 70 % the surface.
+  int enable_curvature_adjust(const intcoPageArr* boundary_nodes, int option) const;
+  /// New nodes stay where they are made; frees the surface too when `free` is not 0.
+  void disable_curvature_adjust(const int& free) const;
   /// q = p moved onto the fitted surface along `direction`, or to its closest point when there is none; -1 and q = p when
   /// adjustment is off; else the surface's answer, 0 for success.
   int apply_curvature_adjust_on_coords(const giPoint3& p, const giVector3& direction, giPoint3& q) const;
+  /// Moves a node in the same way, and reports it to `undo`. 0, also when adjustment is off; -1 beyond the last node; -2 when the surface
+  /// gave no point; -3 when the node is not valid.
+  int apply_curvature_adjust_on_node(int node, const giVector3& direction) const;
+  /// Appends the nodes of the elements round each node of the list to `out`, each once, those of the list left out. 0; -1 when
+  /// interrupted. Cost: O(elements round the nodes).
+  int get_surrounding_nodes(const intcoPageArr& nodes, intcoPageArr& out) const;
+  /// The same for one node; what `exclude` names is left out.
+  int get_surrounding_nodes(int node, intcoPageArr& out, const intcoPageArr* exclude) const;
+  /// Makes rows of nodes on the lines from a0 to a1 and from b0 to b1, at about max_length on the longer, and unless `nodes_only` a
+  /// ladder of triangles between them. The lists receive the new nodes. At most 10^6 segments.
+  int create_hole_subdivision(int a0, int a1, int b0, int b1, double max_length, intcoPageArr& a_nodes, intcoPageArr& b_nodes,
+                              const giVector3& direction, int nodes_only) const;
   void free_surface() { surface.reset(); }
 
  protected:
+  /// Fits `surface`; 0 for success.
+  int create_gcm_surface(const giPoint3coPageArr& ring, const giPoint3coPageArr& boundary, int option);
   /// Makes a node; attributes of the block stay.
   int generate_node_private(const giPoint3& p, const giVector3& n, int adjust);
 
