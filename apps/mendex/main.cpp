@@ -15,6 +15,9 @@ void add_verbs(CommandLine& line) {
   add_info_verb(line);
   add_check_verb(line);
   add_weld_verb(line);
+  add_stitch_verb(line);
+  add_fill_verb(line);
+  add_cap_verb(line);
   add_convert_verb(line);
   add_formats_verb(line);
 }

@@ -94,11 +94,7 @@ class Checker {
   void trace_boundaries() {
     trCycleArray& cycles = control_.cycles();
     check_.free_edges = cycles.num_edges();
-    const int count = cycles.num_boundaries();
-    for (int k = 0; k < count; ++k) {
-      const giBox3 box = cycles.cycles[k].box();
-      check_.boundaries.push_back({cycles.cycles[k].size(), box.point_at(0.5, 0.5, 0.5)});
-    }
+    check_.boundaries = find_boundaries(cycles);
   }
 
   void find_sick() {

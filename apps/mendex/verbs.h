@@ -10,6 +10,9 @@ class CommandLine;
 void add_info_verb(CommandLine& line);     // statistics and mass properties
 void add_check_verb(CommandLine& line);    // what is wrong
 void add_weld_verb(CommandLine& line);     // read, merge, drop what collapses, write
+void add_stitch_verb(CommandLine& line);   // join boundaries
+void add_fill_verb(CommandLine& line);     // close holes by fans
+void add_cap_verb(CommandLine& line);      // close holes by good triangles
 void add_convert_verb(CommandLine& line);  // read and write in the format that the output's name asks for
 void add_formats_verb(CommandLine& line);  // what can be read and written
 
