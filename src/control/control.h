@@ -185,6 +185,8 @@ class MENDEX_EXPORT trControl {
   /// Replaces the mesh by the host's: points, triangles that are not masked, colours. Host points and triangles count from 0; triangles
   /// that name points which are not there are passed over. The history is forgotten. A pool without points or triangles gives none.
   void action_fill_triblock(coFeaturePool& pool);
+  /// Adds the host's mesh to the mesh; to an empty one as a fill. The history is forgotten.
+  void action_append_triblock(coFeaturePool& pool);
   /// The colours of the host's triangles for the mesh as filled from the same pool.
   void action_fill_triblock_colours(coFeaturePool& pool);
 
@@ -233,6 +235,7 @@ class MENDEX_EXPORT trControl {
   static const char* extension_of(trFileType type);
   std::FILE* search_reader_file(const utString& name, utString& found, trFileType& type);
   void delete_listed(trElementList& list);
+  void append_mesh(coFeaturePool& pool);
 
   trTriBlock triblock_;
   trCycleArray cycles_;

@@ -220,6 +220,12 @@ class MENDEX_EXPORT trTriBlock : public trMeshArrays {
   /// Prints the statistics. Register commands, and the shape statistics of `level` (also of verbose blocks), need a file, which stays
   /// open; `tol` is what the least height and aspect and the sharpest angle are compared with.
   void info(double tol, std::FILE* file, int level) const;
+  // --- exchange with a host --------------------------------------------------------------------------------------------------------
+  /// Closes the gaps in the numbers, where there are any, and appends nodes, elements and, while they are current, node normals to the
+  /// host's arrays, numbers counting from 0; also its points of the plane, where the block has any. Colours come at their element's
+  /// number, where an element has one. `out` is meant to be empty: what it holds is not counted in the numbers.
+  /// Renumbering cannot be taken back: reset the history after it. Interrupted, nothing is given. Cost: O(n).
+  void get_giTriBlock(giTriBlock& out);
   // --- new nodes on a fitted surface ------------------------------------------------------------------------------------------------
   /// Fits a smooth surface to boundary nodes and to the ring of nodes round them, and lets new nodes move onto it. Null only switches
   /// that on, with the surface there is.
@@ -283,6 +289,9 @@ class MENDEX_EXPORT trTriBlock : public trMeshArrays {
   bool merge_plane_nodes(const intcoPageArr& plane_nodes, double tol);
   int cut_edge(int a, int b, int axis, double value, double tol);
   void enter_in_lists(int e) const;
+  void give_nodes(giTriBlock& out) const;
+  void give_elements(giTriBlock& out) const;
+  void give_colours(giTriBlock& out) const;
   void replace_nodes(const SurvivorMap& map);
   void announce_replacements(const SurvivorMap& map, ElementListBatch& lists) const;
   bool maps_workplane() const { return use_workplane && !workplane.workplane().origin().invalid(); }
