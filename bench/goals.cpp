@@ -78,8 +78,24 @@ std::vector<GoalLine> judge_goals(const RunFacts& facts) {
   judge.ratio("build_edges", "flat_parse", FacetOrder::shuffled, 12.0);
   judge.ratio("reference_elements", "flat_parse", FacetOrder::ordered, 5.0 * 2.0 / 3.0);
   judge.ratio("reference_elements", "flat_parse", FacetOrder::shuffled, 12.0 * 2.0 / 3.0);
+  judge.ratio("find_sick", "flat_parse", 6.0);
+  for (const char* measure : {"isect_clean", "isect_overlapping"}) {
+    judge.ratio(measure, "flat_parse", FacetOrder::ordered, 28.0);
+    judge.ratio(measure, "flat_parse", FacetOrder::shuffled, 36.0);
+  }
+  for (const char* measure : {"isect_sheet", "isect_graded"}) judge.ratio(measure, "flat_parse", 60.0);
+  judge.ratio("isect_fan", "flat_parse", 6.0);  // of a tenth of the triangles
+  judge.ratio("isect_clean", "isect_clean_cgal", 0.5);
+  judge.ratio("isect_overlapping", "isect_overlapping_cgal", 0.5);
   judge.ratio("write_stl", "flat_write", 2.0);
   judge.ratio("write_ast", "flat_write_ascii", 2.0);
+  judge.ratio("find_thin", "flat_parse", 3.0);
+  judge.ratio("find_overhanging", "flat_parse", 2.0);
+  judge.ratio("find_overlapping", "flat_parse", 8.0);
+  judge.ratio("orient_normals", "flat_parse", 6.0);
+  judge.ratio("detect_cycles", "flat_parse", 1.0);
+  judge.ratio("detect_cycles_unbuilt", "build_edges", 1.5);
+  judge.ratio("detect_cycles_soup", "flat_parse", 20.0);
   judge.ratio("undo_merge", "flat_parse", 8.0);
   judge.ratio("redo_merge", "flat_parse", 8.0);
   judge.ratio("merge_journalled", "unduplicate_exact", 1.6);
@@ -90,6 +106,7 @@ std::vector<GoalLine> judge_goals(const RunFacts& facts) {
   if (facts.memory) {
     judge.at_most("bytes a triangle, after reading", 220.0, facts.memory->after_reading);
     judge.at_most("bytes a triangle more, while merging", 60.0, facts.memory->while_merging);
+    judge.at_most("bytes a triangle more, boundary of a soup", 150.0, facts.memory->boundary_of_soup);
   }
   return judge.take();
 }

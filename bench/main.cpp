@@ -5,6 +5,7 @@
 //                                             the tables of docs/performance.md; with --strict ends with 1 when a goal
 //                                             is missed
 //   mendex_bench --write-models FOLDER N      an ordered and a shuffled binary STL file of N triangles
+//   mendex_bench --boundary-probe FILE        reads one file, detects its boundary unmerged and prints its peak memory
 //   mendex_bench --memory-probe FILE TOL      reads and merges one file and prints its peak memory
 #include <benchmark/benchmark.h>
 
@@ -103,6 +104,7 @@ int run(int argc, char** argv) {
   const std::string_view mode = argc > 1 ? argv[1] : "";
   if (mode == "--summary") return summary(argc, argv);
   if (mode == "--write-models" && argc == 4) return write_models(argv[2], argv[3]);
+  if (mode == "--boundary-probe" && argc == 3) return run_boundary_probe(argv[2]);
   if (mode == "--memory-probe" && argc == 4) return run_memory_probe(argv[2], argv[3]);
   return run_google_benchmark(argc, argv);
 }
@@ -114,6 +116,10 @@ std::vector<Measure> all_measures() {
   add_stl_measures(list);
   add_merge_measures(list);
   add_topology_measures(list);
+  add_cycles_measures(list);
+  add_isect_measures(list);
+  add_shapes_measures(list);
+  add_sick_measures(list);
   add_undo_measures(list);
   return list;
 }

@@ -4,21 +4,52 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <vector>
 
+#include "boundaries/cycle_array.h"
 #include "formats/tri_read.h"
 #include "mesh/tri_block.h"
 #include "support/check.h"
 #include "support/files.h"
 #include "support/peak_memory.h"
 
+namespace {
+
+void read_block(trTriBlock& block, const char* stl_file) {
+  trTriRead reader(&block, open_file(stl_file, "rb").release(), 0, 0);
+  require(reader.read_stl(1, 0) == 1, "read_stl failed");
+}
+
+// What this program prints when it is started with the arguments; fewer numbers when it fails.
+std::vector<double> numbers_of(const std::string& arguments) {
+  const std::string program = std::filesystem::read_symlink("/proc/self/exe").string();
+  std::FILE* output = popen(("'" + program + "' " + arguments).c_str(), "r");
+  std::vector<double> numbers;
+  if (output == nullptr) return numbers;
+  for (double number = 0.0; std::fscanf(output, "%lf", &number) == 1;) numbers.push_back(number);
+  if (pclose(output) != 0) numbers.clear();
+  return numbers;
+}
+
+}  // namespace
+
+int run_boundary_probe(const char* stl_file) {
+  trTriBlock block;
+  read_block(block, stl_file);
+  const std::int64_t loaded = resident_bytes();
+  reset_peak_memory();
+  const trCycleArray set(&block);
+  require(set.num_boundaries() == block.element_count() - 1, "boundaries of loose triangles");
+  const std::int64_t peak = peak_resident_bytes();
+  std::printf("%.17g\n", static_cast<double>(peak - loaded) / (block.element_count() - 1));
+  return peak > 0 ? 0 : 1;
+}
+
 int run_memory_probe(const char* stl_file, const char* tol) {
   trTriBlock block;
   reset_peak_memory();
   const std::int64_t before = resident_bytes();
-  {
-    trTriRead reader(&block, open_file(stl_file, "rb").release(), 0, 0);
-    require(reader.read_stl(1, 0) == 1, "read_stl failed");
-  }
+  read_block(block, stl_file);
   const std::int64_t read_peak = peak_resident_bytes();
   const std::int64_t loaded = resident_bytes();
   reset_peak_memory();
@@ -33,12 +64,9 @@ int run_memory_probe(const char* stl_file, const char* tol) {
 std::optional<MemoryUse> measure_memory(const std::filesystem::path& stl_file, double tol) {
   char tolerance[40];
   std::snprintf(tolerance, sizeof tolerance, "%.17g", tol);
-  const std::string program = std::filesystem::read_symlink("/proc/self/exe").string();
-  const std::string command = "'" + program + "' --memory-probe '" + stl_file.string() + "' " + tolerance;
-  std::FILE* output = popen(command.c_str(), "r");
-  if (output == nullptr) return std::nullopt;
-  MemoryUse use;
-  const int got = std::fscanf(output, "%lf %lf", &use.after_reading, &use.while_merging);
-  if (pclose(output) != 0 || got != 2) return std::nullopt;
-  return use;
+  const std::string file = "'" + stl_file.string() + "'";
+  const std::vector<double> merging = numbers_of("--memory-probe " + file + " " + tolerance);
+  const std::vector<double> boundary = numbers_of("--boundary-probe " + file);
+  if (merging.size() != 2 || boundary.size() != 1) return std::nullopt;
+  return MemoryUse{merging[0], merging[1], boundary[0]};
 }

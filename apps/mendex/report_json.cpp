@@ -1,17 +1,17 @@
 #include <cmath>
 #include <limits>
-#include <nlohmann/json.hpp>
 
+#include "json_values.h"
 #include "report.h"
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 // An unset coordinate is the largest double.
 Json coordinate(double value) {
   return std::isfinite(value) && std::fabs(value) < std::numeric_limits<double>::max() ? Json(value) : Json(nullptr);
 }
+
+}  // namespace
 
 Json number(double value) { return std::isfinite(value) ? Json(value) : Json(nullptr); }
 
@@ -31,8 +31,6 @@ Json statistics(const MeshStatistics& mesh) {
 }
 
 std::string line_of(const Json& object) { return object.dump(-1, ' ', false, Json::error_handler_t::replace); }
-
-}  // namespace
 
 std::string json_of_info(const Session& session, const std::string& file, const ReadOutcome& read,
                          const MeshStatistics& mesh) {

@@ -9,6 +9,7 @@
 struct Session {
   ProgressBar progress;
   Messages messages{progress};
-  trTriBlock mesh;
+  trControl control;
+  trTriBlock& mesh = control.triblock();
   bool is_quiet = false;  // no summary beside the result that was asked for
 };

@@ -4,11 +4,18 @@
 #include <vector>
 
 #include "failure.h"
+#include "mesh_check.h"
 #include "report.h"
 #include "session.h"
 
 struct InfoOptions {
   std::vector<std::string> files;
+  bool is_json = false;
+};
+
+struct CheckOptions {
+  std::vector<std::string> files;
+  CheckLimits limits;
   bool is_json = false;
 };
 
@@ -27,6 +34,9 @@ struct ConvertOptions {
 
 /// `mendex info`: statistics and mass properties of each file. A file that fails is reported and the others go on.
 ExitCode run_info(Session& session, const InfoOptions& options);
+
+/// `mendex check`: what is wrong with each file. A file that fails is reported and the others go on.
+ExitCode run_check(Session& session, const CheckOptions& options);
 
 /// `mendex weld`: read, merge, drop what collapses, write.
 ExitCode run_weld(Session& session, const WeldOptions& options);

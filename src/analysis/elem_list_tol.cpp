@@ -1,6 +1,6 @@
 #include "analysis/elem_list_tol.h"
 
-#include "analysis/summary.h"
+#include "progress/message.h"
 
 trElemListTol::~trElemListTol() = default;
 
@@ -13,23 +13,18 @@ void trElemListTol::set_tolerance(double tolerance) {
 }
 
 void trElemListTol::print_measure(const Labels& labels) const {
-  const auto print_with_unit = [&labels](double value) {
-    print_number(value);
-    if (labels.unit != nullptr) print_in_language(labels.unit);
-  };
-  print_in_language(labels.measure);
   if (stale()) {
-    print_in_language("not computed");
-    end_line();
+    MessageLine().text(labels.measure).text("not computed");
     return;
   }
-  print_with_unit(result_);
-  end_line();
-  print_in_language(labels.tolerance);
-  print_with_unit(tolerance_);
-  print_in_language(" (");
-  print_number(elements().count());
-  print_in_language(" triangles");
-  print_in_language(")");
-  end_line();
+  const auto with_unit = [&labels](MessageLine& line, double value) -> MessageLine& {
+    line.number(value);
+    return labels.unit == nullptr ? line : line.text(labels.unit);
+  };
+  with_unit(MessageLine().text(labels.measure), result_);
+  with_unit(MessageLine().text(labels.tolerance), tolerance_)
+      .text(" (")
+      .number(elements().count())
+      .text(" triangles")
+      .text(")");
 }

@@ -1,7 +1,7 @@
 #include "analysis/element_list.h"
 
-#include "analysis/summary.h"
 #include "mesh/tri_block.h"
+#include "progress/message.h"
 #include "progress/progress.h"
 
 trElementList::~trElementList() = default;
@@ -39,11 +39,11 @@ void trElementList::invalidate() {
 }
 
 void trElementList::print_count(const char* label) const {
-  print_in_language(label);
+  MessageLine line;
+  line.text(label);
   if (stale_) {
-    print_in_language("not computed");
+    line.text("not computed");
   } else {
-    print_number(elements_.count());
+    line.number(elements_.count());
   }
-  end_line();
 }

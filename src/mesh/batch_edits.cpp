@@ -1,6 +1,7 @@
 // Edits of many entities at once.
 
 #include "mesh/tri_block.h"
+#include "platform/containers/int_set.h"
 #include "progress/output.h"
 #include "progress/progress.h"
 
@@ -10,6 +11,14 @@ void trTriBlock::delete_elements(const intcoPageArr& list) {
     delete_element(list[k]);
   }
   if (list.count() > 0) mark_changed();
+}
+
+int trTriBlock::delete_in_place(const intcoSet& elements) {
+  intcoSet::coIterator it(elements);
+  while (++it) {
+    if (it() > 0 && it() < element_count()) delete_element(it());
+  }
+  return 1;
 }
 
 void trTriBlock::split_elements(const intcoPageArr& list) {

@@ -1,21 +1,12 @@
 // Node normals and the angle between neighbouring elements.
 
 #include <algorithm>
-#include <unordered_map>
 
-#include "mesh/measures.h"
+#include "mesh/neighbour_search.h"
 #include "mesh/tri_block.h"
 #include "progress/progress.h"
 
 namespace {
-
-// Cross vectors up to this length (in model units squared) have no direction worth using.
-constexpr double degenerate_cross = 1e-6;
-
-int element_normal(const trTriBlock& block, int e, giVector3& n) {
-  const trElement& t = block.element(e);
-  return tr_compute_normal(block.point(t[0]), block.point(t[1]), block.point(t[2]), degenerate_cross, n);
-}
 
 giVector3 mean_normal(const trTriBlock& block, int i) {
   double sum[3] = {0.0, 0.0, 0.0};
@@ -35,70 +26,6 @@ giVector3 mean_normal(const trTriBlock& block, int i) {
   mean.make_unit();
   return mean;
 }
-
-// Finds the element across a directed edge; lists longer than a bound are indexed by the node that precedes the hub.
-class NeighbourSearch {
- public:
-  explicit NeighbourSearch(const trTriBlock& block) : block_(block) {}
-
-  // The first valid element other than i in u's list that has v immediately followed by u; 0 when there is none.
-  int find(int i, int u, int v) {
-    int steps = 0;
-    trLoopIT around(&block_, u);
-    while (++around) {
-      if (around() != i && runs(around(), v, u)) return around();
-      if (++steps > longest_walk) return find_in_hub(i, u, v);
-    }
-    return 0;
-  }
-
- private:
-  static constexpr int longest_walk = 64;
-
-  bool runs(int j, int from, int to) const {
-    const trElement& t = block_.element(j);
-    if (!t.valid()) return false;
-    return (t[0] == from && t[1] == to) || (t[1] == from && t[2] == to) || (t[2] == from && t[0] == to);
-  }
-
-  // For each node the first two elements that run from it to the hub: one of them is other than i.
-  struct FirstTwo {
-    int first = 0;
-    int second = 0;
-  };
-  using Hub = std::unordered_map<int, FirstTwo>;
-
-  int find_in_hub(int i, int u, int v) {
-    const auto inserted = hubs_.try_emplace(u);
-    Hub& hub = inserted.first->second;
-    if (inserted.second) enter_elements(hub, u);
-    const auto found = hub.find(v);
-    if (found == hub.end()) return 0;
-    return found->second.first != i ? found->second.first : found->second.second;
-  }
-
-  void enter_elements(Hub& hub, int u) {
-    trIntListIT it(block_.node(u).elements);
-    while (++it) {
-      const trElement& t = block_.element(it());
-      if (!t.valid()) continue;
-      for (int k = 0; k < 3; ++k) {
-        if (t[(k + 1) % 3] == u) enter(hub[t[k]], it());
-      }
-    }
-  }
-
-  static void enter(FirstTwo& entry, int e) {
-    if (entry.first == 0) {
-      entry.first = e;
-    } else if (entry.second == 0 && e != entry.first) {
-      entry.second = e;
-    }
-  }
-
-  const trTriBlock& block_;
-  std::unordered_map<int, Hub> hubs_;
-};
 
 }  // namespace
 

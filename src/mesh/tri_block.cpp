@@ -27,6 +27,7 @@ void trTriBlock::clear() {
   node(0).set_invalid();
   (*elements_)[0] = trElement();
   set_node_data_size(0);
+  remove(giLinkArrcoFeature());
   remove(colours_feature_);
   colours_feature_.set_invalid();
   colours_ = nullptr;

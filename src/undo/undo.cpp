@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <ostream>
 
 #include "mesh/tri_block.h"
 #include "progress/message.h"
@@ -10,12 +9,19 @@
 
 namespace {
 
-// Pages of 16 and 20 KiB: large enough to be cut from slabs in a large record. A record that fits in less gives the
-// rest back when it is closed.
+// Pages of 16 and 20 KiB, the fifth and later ones of a record cut from slabs: most of what recording costs is the
+// first touch of its memory. A record that fits in one page gives back what it does not need when it is closed.
 constexpr int node_page_shift = 9;
 constexpr int element_page_shift = 10;
 constexpr int page_capacity = 5;
 constexpr int page_increment = 10;
+
+template <class Entry>
+constexpr int first_ordinal(int shift) {
+  constexpr int plain_pages = 4;
+  const int page_bytes = static_cast<int>(sizeof(Entry)) << shift;
+  return static_cast<int>(coPageHeap::plain_bytes) / page_bytes + 1 - plain_pages;
+}
 
 // Lines of the listing: the bracket stands in column 36, names in files take 29 characters.
 constexpr int bracket_column = 35;
@@ -70,8 +76,8 @@ void make_fresh(trNode& node) {
 
 trUndo::trUndo(trUndoHist* history, const utString& operation)
     : hist(history),
-      nodes(node_page_shift, page_capacity, page_increment),
-      elements(element_page_shift, page_capacity, page_increment) {
+      nodes(node_page_shift, page_capacity, page_increment, first_ordinal<trUndoNode>(node_page_shift)),
+      elements(element_page_shift, page_capacity, page_increment, first_ordinal<trUndoElement>(element_page_shift)) {
   reset(operation);
 }
 
@@ -99,16 +105,35 @@ void trUndo::trim_pages() {
 // A number between the present count and that at the opening was cut off by this operation, which reported it if there
 // was something to lose.
 void trUndo::store_node(int n) {
-  trUndoNode& entry = nodes[nodes.count()];
-  if (n >= node_count || n >= hist->triblock->node_count()) return entry.set_absent(n);
-  entry.set(hist, n);
-  if (entry.data_index >= 0) saved_data_end_ = entry.data_index + 1;
+  if (!nodes.has_room()) return store_node_in_new_page(n);
+  const trTriBlock& block = *hist->triblock;
+  trUndoNode& entry = nodes.append_in_room();
+  if (n >= node_count || n >= block.node_count()) return entry.set_absent(n);
+  entry.copy(block, n);
+  if (block.node_data_size() != 0) save_data(entry);
 }
 
 void trUndo::store_element(int e) {
-  trUndoElement& entry = elements[elements.count()];
-  if (e >= element_count || e >= hist->triblock->element_count()) return entry.set_absent(e);
-  entry.set(hist, e);
+  if (!elements.has_room()) return store_element_in_new_page(e);
+  const trTriBlock& block = *hist->triblock;
+  trUndoElement& entry = elements.append_in_room();
+  if (e >= element_count || e >= block.element_count()) return entry.set_absent(e);
+  entry.copy(block, e);
+}
+
+// What is rare is kept apart, so that storing an entry is a short run of instructions without a call: it is all that
+// the journal adds to an edit. Without memory nothing is stored.
+void trUndo::store_node_in_new_page(int n) {
+  if (nodes.get_block(nodes.pages())) store_node(n);
+}
+
+void trUndo::store_element_in_new_page(int e) {
+  if (elements.get_block(elements.pages())) store_element(e);
+}
+
+void trUndo::save_data(trUndoNode& entry) {
+  entry.save_data(hist);
+  saved_data_end_ = entry.data_index + 1;
 }
 
 void trUndo::apply() {
@@ -174,14 +199,16 @@ void trUndo::cut_elements(trTriBlock& block, int count) {
 }
 
 void trUndo::print(std::FILE* f) const {
-  std::ostream& out = tr_out();
-  out << name.c_str() << std::string(static_cast<std::size_t>(std::max(1, bracket_column - name.length())), ' ');
-  out << tr_brnknls("[");
-  out << std::to_string(nodes.count());
-  out << tr_brnknls(" nodes, ");
-  out << std::to_string(elements.count());
-  out << tr_brnknls(" elems");
-  out << tr_brnknls("]") << '\n';
+  const std::string blanks(static_cast<std::size_t>(std::max(1, bracket_column - name.length())), ' ');
+  MessageLine()
+      .raw(name.c_str())
+      .raw(blanks.c_str())
+      .text("[")
+      .number(nodes.count())
+      .text(" nodes, ")
+      .number(elements.count())
+      .text(" elems")
+      .text("]");
   if (f != nullptr) write_text(f, "%s", print().c_str());
 }
 

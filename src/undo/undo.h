@@ -54,6 +54,9 @@ class MENDEX_EXPORT trUndo {
  private:
   friend class trUndoHist;
 
+  [[gnu::noinline]] void store_node_in_new_page(int n);
+  [[gnu::noinline]] void store_element_in_new_page(int e);
+  [[gnu::noinline]] void save_data(trUndoNode& entry);
   void use_full_pages();
   void trim_pages();
   void swap_nodes();

@@ -3,20 +3,7 @@
 #include "mesh/tri_block.h"
 #include "undo/undo_hist.h"
 
-void trUndoElement::set_absent(int e) {
-  index = e;
-  colour = NO_COLOUR;
-  element.set(0, 0, 0);
-}
-
-void trUndoElement::set(trUndoHist* hist, int e) {
-  const trTriBlock& block = *hist->triblock;
-  const trElement& t = block.element(e);
-  if (!t.valid()) return set_absent(e);
-  index = e;
-  colour = block.get_element_colour(e);
-  element = t;
-}
+void trUndoElement::set(trUndoHist* hist, int e) { copy(*hist->triblock, e); }
 
 void trUndoElement::swap(trUndoHist* hist) {
   trTriBlock& block = *hist->triblock;

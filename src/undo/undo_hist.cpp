@@ -9,9 +9,12 @@
 trUndoHist::trUndoHist(trTriBlock* block) : triblock(block) {}
 
 trUndoHist::~trUndoHist() {
-  for (int i = 0; i < records.count(); ++i) {
-    if (triblock->undo == records[i].get()) triblock->undo = nullptr;
-  }
+  if (open_ != nullptr && triblock->undo == open_) triblock->undo = nullptr;
+}
+
+void trUndoHist::attach(trUndo& record) {
+  open_ = &record;
+  triblock->undo = &record;
 }
 
 void trUndoHist::start(const utString& name) {
@@ -25,7 +28,7 @@ void trUndoHist::start(const utString& name) {
     trUndocoDynArrPrgcoPrg record(new trUndo(this, name));
     records.append(record);
   }
-  triblock->undo = records[current_].get();
+  attach(*records[current_]);
 }
 
 // Tuples that only dropped records named, this one among them, make room for new ones.
@@ -39,16 +42,15 @@ void trUndoHist::forget_tuples_of(const trUndo& record) {
 int trUndoHist::finish() {
   if (triblock->undo == nullptr) return 0;
   triblock->undo = nullptr;
+  open_ = nullptr;
   if (current_ < 0) return 0;
   trUndo& record = *records[current_];
   if (record.nodes.count() > 0 || record.elements.count() > 0) {
     record.trim_pages();
     return 1;
   }
-  std::ostream& out = tr_out();
-  out << '\n' << tr_brnknls("! ");
-  out << tr_brnknls("Operation had no effect. No undo information stored.");
-  out << tr_brnknls(" !") << '\n';
+  tr_out() << '\n';
+  MessageLine().text("! ").text("Operation had no effect. No undo information stored.").text(" !");
   last_ = --current_;
   return 0;
 }
@@ -56,7 +58,7 @@ int trUndoHist::finish() {
 void trUndoHist::resume() {
   if (current_ < 0) return;
   records[current_]->use_full_pages();
-  triblock->undo = records[current_].get();
+  attach(*records[current_]);
 }
 
 void trUndoHist::undo() {
@@ -73,10 +75,7 @@ void trUndoHist::redo() {
 
 void trUndoHist::reset(const utString& file) {
   if (!file_name.empty()) {
-    std::ostream& out = tr_out();
-    out << tr_brnknls("Undo information for '");
-    out << file_name.c_str();
-    out << tr_brnknls("' has been cancelled.") << '\n';
+    MessageLine().text("Undo information for '").raw(file_name.c_str()).text("' has been cancelled.");
   }
   if (!file.empty()) file_name = file;
   last_ = -1;
@@ -103,7 +102,7 @@ void trUndoHist::print_file_name(std::FILE* f) const {
     if (f != nullptr) write_text(f, "%s", tr_brnknls("Data not yet read from file.\n"));
     return;
   }
-  tr_out() << tr_brnknls("FILE: ") << file_name.c_str() << '\n';
+  MessageLine().text("FILE: ").raw(file_name.c_str());
   if (f != nullptr) write_text(f, tr_brnknls("FILE: %s\n"), file_name.c_str());
 }
 

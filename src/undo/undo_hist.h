@@ -14,8 +14,9 @@ class trTriBlock;
 ///
 /// An operation runs between `start`, which attaches a record to the block, and `finish`, which detaches it. `undo` and
 /// `redo` move the current position over the records. Starting an operation drops what could have been redone; records
-/// that are no longer needed are kept and used again. Invariant: -1 <= current <= last < number of records. The block
-/// must outlive the history.
+/// that are no longer needed are kept and used again.
+/// Invariant: -1 <= current <= last < number of records.
+/// The block must outlive the history.
 class MENDEX_EXPORT trUndoHist {
  public:
   explicit trUndoHist(trTriBlock* block);
@@ -67,10 +68,12 @@ class MENDEX_EXPORT trUndoHist {
  private:
   friend class trControl;
 
+  void attach(trUndo& record);
   void forget_tuples_of(const trUndo& record);
   void print_file_name(std::FILE* f) const;
 
   int last_ = -1;
   int current_ = -1;
   int full_history_ = 1;
+  const trUndo* open_ = nullptr;  // attached by this history and not closed since
 };

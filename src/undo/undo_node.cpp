@@ -3,35 +3,18 @@
 #include "mesh/tri_block.h"
 #include "undo/undo_hist.h"
 
-namespace {
-
-giPoint3 absent_point() {
-  giPoint3 p;
-  p.set_invalid();
-  return p;
-}
-
-}  // namespace
-
-void trUndoNode::set_absent(int n) {
-  index = n;
-  data_index = -1;
-  point = absent_point();
-}
-
 void trUndoNode::set(trUndoHist* hist, int n) {
-  const trTriBlock& block = *hist->triblock;
-  const trNode& node = block.node(n);
-  index = n;
-  data_index = -1;
-  point = node.invalid ? absent_point() : *node.coords;
-  if (block.node_data_size() == 0) return;
+  copy(*hist->triblock, n);
+  if (hist->triblock->node_data_size() != 0) save_data(hist);
+}
+
+void trUndoNode::save_data(trUndoHist* hist) {
   data_index = hist->allocate_data();
-  const trNodeDataTuplecoPageArr& tuples = block.node_data_->tuples;
-  if (n >= tuples.count()) return;  // never written: all zeros, as the new slot is
+  const trNodeDataTuplecoPageArr& tuples = hist->triblock->node_data_->tuples;
+  if (index >= tuples.count()) return;  // never written: all zeros, as the new slot is
   trNodeDataTuple& kept = hist->saved_data.data(data_index);
-  kept = tuples[n];
-  kept.weight = tuples[n].weight;
+  kept = tuples[index];
+  kept.weight = tuples[index].weight;
 }
 
 // Attributes are exchanged as they stand, weights included, so that a number that is given up reads as it did before it

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cfloat>
+
+#include "mesh/tri_block.h"
 #include "platform/geometry/point3.h"
 #include "platform/utilities/export.h"
 
@@ -18,8 +21,25 @@ class MENDEX_EXPORT trUndoNode {
   /// Copies node n, which must be below the block's count, and its attributes when the block carries any.
   void set(trUndoHist* hist, int n);
   /// Notes that node n did not exist.
-  void set_absent(int n);
+  void set_absent(int n) {
+    index = n;
+    data_index = -1;
+    point = absent_point();
+  }
   /// Exchanges the saved state with the node's present one; nothing for a number beyond the block's count. The node's
   /// lists end empty.
   void swap(trUndoHist* hist);
+
+ private:
+  friend class trUndo;
+
+  static giPoint3 absent_point() { return giPoint3(-DBL_MAX, 0.0, 0.0); }
+
+  void copy(const trTriBlock& block, int n) {
+    const trNode& node = block.node(n);
+    index = n;
+    data_index = -1;
+    point = node.invalid ? absent_point() : *node.coords;
+  }
+  void save_data(trUndoHist* hist);
 };

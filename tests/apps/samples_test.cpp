@@ -40,6 +40,7 @@ TEST(Readme, ShowsRealOutput) {
   const std::string readme = contents_of_file(MENDEX_SOURCE_DIR "/README.md");
   const std::vector<std::vector<std::string>> commands = {
       {"weld", "samples/torus_collapsed.stl", "-o", "fixed.stl"},
+      {"check", "samples/open_box.ast"},
       {"info", "samples/bracket_soup.stl"},
       {"info", "samples/bracket_soup.stl", "--json"},
   };

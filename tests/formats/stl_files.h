@@ -10,20 +10,7 @@
 #include "formats/tri_read.h"
 #include "formats/tri_write.h"
 #include "mesh/tri_block.h"
-#include "progress/output.h"
-
-/// Keeps what the library prints while it lives.
-class CapturedOutput {
- public:
-  CapturedOutput() { tr_set_output(&stream); }
-  CapturedOutput(const CapturedOutput&) = delete;
-  CapturedOutput& operator=(const CapturedOutput&) = delete;
-  ~CapturedOutput() { tr_set_output(nullptr); }
-
-  std::string text() const { return stream.str(); }
-
-  std::ostringstream stream;
-};
+#include "support/captured_output.h"
 
 /// An open stream on the bytes, which must outlive it.
 std::FILE* stream_on(const std::string& bytes);

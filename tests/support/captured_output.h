@@ -8,18 +8,19 @@
 /// Collects what the library prints while it lives.
 class CapturedOutput {
  public:
-  CapturedOutput() { tr_set_output(&stream_); }
+  CapturedOutput() { tr_set_output(&stream); }
   CapturedOutput(const CapturedOutput&) = delete;
   CapturedOutput& operator=(const CapturedOutput&) = delete;
   ~CapturedOutput() { tr_set_output(nullptr); }
 
   /// What was printed since the last call.
   std::string take() {
-    std::string text = stream_.str();
-    stream_.str("");
-    return text;
+    std::string printed = text();
+    stream.str("");
+    return printed;
   }
+  /// What was printed so far.
+  std::string text() const { return stream.str(); }
 
- private:
-  std::ostringstream stream_;
+  std::ostringstream stream;
 };

@@ -18,18 +18,22 @@ class coPageArrcoIterator;
 /// Entry i lives in page i >> shift at slot i & (page size - 1). Indexing past the end grows the array. Entries never move:
 /// addresses hold until `clear` or `shrink` with freeing, `repaginate`, or destruction. Pages are allocated whole, with every
 /// entry default-constructed (numbers are zero).
-/// An empty array allocates nothing. Cost: O(1) an entry; a page costs one allocation.
+/// An empty array allocates nothing, and one in static storage can be used before main. Cost: O(1) an entry; a page costs one
+/// allocation.
 template <class T>
 class coPageArr {
  public:
   using coIterator = coPageArrcoIterator<T>;
 
-  coPageArr() : coPageArr(8, 5, 10) {}
+  constexpr coPageArr() : coPageArr(8, 5, 10) {}
 
   /// @param shift  log2 of the entries in a page
   /// @param cap    initial capacity of the page-pointer array
   /// @param inc    its increment
-  coPageArr(int shift, int cap, int inc) : page_size_(1 << shift), page_shift_(shift), pages_(cap, inc) {}
+  /// @param first  ordinal of its first page to the page heap, which gives cheaper memory to later pages: positive for an array that
+  ///               is not expected to stay small
+  constexpr coPageArr(int shift, int cap, int inc, int first = 0)
+      : page_size_(1 << shift), page_shift_(shift), pages_(cap, inc), first_ordinal_(first) {}
 
   coPageArr(std::initializer_list<T> entries) : coPageArr() {
     const int n = ut_numeric_cast<int>(entries.size());
@@ -60,6 +64,11 @@ class coPageArr {
   /// Entry i of an existing page, without growth or test.
   T& at(int i) { return page(i >> page_shift_)[i & (page_size_ - 1)]; }
   const T& at(int i) const { return page(i >> page_shift_)[i & (page_size_ - 1)]; }
+
+  /// Whether one more entry fits into the pages that there are.
+  bool has_room() const { return (count_ >> page_shift_) < pages_allocated_; }
+  /// Appends an entry where there is room; it holds what its slot held. For loops in which even the call of a rare growth would cost.
+  T& append_in_room() { return at(count_++); }
 
   /// Start of page b, which must exist.
   T* page(int b) const { return static_cast<T*>(pages_[b]); }
@@ -203,7 +212,7 @@ class coPageArr {
   }
 
   T* make_page(int ordinal, int entries) {
-    T* fresh = static_cast<T*>(coPageHeap::allocate(page_bytes(entries), ordinal));
+    T* fresh = static_cast<T*>(coPageHeap::allocate(page_bytes(entries), first_ordinal_ + ordinal));
     if (fresh == nullptr) return nullptr;
     for (int k = 0; k < entries; ++k) new (fresh + k) T();
     return fresh;
@@ -212,7 +221,7 @@ class coPageArr {
   void free_pages_from(int first) {
     for (int b = first; b < pages_allocated_; ++b) {
       std::destroy_n(page(b), page_size_);
-      coPageHeap::release(page(b), page_bytes(page_size_), b);
+      coPageHeap::release(page(b), page_bytes(page_size_), first_ordinal_ + b);
     }
     pages_allocated_ = std::min(pages_allocated_, first);
     if (current_block_ >= first) {
@@ -239,6 +248,7 @@ class coPageArr {
   int page_size_;
   int page_shift_;
   utAnycoPageArrINTERNALcoDynArr pages_;
+  int first_ordinal_ = 0;
   int current_block_ = -1;
   T* current_page_ = nullptr;
 };

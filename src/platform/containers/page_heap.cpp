@@ -26,16 +26,13 @@ constexpr std::size_t page_alignment = 64;
 // Below this size a slab would hold so many pages that the general heap is as good.
 constexpr std::size_t smallest_slab_page = std::size_t{16} << 10;
 
-// Up to this size an array takes plain memory, so that a small mesh does not occupy whole slabs.
-constexpr std::size_t plain_bytes = std::size_t{4} << 20;
-
 bool from_slab(std::size_t bytes, int ordinal) {
 #if defined(MENDEX_PAGES_APART)
   (void)bytes;
   (void)ordinal;
   return false;
 #else
-  return static_cast<std::size_t>(ordinal) * bytes >= plain_bytes && bytes >= smallest_slab_page &&
+  return static_cast<std::size_t>(ordinal) * bytes >= coPageHeap::plain_bytes && bytes >= smallest_slab_page &&
          bytes <= coPageHeap::slab_bytes / 2;
 #endif
 }
@@ -167,11 +164,11 @@ void coPageHeap::release_slab(void* slab) noexcept {
 }
 
 void* coPageHeap::allocate_zeroed(std::size_t bytes) noexcept {
-  return bytes < plain_bytes ? std::calloc(bytes, 1) : map_aligned(whole_slabs(bytes), true);
+  return bytes < coPageHeap::plain_bytes ? std::calloc(bytes, 1) : map_aligned(whole_slabs(bytes), true);
 }
 
 void coPageHeap::release_zeroed(void* block, std::size_t bytes) noexcept {
-  if (bytes < plain_bytes) {
+  if (bytes < coPageHeap::plain_bytes) {
     std::free(block);
   } else if (block != nullptr) {
     munmap(block, whole_slabs(bytes));

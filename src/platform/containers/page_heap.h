@@ -28,4 +28,6 @@ class MENDEX_EXPORT coPageHeap {
   static void release_zeroed(void* block, std::size_t bytes) noexcept;
 
   static constexpr std::size_t slab_bytes = std::size_t{2} << 20;
+  /// Up to this size an array takes plain memory, so that a small mesh does not occupy whole slabs.
+  static constexpr std::size_t plain_bytes = std::size_t{4} << 20;
 };

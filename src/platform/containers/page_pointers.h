@@ -10,7 +10,8 @@
 /// pages costs O(P).
 class utAnycoPageArrINTERNALcoDynArr {
  public:
-  utAnycoPageArrINTERNALcoDynArr(int first, int increment) : capacity_(std::max(first, 0)), increment_(std::max(increment, 1)) {}
+  constexpr utAnycoPageArrINTERNALcoDynArr(int first, int increment)
+      : capacity_(std::max(first, 0)), increment_(std::max(increment, 1)) {}
   utAnycoPageArrINTERNALcoDynArr(const utAnycoPageArrINTERNALcoDynArr&) = delete;
   utAnycoPageArrINTERNALcoDynArr& operator=(const utAnycoPageArrINTERNALcoDynArr&) = delete;
   ~utAnycoPageArrINTERNALcoDynArr() { std::free(data_); }

@@ -1,0 +1,73 @@
+// Meshes that the host hands over in memory.
+
+#include <algorithm>
+
+#include "control/control.h"
+#include "platform/digitiser/tri_mask.h"
+
+namespace {
+
+// The host's pool, read without making features that it does not have.
+class HostMesh {
+ public:
+  explicit HostMesh(const coFeaturePool& pool) {
+    pool.find(points_);
+    pool.find(triangles_);
+    pool.find(mask_);
+  }
+
+  int point_count() const { return points_.valid() ? points_.data()->points.count() : 0; }
+  const giPoint3& point(int k) const { return points_.data()->points.at(k); }
+  int triangle_count() const { return triangles_.valid() ? triangles_.data()->triangles.count() : 0; }
+  const giTriangle& triangle(int k) const { return triangles_.data()->triangles.at(k); }
+  // Triangles that the host masked, or that name points it does not have, stay with the host.
+  bool is_taken(int k) const {
+    if (mask_.valid() && mask_.data()->test(k)) return false;
+    const giTriangle& t = triangle(k);
+    return has_point(t[0]) && has_point(t[1]) && has_point(t[2]);
+  }
+
+ private:
+  bool has_point(int k) const { return k >= 0 && k < point_count(); }
+
+  giNodeXYZ points_;
+  giTriArrcoFeature triangles_;
+  pmTriMaskArrcoFeature mask_;
+};
+
+}  // namespace
+
+void trControl::action_fill_triblock(coFeaturePool& pool) {
+  triblock_.clear();
+  const HostMesh host(pool);
+  for (int k = 0; k < host.point_count(); ++k) triblock_.set_node(k + 1, host.point(k));
+  // The reserved slot of the coordinates, so that a box over the whole array is that of the host's points; node 0 stays invalid.
+  if (host.point_count() > 0) (*triblock_.points_)[0] = host.point(0);
+  int element = 0;
+  for (int k = 0; k < host.triangle_count(); ++k) {
+    if (!host.is_taken(k)) continue;
+    const giTriangle& t = host.triangle(k);
+    triblock_.set_element(++element, t[0] + 1, t[1] + 1, t[2] + 1);
+  }
+  action_fill_triblock_colours(pool);
+  undo_hist_.reset("");
+  triblock_changed_ = 0;
+  triangle_update(1);
+}
+
+void trControl::action_fill_triblock_colours(coFeaturePool& pool) { action_append_triblock_colours(pool, 0); }
+
+void trControl::action_append_triblock_colours(coFeaturePool& pool, int first) {
+  giTriCols colours;
+  if (!pool.find(colours)) return;
+  if (first == 0) {
+    triblock_.set_element_colour(0, NO_COLOUR);
+    first = 1;
+  }
+  const HostMesh host(pool);
+  const giColourcoPageArr& list = *colours.data();
+  const int count = std::min(list.count(), host.triangle_count());
+  for (int k = 0; k < count; ++k) {
+    if (host.is_taken(k)) triblock_.set_element_colour(first++, tr_encode_colour(list.at(k)));
+  }
+}

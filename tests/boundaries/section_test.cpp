@@ -1,0 +1,178 @@
+#include <gtest/gtest.h>
+
+#include <cfloat>
+
+#include "boundaries/boundary_shapes.h"
+#include "boundaries/section.h"
+#include "oracles/boundaries_literal.h"
+#include "oracles/point_tree_literal.h"
+#include "support/command_file.h"
+#include "support/interrupting_handler.h"
+
+namespace {
+
+struct OpenedSection : trSection {
+  using trSection::add_edge;
+  using trSection::edge_cancelled;
+  using trSection::trace_boundaries;
+  using trSection::trSection;
+  using trSection::unduplicate_nodes;
+};
+
+std::vector<std::vector<int>> chains_of(const trSection& section) {
+  std::vector<std::vector<int>> chains;
+  for (int b = 0; b < section.n_boundaries(); ++b) {
+    const intcoPageArr& chain = *section.boundaries[b];
+    chains.emplace_back();
+    for (int i = 0; i < chain.count(); ++i) chains.back().push_back(chain[i]);
+  }
+  return chains;
+}
+
+double length_of(const trSection& section, int b) {
+  double length = 0.0;
+  for (int i = 1; i < section.n_boundary_points(b); ++i) {
+    length += section.boundary_point(b, i - 1).distance(section.boundary_point(b, i));
+  }
+  return length;
+}
+
+}  // namespace
+
+// Segments between few points on a grid, some of them nearly coincident: merged and chained as the rules say.
+TEST(Section, MergesAndChainsAsTheRulesSay) {
+  Random random(9);
+  int open = 0, closed = 0;
+  for (int round = 0; round < 1500; ++round) {
+    OpenedSection section(nullptr);
+    PointTreeLiteral tree(1e-5, true);
+    std::vector<std::pair<int, int>> segments;
+    std::vector<int> map;
+    const int grid = random.between(2, 5);
+    const auto place = [&] {
+      const double near = random.one_in(3) ? 4e-6 * random.below(5) : 0.0;
+      return giPoint3(random.below(grid) + near, random.below(grid), 0);
+    };
+    for (int n = random.between(1, 25); n > 0; --n) {
+      const giPoint3 ends[2] = {place(), place()};
+      section.add_edge(ends[0], ends[1]);
+      for (const giPoint3& p : ends) {
+        const int found = tree.add(p, static_cast<int>(map.size()));
+        map.push_back(found < 0 ? static_cast<int>(map.size()) : found);
+      }
+      segments.emplace_back(map[map.size() - 2], map.back());
+      if (segments.back().first == segments.back().second) segments.back() = {-1, -1};
+    }
+    section.unduplicate_nodes();
+    for (int e = 0; e < section.edge_start.count(); ++e) {
+      const std::pair<int, int> ends(section.edge_start[e], section.edge_end[e]);
+      ASSERT_EQ(ends, segments[static_cast<std::size_t>(e)]) << "round " << round;
+    }
+    for (std::size_t i = 0; i < map.size(); ++i) {
+      ASSERT_EQ(section.points[static_cast<int>(i)].invalid(), map[i] != static_cast<int>(i));
+    }
+    section.trace_boundaries();
+    const auto expected = trace_literal(segments, section.points.count());
+    ASSERT_EQ(chains_of(section), expected) << "round " << round;
+    for (const auto& chain : expected) (chain.front() == chain.back() ? closed : open)++;
+  }
+  EXPECT_GE(open, 1000);
+  EXPECT_GE(closed, 400);
+}
+
+// A torus is cut into two circles by a plane across its axis and, along the axis, into the two circles of its tube.
+TEST(Section, OfAClosedMeshAreLoopsThatNameTheirFirstPointTwice) {
+  BlockOf block(torus(64, 32));
+  trSection section(&block);
+  section.section(gi_z_axis, 0.1);
+  ASSERT_EQ(section.n_boundaries(), 2);
+  const double pi = std::acos(-1.0);
+  const double half = std::sqrt(1 - 0.01);
+  double lengths[2] = {length_of(section, 0), length_of(section, 1)};
+  std::sort(lengths, lengths + 2);
+  EXPECT_NEAR(lengths[0], 2 * pi * (2 - half), 0.1);
+  EXPECT_NEAR(lengths[1], 2 * pi * (2 + half), 0.1);
+  for (int b = 0; b < 2; ++b) {
+    EXPECT_EQ(section.n_boundary_points(b), 129) << "64 quadrilaterals of two triangles, closed";
+    EXPECT_EQ(section.boundary_point(b, 0), section.boundary_point(b, 128));
+    for (int i = 0; i < 129; ++i) EXPECT_NEAR(section.boundary_point(b, i).z, 0.1, 1e-9);
+  }
+  EXPECT_TRUE(section.boundary_point(2, 0).invalid());
+  EXPECT_TRUE(section.boundary_point(0, 129).invalid());
+  section.section(gi_z_axis, 3.0);
+  EXPECT_EQ(section.n_boundaries(), 0) << "nothing is crossed";
+  EXPECT_EQ(section.points.count(), 0);
+}
+
+TEST(Section, OfAnOpenStripIsAChainFromEndToEnd) {
+  BlockOf block(flat_sheet(3, 1));
+  trSection section(&block);
+  section.section(gi_y_axis, 0.25);
+  ASSERT_EQ(section.n_boundaries(), 1);
+  ASSERT_EQ(section.n_boundary_points(0), 7);
+  std::vector<double> xs;
+  for (int i = 0; i < 7; ++i) xs.push_back(section.boundary_point(0, i).x);
+  EXPECT_TRUE(std::is_sorted(xs.begin(), xs.end()) || std::is_sorted(xs.rbegin(), xs.rend()));
+  EXPECT_NEAR(std::abs(xs.front() - xs.back()), 1.0, 1e-12);
+}
+
+// Within the tolerance a node in the plane counts as not below it.
+TEST(Section, ATouchFromAboveAddsNothingAndOneFromBelowASegmentOfNoLength) {
+  trTriBlock block;
+  block.set_node(1, giPoint3(0, 0, 0.99e-5));
+  block.set_node(2, giPoint3(1, 0, 1));
+  block.set_node(3, giPoint3(0, 1, 1));
+  block.set_node(4, giPoint3(1, 1, -1));
+  block.set_node(5, giPoint3(-1, 1, -1));
+  block.generate(1, 2, 3);
+  trSection section(&block);
+  section.section(gi_z_axis, 1.98e-5);
+  EXPECT_EQ(section.points.count(), 0);
+  section.section(gi_z_axis, 2.1e-5);
+  EXPECT_EQ(section.points.count(), 2);
+  block.delete_element(1);
+  block.generate(1, 4, 5);
+  section.section(gi_z_axis, 1.5e-5);
+  EXPECT_EQ(section.points.count(), 2);
+  EXPECT_EQ(section.n_boundaries(), 0) << "its ends are one point, which cancels it";
+}
+
+TEST(Section, InTheFrameOfAWorkplane) {
+  BlockOf block(closed_box(giPoint3(), 1, 2, 3));
+  trSection section(&block);
+  section.section(gi_z_axis, 1.25);
+  const double across_z = length_of(section, 0);
+  EXPECT_NEAR(across_z, 6.0, 1e-9);
+  // The workplane's z axis is the world's x, so the cut lies at x = 0.5 and runs round the sides of 2 and 3.
+  ccWorkplane plane(giWorkplane3(giPoint3(0.25, 0, 0), giUnitVec3(gi_y_axis), giUnitVec3(gi_x_axis)));
+  section.set_workplane(plane);
+  section.section(gi_z_axis, 0.25);
+  ASSERT_EQ(section.n_boundaries(), 1);
+  EXPECT_NEAR(length_of(section, 0), 10.0, 1e-9);
+  EXPECT_NEAR(section.boundary_point(0, 0).x, 0.5, 1e-12);
+}
+
+// A triangle cut halfway, the lone corner below: from the edge that leaves it to the edge that comes back.
+TEST(Section, ThePictureNumbersPointsThroughoutAndEndsEachLineAtItsFirst) {
+  trTriBlock block;
+  block.set_node(1, giPoint3(0, 0, 0));
+  block.set_node(2, giPoint3(2, 0, 2));
+  block.set_node(3, giPoint3(0, 2, 2));
+  block.generate(1, 2, 3);
+  for (int i = 1; i <= 3; ++i) block.set_node(i + 3, block.point(i) + giVector3(5, 0, 0));
+  block.generate(4, 6, 5);
+  trSection section(&block);
+  section.section(gi_z_axis, 1.0);
+  CommandFile picture;
+  section.write_pic(picture.file());
+  EXPECT_EQ(picture.text(),
+            "EDIT PLEV 0#UNSET ECHO\nDELETE PICTURE\n"
+            "INPUT PIX 1 1.000000 0.000000 1.000000\nEDIT PIX 1 INV\nINPUT PIX 2 0.000000 1.000000 1.000000\n"
+            "INPUT PIX 3 1.000000 0.000000 1.000000\n"
+            "INPUT PIX 4 5.000000 1.000000 1.000000\nEDIT PIX 4 INV\nINPUT PIX 5 6.000000 0.000000 1.000000\n"
+            "INPUT PIX 6 5.000000 1.000000 1.000000\n");
+  InterruptingHandler handler(2);
+  CommandFile first;
+  section.write_pic(first.file());
+  EXPECT_EQ(first.text(), picture.text().substr(0, picture.text().find("INPUT PIX 4")));
+}

@@ -1,0 +1,115 @@
+// Meshes that a host hands over as a pool of arrays.
+
+#include <gtest/gtest.h>
+
+#include "analysis/sick_triangles.h"
+#include "control/control.h"
+#include "platform/digitiser/tri_mask.h"
+#include "support/captured_output.h"
+#include "support/validator.h"
+
+namespace {
+
+// A host's pool: five triangles round an edge, with colours.
+class HostPool : public giTriBlock {
+ public:
+  HostPool() {
+    check_out(points_);
+    check_out(triangles_);
+    const double places[][3] = {{1, 1, 1}, {2, 1, 1}, {1, 2, 1}, {1, 1, 2}, {1, 0, 1}, {1, 1, 0}, {3, 3, 3}};
+    for (int k = 0; k < 7; ++k) points_.data()->points[k] = giPoint3(places[k][0], places[k][1], places[k][2]);
+    for (int k = 0; k < 5; ++k) set_triangle(k, 0, 1, k + 2);
+  }
+
+  void set_triangle(int k, int a, int b, int c) {
+    giTriangle& t = triangles_.data()->triangles[k];
+    t[0] = a;
+    t[1] = b;
+    t[2] = c;
+  }
+  void mask(int k) {
+    check_out(mask_);
+    mask_.data()->set(k);
+  }
+  void colour(int k, int red) {
+    check_out(colours_);
+    (*colours_.data())[k] = giColour(static_cast<unsigned char>(red), 0, 0, 0);
+  }
+
+ private:
+  giNodeXYZ points_;
+  giTriArrcoFeature triangles_;
+  pmTriMaskArrcoFeature mask_;
+  giTriCols colours_;
+};
+
+}  // namespace
+
+// Masked triangles take no number, and colours go with the triangles that were taken.
+TEST(Exchange, FillTakesWhatIsNotMasked) {
+  CapturedOutput output;
+  HostPool pool;
+  pool.mask(2);
+  for (int k = 0; k < 5; ++k) pool.colour(k, 10 * (k + 1));
+  trControl control;
+  control.start_undo("before");
+  control.triblock().set_node(99, giPoint3(9, 9, 9));
+  control.finish_undo(1);
+  control.action_fill_triblock(pool);
+  const trTriBlock& block = control.triblock();
+  ASSERT_EQ(block.element_count(), 5);
+  EXPECT_EQ(block.node_count(), 8);
+  const int thirds[] = {3, 4, 6, 7};
+  const int reds[] = {10, 20, 40, 50};
+  for (int e = 1; e <= 4; ++e) {
+    EXPECT_EQ(block.element(e)[0], 1);
+    EXPECT_EQ(block.element(e)[2], thirds[e - 1]);
+    EXPECT_EQ(block.get_element_colour(e), tr_encode_colour(giColour(static_cast<unsigned char>(reds[e - 1]), 0, 0, 0)));
+  }
+  EXPECT_EQ(block.default_colour(), NO_COLOUR);
+  EXPECT_EQ(control.undo_hist().current(), -1);
+  EXPECT_EQ(control.triblock_changed(), 0);
+  // The reserved slot repeats the first point, so the host's box over the array is not pulled to the origin; node 0 is still no node.
+  EXPECT_EQ(block.point(0).x, 1.0);
+  EXPECT_EQ(block.node(0).invalid, 1);
+  EXPECT_EQ(block.valid_nodes(), 7);
+}
+
+// Triangles that name points which are not there would be a trap for every later operation.
+TEST(Exchange, FillPassesOverTrianglesWithoutPoints) {
+  CapturedOutput output;
+  HostPool pool;
+  pool.set_triangle(1, 0, 1, 7);
+  pool.set_triangle(3, -1, 1, 2);
+  pool.set_triangle(4, 0, std::numeric_limits<int>::max(), 2);
+  for (int k = 0; k < 12; ++k) pool.colour(k, k + 1);  // more colours than triangles
+  trControl control;
+  control.action_fill_triblock(pool);
+  EXPECT_EQ(control.triblock().valid_elements(), 2);
+  EXPECT_EQ(control.triblock().element_count(), 3);
+  EXPECT_EQ(control.triblock().get_element_colour(2), tr_encode_colour(giColour(3, 0, 0, 0)));
+  giTriBlock empty;
+  control.action_fill_triblock(empty);
+  EXPECT_EQ(control.triblock().element_count(), 1);
+  EXPECT_TRUE(is_sound(control.triblock()));
+}
+
+// The search on a host's own pool gives numbers as that pool counts them, or as a block would.
+TEST(Exchange, SickEdgesOfAHostPool) {
+  CapturedOutput output;
+  HostPool pool;
+  for (const int mode : {0, 1}) {
+    trEdgeConnectioncoPageArr edges;
+    EXPECT_NE(trSickTriangles::find_sick_triangles(pool, edges, mode), 0);
+    ASSERT_EQ(edges.count(), 1);
+    EXPECT_TRUE(edges[0].check(1 - mode, 2 - mode));
+    EXPECT_EQ(edges[0].number_triangles(), 5);
+    intcoPageArr elements;
+    edges[0].triangles(elements);
+    int least = elements[0];
+    for (int k = 1; k < elements.count(); ++k) least = std::min(least, elements[k]);
+    EXPECT_EQ(least, 1 - mode);
+  }
+  trEdgeConnectioncoPageArr none;
+  EXPECT_EQ(trSickTriangles::find_sick_triangles(giTriBlock(), none, 0), 0);
+}
