@@ -2,10 +2,48 @@
 
 #include "platform/surface/gcm_surf_fitter.h"
 #include "platform/surface/zrk_nurb_surf.h"
-#include "platform/surface_shapes.h"
 #include "support/random.h"
 
 namespace {
+
+using Points = std::vector<giPoint3>;
+
+// What a mesh has round a hole: the points of its boundary, in order, and the next row outside.
+struct HolePoints {
+  Points ring;
+  Points boundary;
+};
+
+void copy(const Points& points, giPoint3coPageArr& array) {
+  for (const giPoint3& p : points) array[array.count()] = p;
+}
+
+int fit(const HolePoints& points, zrkSurfPtr& surface, gcmSurfFitter&& fitter = gcmSurfFitter()) {
+  giPoint3coPageArr ring, boundary;
+  copy(points.ring, ring);
+  copy(points.boundary, boundary);
+  return fitter.fit(ring, boundary, surface);
+}
+
+// A surface that is known exactly, with a hole in it: the round hole of radius 1 in its parameters (a, b).
+struct KnownSurface {
+  const char* name;
+  giPoint3 (*point)(double a, double b);
+  double (*distance)(const giPoint3& p);  // from the surface
+};
+
+HolePoints hole_points(giPoint3 (*surface)(double, double), int count,
+                       const std::function<giPoint3(const giPoint3&)>& moved = [](const giPoint3& p) { return p; }) {
+  HolePoints points;
+  const double step = 2.0 * std::acos(-1.0) / count;
+  const double outside = 1.0 + 0.866 * step;
+  for (int k = 0; k < count; ++k) {
+    points.boundary.push_back(moved(surface(std::cos(k * step), std::sin(k * step))));
+    const double between = (k + 0.5) * step;
+    points.ring.push_back(moved(surface(outside * std::cos(between), outside * std::sin(between))));
+  }
+  return points;
+}
 
 constexpr double half_angle = 0.5235987755982988;  // 30 degrees
 constexpr int edges = 31;                          // of a round hole, a tenth of its diameter each
@@ -67,9 +105,11 @@ CapErrors cap_errors(const KnownSurface& known, const Placing& placing, const zr
   giPoint3 centre;
   giVector3 normal;
   const HolePoints points = hole_points(known.point, edges);
-  for (int k = 0; k < edges; ++k) centre = centre + (points.boundary[k] - giPoint3()) * (1.0 / edges);
-  for (int k = 0; k < edges; ++k) {
-    normal += (points.boundary[k] - centre).cross(points.boundary[(k + 1) % edges] - centre);
+  for (const giPoint3& p : points.boundary) centre = centre + (p - giPoint3()) * (1.0 / edges);
+  const giPoint3* last = &points.boundary.back();
+  for (const giPoint3& next : points.boundary) {
+    normal += (*last - centre).cross(next - centre);
+    last = &next;
   }
   normal.make_unit();
   const giVector3 direction = placing.frame.to_world(normal);
@@ -104,7 +144,7 @@ TEST_P(KnownHoles, AreFilledWithTheSameSurfaceInAnyUnitAndPlace) {
     const HolePoints points =
         hole_points(GetParam().point, edges, [&](const giPoint3& p) { return placing.there(p); });
     zrkSurfPtr fitted;
-    ASSERT_EQ(gcmSurfFitter::success, gcmSurfFitter().fit(points.ring, points.boundary, fitted));
+    ASSERT_EQ(gcmSurfFitter::success, fit(points, fitted));
     const CapErrors errors = cap_errors(GetParam(), placing, *fitted);
     EXPECT_GT(errors.flat, 0.05);
     EXPECT_LT(errors.closest, 0.02 * errors.flat);
@@ -113,13 +153,13 @@ TEST_P(KnownHoles, AreFilledWithTheSameSurfaceInAnyUnitAndPlace) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, KnownHoles, testing::ValuesIn(known_surfaces),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& made) { return std::string(made.param.name); });
 
 TEST(SurfFitter, FillsAPlaneFlat) {
   for (const int count : {4, 31, 500}) {
     const HolePoints points = hole_points(on_plane, count);
     zrkSurfPtr fitted;
-    ASSERT_EQ(0, gcmSurfFitter().fit(points.ring, points.boundary, fitted));
+    ASSERT_EQ(0, fit(points, fitted));
     giPoint3 q;
     ASSERT_EQ(0, fitted->closest_point(giPoint3(0.1, 0.2, 3.0), q));
     EXPECT_NEAR(0.25 * q.x - 0.5 * q.y, q.z, 1e-12) << count;
@@ -136,7 +176,7 @@ TEST(SurfFitter, DoesNotFollowScatter) {
       return giPoint3(p.x, p.y, p.z + random.between(-0.005, 0.005));
     });
     zrkSurfPtr fitted;
-    ASSERT_EQ(0, gcmSurfFitter().fit(points.ring, points.boundary, fitted));
+    ASSERT_EQ(0, fit(points, fitted));
     giPoint3 top;
     ASSERT_EQ(0, fitted->closest_point(giPoint3(0.0, 0.0, 1.0), top));
     worst = std::max(worst, std::fabs(from_sphere(top)));
@@ -148,7 +188,7 @@ TEST(SurfFitter, DoesNotFollowScatter) {
 TEST(SurfFitter, SeesTheSlopeBetweenCloseRows) {
   const HolePoints points = hole_points(on_sphere, 5000);
   zrkSurfPtr fitted;
-  ASSERT_EQ(0, gcmSurfFitter().fit(points.ring, points.boundary, fitted));
+  ASSERT_EQ(0, fit(points, fitted));
   const CapErrors errors = cap_errors(known_surfaces[0], {}, *fitted);
   EXPECT_LT(errors.closest, 0.02 * errors.flat);
 }
@@ -160,8 +200,9 @@ HolePoints skirt(int count, double angle_deg) {
   const double angle = angle_deg * std::acos(-1.0) / 180.0;
   const double radius = 1.0 + 0.866 * step * std::cos(angle);
   for (int k = 0; k < count; ++k) {
-    points.boundary[k] = giPoint3(std::cos(k * step), std::sin(k * step), 0.0);
-    points.ring[k] = giPoint3(radius * std::cos((k + 0.5) * step), radius * std::sin((k + 0.5) * step), -0.866 * step * std::sin(angle));
+    points.boundary.push_back(giPoint3(std::cos(k * step), std::sin(k * step), 0.0));
+    points.ring.push_back(giPoint3(radius * std::cos((k + 0.5) * step), radius * std::sin((k + 0.5) * step),
+                                   -0.866 * step * std::sin(angle)));
   }
   return points;
 }
@@ -172,22 +213,16 @@ TEST(SurfFitter, TakesRingsUpToEightyDegreesFromThePlane) {
     for (const double angle : {0.0, 45.0, 60.0, 75.0, 85.0, 90.0, 95.0, 120.0, 180.0}) {
       const HolePoints points = skirt(count, angle);
       zrkSurfPtr fitted;
-      const int result = gcmSurfFitter().fit(points.ring, points.boundary, fitted);
+      const int result = fit(points, fitted);
       EXPECT_EQ(angle < 80.0 ? gcmSurfFitter::success : gcmSurfFitter::no_height_field, result) << count << ", " << angle;
       EXPECT_EQ(result == 0, fitted != nullptr);
     }
   }
 }
 
-HolePoints changed(int index, const giPoint3& p) {
+HolePoints changed(std::size_t index, const giPoint3& p) {
   HolePoints points = hole_points(on_sphere, edges);
   points.boundary[index] = p;
-  return points;
-}
-
-HolePoints of_boundary(std::initializer_list<giPoint3> boundary) {
-  HolePoints points;
-  for (const giPoint3& p : boundary) points.boundary[points.boundary.count()] = p;
   return points;
 }
 
@@ -203,21 +238,21 @@ TEST(SurfFitter, RefusesWhatFixesNoSurfaceAndLeavesTheOldOne) {
   const HolePoints box_top = {{{-1, -1, -2}, {1, -1, -2}, {1, 1, -2}, {-1, 1, -2}}, {{-1, -1, 0}, {1, -1, 0}, {1, 1, 0}, {-1, 1, 0}}};
   const struct {
     const char* what;
-    const HolePoints& points;
+    HolePoints points;
     int result;
   } cases[] = {{"nothing", HolePoints(), gcmSurfFitter::too_few_points},
-               {"five points", of_boundary({{0, 0, 0}, {1, 0, 0}, {2, 1, 0}, {1, 2, 0}, {0, 1, 0}}), gcmSurfFitter::too_few_points},
+               {"five points", HolePoints{{}, {{0, 0, 0}, {1, 0, 0}, {2, 1, 0}, {1, 2, 0}, {0, 1, 0}}}, gcmSurfFitter::too_few_points},
                {"eight points on four places", box_top, gcmSurfFitter::too_few_points},
                {"a line", line, gcmSurfFitter::too_few_points},
                {"one place", spot, gcmSurfFitter::too_few_points},
                {"not a number", changed(7, giPoint3(0.1, nan, 0.2)), gcmSurfFitter::not_finite},
                {"infinite", changed(0, giPoint3(0.1, 0.0, -inf)), gcmSurfFitter::not_finite},
-               {"extent out of range", of_boundary({{-1.7e308, 0, 0}, {1.7e308, 0, 0}, {0, 1.7e308, 0}}), gcmSurfFitter::not_finite},
+               {"extent out of range", HolePoints{{}, {{-1.7e308, 0, 0}, {1.7e308, 0, 0}, {0, 1.7e308, 0}}}, gcmSurfFitter::not_finite},
                {"scatter", scattered, gcmSurfFitter::bad_fit}};
   for (const auto& c : cases) {
     const zrkSurfPtr old = std::make_shared<zrkNurbSurf>(zrkNurbSurf::Frame(), std::vector<double>(16));
     zrkSurfPtr surface = old;
-    EXPECT_EQ(c.result, gcmSurfFitter().fit(c.points.ring, c.points.boundary, surface)) << c.what;
+    EXPECT_EQ(c.result, fit(c.points, surface)) << c.what;
     EXPECT_EQ(old, surface) << c.what;
   }
 }
@@ -243,12 +278,12 @@ TEST(SurfFitter, GivesUpWhenToldTo) {
   const HolePoints points = hole_points(on_sphere, edges);
   for (const int patience : {0, 3}) {
     zrkSurfPtr surface;
-    EXPECT_EQ(gcmSurfFitter::interrupted, ImpatientFitter(patience).fit(points.ring, points.boundary, surface));
+    EXPECT_EQ(gcmSurfFitter::interrupted, fit(points, surface, ImpatientFitter(patience)));
     EXPECT_EQ(nullptr, surface);
   }
   zrkSurfPtr surface;
   ImpatientFitter patient(1000);
-  EXPECT_EQ(0, patient.fit(points.ring, points.boundary, surface));
+  EXPECT_EQ(0, fit(points, surface, std::move(patient)));
   EXPECT_GT(patient.last_percent, 0);
 }
 
@@ -260,10 +295,10 @@ TEST(SurfFitter, SurvivesRandomPoints) {
     HolePoints points;
     const double flatness = std::pow(10.0, random.between(-6.0, 1.0));
     const auto any = [&] { return giPoint3(random.between(-1.0, 1.0), random.between(0, 4), flatness * random.unit()); };
-    for (int k = random.below(12); k > 0; --k) points.ring[points.ring.count()] = any();
-    for (int k = random.below(12); k > 0; --k) points.boundary[points.boundary.count()] = any();
+    for (int k = random.below(12); k > 0; --k) points.ring.push_back(any());
+    for (int k = random.below(12); k > 0; --k) points.boundary.push_back(any());
     zrkSurfPtr surface;
-    const int result = gcmSurfFitter().fit(points.ring, points.boundary, surface);
+    const int result = fit(points, surface);
     ASSERT_EQ(result == 0, surface != nullptr);
     if (result != 0) continue;
     ++fitted_count;
