@@ -8,9 +8,9 @@
 namespace {
 
 struct CleanArguments : EditArguments {
-  bool deletes_repeated = true;
-  bool deletes_cancelling = true;
-  bool deletes_fins = true;
+  bool keeps_repeated = false;
+  bool keeps_cancelling = false;
+  bool keeps_fins = false;
   bool deletes_sick = false;
   bool keeps_two = false;
   double small = -1.0;  // below 0: they stay
@@ -31,11 +31,11 @@ class Cleaner {
   }
 
   std::vector<EditResult> clean(const CleanArguments& wanted) {
-    step(wanted.deletes_cancelling, "cancelling triangles", [&] { mesh_.cancelling(1); });
-    step(wanted.deletes_repeated, "repeated triangles", [&] { mesh_.repeating(); });
+    step(!wanted.keeps_cancelling, "cancelling triangles", [&] { mesh_.cancelling(1); });
+    step(!wanted.keeps_repeated, "repeated triangles", [&] { mesh_.repeating(); });
     step(wanted.small >= 0.0, "small triangles", [&] { control_.action_height(wanted.small); });
     step(wanted.thin >= 0.0, "thin triangles", [&] { control_.action_aspect(wanted.thin); });
-    step(wanted.deletes_fins, "triangles of fins", [&] { mesh_.cure_sick_fins(); });
+    step(!wanted.keeps_fins, "triangles of fins", [&] { mesh_.cure_sick_fins(); });
     step(wanted.deletes_sick || wanted.keeps_two, "sick triangles", [&] { control_.action_cure(wanted.deletes_sick ? 0 : 1); });
     return std::move(results_);
   }
@@ -54,16 +54,16 @@ void add_clean_verb(CommandLine& line) {
     return run_edit(session, *arguments, "cleaning", [&](trControl& control) { return Cleaner(control).clean(*arguments); });
   });
   add_edit_arguments(verb, *arguments, true);
-  verb->add_flag("--cancelling,!--no-cancelling", arguments->deletes_cancelling, "Triangles back to back with another, both of them; on");
-  verb->add_flag("--repeated,!--no-repeated", arguments->deletes_repeated, "Copies of a triangle; on");
-  verb->add_flag("--fins,!--no-fins", arguments->deletes_fins, "Loose flaps on edges of more than two triangles; on");
-  verb->add_option("--small", arguments->small, "Triangles of less than this height over their longest edge")
+  verb->add_flag("--keep-cancelling", arguments->keeps_cancelling, "Leave triangles that lie back to back with another");
+  verb->add_flag("--keep-repeated", arguments->keeps_repeated, "Leave copies of triangles");
+  verb->add_flag("--keep-fins", arguments->keeps_fins, "Leave loose flaps on edges of more than two triangles");
+  verb->add_option("--small", arguments->small, "Delete triangles of less than this height over their longest edge too")
       ->check(CLI::Validator(tolerance_problem, ""))
       ->type_name("LENGTH");
-  verb->add_option("--thin", arguments->thin, "Triangles below this ratio of height to longest edge")
+  verb->add_option("--thin", arguments->thin, "Delete triangles below this ratio of height to longest edge too")
       ->check(CLI::Validator(tolerance_problem, ""))
       ->type_name("RATIO");
-  CLI::Option* sick = verb->add_flag("--sick", arguments->deletes_sick, "All triangles on edges that more than two share");
-  verb->add_flag("--sick-but-two", arguments->keeps_two, "Of these, all but the two largest of each edge")->excludes(sick);
+  CLI::Option* sick = verb->add_flag("--sick", arguments->deletes_sick, "Delete all triangles on edges that more than two share too");
+  verb->add_flag("--sick-but-two", arguments->keeps_two, "Of these delete all but the two largest of each edge")->excludes(sick);
   verb->footer("In this order: cancelling, repeated, small, thin, fins, sick. What is deleted may leave holes: see mendex fill.");
 }

@@ -15,8 +15,8 @@ namespace {
 struct MeshState {
   int triangles = 0;
   int nodes = 0;
-  int boundaries = 0;
-  int free_edges = 0;
+  int boundaries = -1;  // -1: not looked for, since in loose triangles they tell nothing
+  int free_edges = -1;
 };
 
 struct EditAccount {
@@ -27,9 +27,12 @@ struct EditAccount {
   std::vector<EditResult> results;
 };
 
-MeshState state_of(Session& session) {
+MeshState state_of(Session& session, const EditArguments& arguments) {
   trCycleArray& cycles = session.control.cycles();
-  MeshState state{session.mesh.valid_elements(), session.mesh.valid_nodes()};
+  MeshState state;
+  state.triangles = session.mesh.valid_elements();
+  state.nodes = session.mesh.valid_nodes();
+  if (arguments.tolerance < 0.0) return state;
   state.boundaries = cycles.num_boundaries();
   state.free_edges = cycles.num_edges();
   Interruption::check();
@@ -42,14 +45,17 @@ std::string text_of(const EditArguments& arguments, const EditAccount& account) 
   text += formatted("  %-12s %12s %12s\n", "", "before", "after");
   row("triangles", account.before.triangles, account.after.triangles);
   row("nodes", account.before.nodes, account.after.nodes);
-  row("boundaries", account.before.boundaries, account.after.boundaries);
-  row("free edges", account.before.free_edges, account.after.free_edges);
+  if (account.before.boundaries >= 0) {
+    row("boundaries", account.before.boundaries, account.after.boundaries);
+    row("free edges", account.before.free_edges, account.after.free_edges);
+  }
   for (const EditResult& result : account.results) text += formatted("  %lld %s\n", result.count, result.what.c_str());
   return text + printable(arguments.output) + ": " + name_of(account.written) + ", written\n";
 }
 
 Json json_of(const MeshState& state) {
-  return {{"elements", state.triangles}, {"nodes", state.nodes}, {"boundaries", state.boundaries}, {"free_edges", state.free_edges}};
+  const auto found = [](int count) { return count < 0 ? Json(nullptr) : Json(count); };
+  return {{"elements", state.triangles}, {"nodes", state.nodes}, {"boundaries", found(state.boundaries)}, {"free_edges", found(state.free_edges)}};
 }
 
 std::string json_of(const Session& session, const EditArguments& arguments, const EditAccount& account) {
@@ -90,14 +96,14 @@ ExitCode run_edit(Session& session, const EditArguments& arguments, const std::s
     Interruption::check();
   }
   session.progress.begin("measuring " + arguments.input);
-  account.before = state_of(session);
+  account.before = state_of(session, arguments);
   session.progress.begin(name + " " + arguments.input);
   session.control.start_undo(utString(name.c_str()));
   account.results = edit(session.control);
   session.control.finish_undo(!Interruption::requested());
   Interruption::check();
   session.progress.begin("measuring " + arguments.input);
-  account.after = state_of(session);
+  account.after = state_of(session, arguments);
   write_mesh(session, {arguments.output, format, false, arguments.input});
   session.progress.erase();
   if (arguments.is_json) {

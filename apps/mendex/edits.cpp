@@ -126,7 +126,7 @@ void add_swap_verb(CommandLine& line) {
   });
   add_edit_arguments(verb, *arguments, true);
   add_limit(verb, "--aspect", arguments->aspect, "RATIO", "Triangles are thin below this ratio of height to longest edge");
-  verb->add_option("--passes", arguments->passes, "Passes at most")->check(CLI::Range(1, 1000000))->capture_default_str();
+  add_count(verb, "--passes", arguments->passes, 1, "Passes at most")->capture_default_str();
 }
 
 void add_renumber_verb(CommandLine& line) {
