@@ -16,6 +16,7 @@ struct Measure {
 
 /// Measures of one module, floors beside the operations that they belong to.
 void add_stl_measures(std::vector<Measure>& list);
+void add_formats_measures(std::vector<Measure>& list);
 void add_merge_measures(std::vector<Measure>& list);
 void add_sick_measures(std::vector<Measure>& list);
 void add_isect_measures(std::vector<Measure>& list);

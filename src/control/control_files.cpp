@@ -1,7 +1,8 @@
 // Reading and writing files: formats by extension, the search for the file that a name means, what is said of it.
 
 #include <cstring>
-#include <string>
+#include <filesystem>
+#include <system_error>
 
 #include "control/control.h"
 #include "formats/tri_read.h"
@@ -24,6 +25,12 @@ struct trControl::FileFormat {
 namespace {
 
 int accept_stl() { return 1; }
+
+// A folder opens like a file on some systems, but there is nothing to read: it would only empty the mesh.
+std::FILE* open_to_read(const utString& name, const char* mode) {
+  std::error_code ignored;
+  return std::filesystem::is_directory(name.c_str(), ignored) ? nullptr : std::fopen(name.c_str(), mode);
+}
 
 }  // namespace
 
@@ -78,16 +85,16 @@ trFileType trControl::recognize_extension(const char* name) {
 std::FILE* trControl::search_reader_file(const utString& name, utString& found, trFileType& type) {
   found = name;
   type = recognize_extension(name.c_str());
-  std::FILE* file = type == tr_unknown_file ? nullptr : std::fopen(name.c_str(), format_table[type].read_mode());
+  std::FILE* file = type == tr_unknown_file ? nullptr : open_to_read(name, format_table[type].read_mode());
   for (int k = 0; file == nullptr && k < tr_unknown_file; ++k) {
     const utString candidate = name + "." + format_table[k].extension;
-    file = std::fopen(candidate.c_str(), format_table[k].read_mode());
+    file = open_to_read(candidate, format_table[k].read_mode());
     if (file == nullptr) continue;
     type = static_cast<trFileType>(k);
     found = candidate;
   }
   if (file != nullptr) return file;
-  file = std::fopen(name.c_str(), format_table[tr_native_file].read_mode());
+  file = open_to_read(name, format_table[tr_native_file].read_mode());
   if (file != nullptr) {
     print_message("File assumed to be in native format.");
     type = tr_native_file;

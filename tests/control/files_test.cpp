@@ -112,6 +112,16 @@ TEST_F(FilesTest, WhatIsNotThereIsSaidAndChangesNothing) {
   EXPECT_EQ(output.take(), "<File 'a.stl<' not found.\n");
 }
 
+// A folder of a model's name is no file: the model next to it is found, and without one the mesh stays.
+TEST_F(FilesTest, FoldersAreNoFiles) {
+  fs::create_directory("a.stl");
+  EXPECT_EQ(host.action_read(utString("a.stl")), tr_unknown_file);
+  EXPECT_EQ(output.take(), "File 'a.stl' not found.\n");
+  EXPECT_TRUE(host.updates.empty());
+  write_native("a.stl.mnx", 2);
+  EXPECT_EQ(host.action_read(utString("a.stl")), tr_native_file);
+}
+
 // Reading starts a new history and obeys the range; appending does neither.
 TEST_F(FilesTest, ReadingReplacesAndAppendingAdds) {
   write_stl("six.stl", 6);

@@ -46,7 +46,8 @@ bool on_one_line(const std::vector<giPoint2>& points) {
   const giPoint2& farthest = *std::max_element(points.begin(), points.end(), [&](const giPoint2& a, const giPoint2& b) {
     return distance(first, a) < distance(first, b);
   });
-  return std::all_of(points.begin(), points.end(), [&](const giPoint2& p) { return orientation(first, farthest, p) == 0.0; });
+  return std::all_of(points.begin(), points.end(),
+                     [&](const giPoint2& p) { return orientation(first, farthest, p) == 0.0; });
 }
 
 giBox2 box_of(const std::vector<giPoint2>& points) {
@@ -58,7 +59,8 @@ giBox2 box_of(const std::vector<giPoint2>& points) {
 PlanarMesh mesh_over(const std::vector<giPoint2>& points) {
   const giBox2 box = box_of(points);
   const double margin = std::max(box.max().x - box.min().x, box.max().y - box.min().y);
-  return PlanarMesh(giPoint2(box.min().x - margin, box.min().y - margin), giPoint2(box.max().x + margin, box.max().y + margin));
+  return PlanarMesh(giPoint2(box.min().x - margin, box.min().y - margin),
+                    giPoint2(box.max().x + margin, box.max().y + margin));
 }
 
 }  // namespace
@@ -71,7 +73,8 @@ at2PlaneError at2Plane::Work::insert_boundary(WorkMeter& meter) {
   for (const int i : insertion_order(points)) {
     if (!meter.step()) return at2_interrupted;
     const PlanarMesh::Place place = mesh->locate(points[at(i)], near);
-    if (place.kind == PlanarMesh::PlaceKind::on_node || place.kind == PlanarMesh::PlaceKind::outside) return at2_coincident_nodes;
+    if (place.kind == PlanarMesh::PlaceKind::on_node || place.kind == PlanarMesh::PlaceKind::outside)
+      return at2_coincident_nodes;
     mesh_nodes[at(i)] = mesh->insert(points[at(i)], place);
     near = PlanarMesh::triangle(place.half);
   }
@@ -82,9 +85,12 @@ at2PlaneError at2Plane::Work::fix_boundary(WorkMeter& meter) {
   for (std::size_t i = 0; i < points.size(); ++i) {
     if (!meter.step()) return at2_interrupted;
     switch (mesh->fix_edge(mesh_nodes[i], mesh_nodes[at(next[i])])) {
-      case PlanarMesh::EdgeResult::touches: return at2_touching_loops;
-      case PlanarMesh::EdgeResult::crosses: return at2_crossing_loops;
-      case PlanarMesh::EdgeResult::fixed: break;
+      case PlanarMesh::EdgeResult::touches:
+        return at2_touching_loops;
+      case PlanarMesh::EdgeResult::crosses:
+        return at2_crossing_loops;
+      case PlanarMesh::EdgeResult::fixed:
+        break;
     }
   }
   return mesh->mark_regions() ? at2_success : at2_wrong_direction;
@@ -94,7 +100,8 @@ double at2Plane::Work::area() const {
   double doubled = 0.0;
   for (int t = 0; t < mesh->triangle_count(); ++t) {
     if (mesh->region(t) != PlanarMesh::Region::inside) continue;
-    doubled += orientation(mesh->point(mesh->start(3 * t)), mesh->point(mesh->start(3 * t + 1)), mesh->point(mesh->start(3 * t + 2)));
+    doubled += orientation(mesh->point(mesh->start(3 * t)), mesh->point(mesh->start(3 * t + 1)),
+                           mesh->point(mesh->start(3 * t + 2)));
   }
   return 0.5 * doubled;
 }
@@ -116,9 +123,11 @@ at2PlaneError at2Plane::Work::insert_interior(double spacing, double grading, Wo
   return error;
 }
 
-// --- the class --------------------------------------------------------------------------------------------------------------------
+// --- the class
+// --------------------------------------------------------------------------------------------------------------------
 
-at2Plane::at2Plane(const giBox2& box, double spacing, double grading) : box_(box), spacing_(spacing), grading_(grading) {}
+at2Plane::at2Plane(const giBox2& box, double spacing, double grading)
+    : box_(box), spacing_(spacing), grading_(grading) {}
 at2Plane::~at2Plane() = default;
 
 void at2Plane::set_box(const giBox2& box) {
@@ -160,7 +169,8 @@ at2PlaneError at2Plane::read_nodes(Work& work) {
   if (!finite) return at2_not_finite;
   if (!contained) return at2_outside_box;
   std::frexp(largest, &work.exponent);
-  for (giPoint2& p : work.points) p = snapped(giPoint2(std::ldexp(p.x, -work.exponent), std::ldexp(p.y, -work.exponent)));
+  for (giPoint2& p : work.points)
+    p = snapped(giPoint2(std::ldexp(p.x, -work.exponent), std::ldexp(p.y, -work.exponent)));
   return on_one_line(work.points) ? at2_zero_area : at2_success;
 }
 
@@ -181,7 +191,8 @@ at2PlaneError at2Plane::generate_interior_nodes(void* data) try {
   WorkMeter meter = start_operation("Generating Interior Nodes", data);
   at2PlaneError error = prepare(meter);
   if (error == at2_success) {
-    error = work_->insert_interior(std::ldexp(spacing_, -work_->exponent), std::ldexp(grading_, -work_->exponent), meter);
+    error =
+        work_->insert_interior(std::ldexp(spacing_, -work_->exponent), std::ldexp(grading_, -work_->exponent), meter);
   }
   if (error != at2_success) work_.reset();
   return error;
@@ -232,6 +243,7 @@ void at2Plane::make_triangles(WorkMeter& meter, const std::vector<int>& numbers)
   for (int t = 0; t < mesh.triangle_count(); ++t) {
     meter.step();
     if (mesh.region(t) != PlanarMesh::Region::inside) continue;
-    make_triangle(numbers[at(mesh.start(3 * t))], numbers[at(mesh.start(3 * t + 1))], numbers[at(mesh.start(3 * t + 2))]);
+    make_triangle(numbers[at(mesh.start(3 * t))], numbers[at(mesh.start(3 * t + 1))],
+                  numbers[at(mesh.start(3 * t + 2))]);
   }
 }
