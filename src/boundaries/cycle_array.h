@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <vector>
 
 #include "boundaries/cycle.h"
 #include "platform/geometry/length.h"
@@ -136,6 +137,7 @@ class MENDEX_EXPORT trCycleArray {
   static std::int64_t geometry_revision(const trTriBlock& of) { return of.geometry_revision_; }
   void detect_again();
   bool walk_free_edges();
+  int fill_hole(trCycle& cycle, std::vector<int>& nodes, int curvature);
   void select_cycle(int id, double& average_length, const int (&single_picks)[3], const intcoSet& picks);
 
   static std::int64_t resets_;        // of all sets so far

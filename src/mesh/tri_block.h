@@ -240,7 +240,9 @@ class MENDEX_EXPORT trTriBlock : public trMeshArrays {
   /// The same for one node; what `exclude` names is left out.
   int get_surrounding_nodes(int node, intcoPageArr& out, const intcoPageArr* exclude) const;
   /// Makes rows of nodes on the lines from a0 to a1 and from b0 to b1, at about max_length on the longer, and unless `nodes_only` a
-  /// ladder of triangles between them. The lists receive the new nodes. At most 10^6 segments.
+  /// ladder of triangles between them. The lists receive the new nodes. At most 10^6 segments; one, without new nodes, where max_length
+  /// is not above 0.
+  /// @return 1; 0 when a number is none of the block's, and then nothing was made
   int create_hole_subdivision(int a0, int a1, int b0, int b1, double max_length, intcoPageArr& a_nodes, intcoPageArr& b_nodes,
                               const giVector3& direction, int nodes_only) const;
   void free_surface() { surface.reset(); }
