@@ -124,6 +124,10 @@ std::vector<GoalLine> judge_goals(const RunFacts& facts) {
   for (const char* edit : {"reverse", "delete_all", "transform", "renumber"}) {
     judge.ratio(std::string(edit) + "_journalled", edit, 1.6);
   }
+  for (const auto& [nodes, limit] : {std::pair<std::size_t, double>{100'000, 1.0}, {1'000'000, 12.0}}) {
+    judge.at_most("seconds, cap_round of " + std::to_string(nodes) + " nodes", limit,
+                  facts.results.seconds("cap_round", nodes, FacetOrder::ordered));
+  }
   judge.growth(1.15);
   if (facts.memory) {
     judge.at_most("bytes a triangle, after reading", 220.0, facts.memory->after_reading);

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "boundaries/cycle_array.h"
 #include "support/block_snapshot.h"
 #include "support/captured_output.h"
 #include "support/edit_script.h"
@@ -53,9 +54,19 @@ class UndoWalk : public testing::TestWithParam<ScriptSetting> {
       const char* const edit = script_->step();
       if (edit != nullptr) ++done_[edit];
     }
+    if (script_->random.one_in(3)) cap_one();
     if (!history_->finish()) return;
     states_.resize(static_cast<std::size_t>(history_->current()) + 1, states_.front());
     states_.emplace_back(script_->block);
+  }
+
+  // Not in a block with attributes: the nodes of a cap drop them for good.
+  void cap_one() {
+    if (script_->block.node_data_size() != 0) return;
+    trCycleArray set(&script_->block);
+    at2PlaneError error = at2_success;
+    if (set.num_boundaries() == 0) return;
+    capped_ += set.cap_hole(0, script_->random.below(set.cycles.count()), script_->random.between(0.3, 3.0), 0, error);
   }
 
   void walk() {
@@ -91,6 +102,7 @@ class UndoWalk : public testing::TestWithParam<ScriptSetting> {
   std::unique_ptr<trUndoHist> history_;
   std::vector<BlockSnapshot> states_;
   std::map<std::string, int> done_;
+  int capped_ = 0;
   int undone_ = 0;
   int redone_ = 0;
 };
@@ -110,6 +122,7 @@ TEST_P(UndoWalk, RestoresEveryState) {
   }
   EXPECT_EQ(static_cast<int>(done_.size()), EditScript::edit_count());
   for (const auto& [edit, times] : done_) EXPECT_GE(times, 20) << edit;
+  EXPECT_GE(capped_, GetParam().attributes ? 0 : 20);
   EXPECT_GE(undone_, 400);
   EXPECT_GE(redone_, 200);
 }
