@@ -27,9 +27,9 @@ enum at2PlaneError {
   at2_crossing_loops = 11,   ///< two edges cross
   at2_wrong_direction = 12,  ///< the inside is not on the left of every edge: an outer loop runs clockwise, say, or a
                              ///< hole counter-clockwise
-  at2_too_many_nodes = 13,  ///< the spacing asks for more than 10^7 interior nodes
-  at2_no_memory = 14,       ///< memory ran out while working
-  at2_node_refused = 15     ///< `make_node` returned a negative number; the nodes made before it stay
+  at2_too_many_nodes = 13,   ///< the spacing asks for more than 10^7 interior nodes
+  at2_no_memory = 14,        ///< memory ran out while working
+  at2_node_refused = 15      ///< `make_node` returned a negative number; the nodes made before it stay
 };
 
 /// Fills the area between directed loops of edges with triangles and, if wanted, interior nodes at about a spacing.

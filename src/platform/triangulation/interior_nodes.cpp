@@ -128,7 +128,7 @@ bool insert_grid_points(PlanarMesh& mesh, const SpacingField& field, const std::
   }
   mesh.reserve(mesh.node_count() + static_cast<int>(chosen.size() + chosen.size() / 4));
   int near = 0;
-  for (const int i : insertion_order(chosen)) {
+  for (const int i : insertion_order(chosen).order) {
     if (!meter.step()) return false;
     const giPoint2& p = chosen[static_cast<std::size_t>(i)];
     const PlanarMesh::Place place = mesh.locate(p, near);

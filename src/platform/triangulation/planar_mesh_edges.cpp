@@ -28,10 +28,9 @@ PlanarMesh::EdgeResult PlanarMesh::fix_edge(int a, int b) {
   if (!fill_side(cavity, cavity.right, b, to_a) || !fill_side(cavity, cavity.left, a, to_b)) return EdgeResult::crosses;
   link_chains(cavity);
   join(to_a, to_b);
+  result = fix_existing(to_b);  // before any turn, which could take the edge away again
   turn_pending();
-  for (int half = leaving(a);; half = next_leaving(half)) {
-    if (end(half) == b) return fix_existing(half);
-  }
+  return result;
 }
 
 PlanarMesh::EdgeResult PlanarMesh::fix_existing(int half) {
