@@ -52,7 +52,7 @@ std::map<int, int> puncture_flat(trTriBlock& block, Random& random) {
   for (int tries = 0; tries < 4000; ++tries) {
     std::vector<int> chosen = {random.between(1, block.element_count() - 1)};
     const int centre = block.element(chosen[0])[random.below(3)];
-    const int size = tries < 500 ? 2 : random.below(2);  // stars while there is room, then pairs and triangles
+    const int size = tries < 100 ? 2 : random.below(2);  // stars while there is room, then pairs and triangles
     const std::vector<int> around = entries(block.node(centre).elements);
     if (size == 2) chosen = around;
     for (int e : around) {
