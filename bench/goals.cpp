@@ -118,6 +118,7 @@ std::vector<GoalLine> judge_goals(const RunFacts& facts) {
   judge.ratio("detect_cycles", "flat_parse", 1.0);
   judge.ratio("detect_cycles_unbuilt", "build_edges", 1.5);
   judge.ratio("detect_cycles_soup", "flat_parse", 20.0);
+  judge.ratio("fill_1000_holes", "flat_parse", 1.0);
   judge.ratio("undo_merge", "flat_parse", 8.0);
   judge.ratio("redo_merge", "flat_parse", 8.0);
   judge.ratio("merge_journalled", "unduplicate_exact", 1.6);

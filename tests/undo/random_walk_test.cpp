@@ -3,10 +3,10 @@
 
 #include <gtest/gtest.h>
 
-#include "boundaries/cycle_array.h"
 #include "support/block_snapshot.h"
 #include "support/captured_output.h"
 #include "support/edit_script.h"
+#include "undo/boundary_edits.h"
 #include "undo/undo_hist.h"
 
 namespace {
@@ -42,6 +42,7 @@ class UndoWalk : public testing::TestWithParam<ScriptSetting> {
   void begin(std::uint64_t seed) {
     history_.reset();
     script_ = std::make_unique<EditScript>(GetParam(), seed);
+    script_->add_edits(boundary_edits());
     history_ = std::make_unique<trUndoHist>(&script_->block);
     states_.assign(1, BlockSnapshot(script_->block));
   }
@@ -54,19 +55,9 @@ class UndoWalk : public testing::TestWithParam<ScriptSetting> {
       const char* const edit = script_->step();
       if (edit != nullptr) ++done_[edit];
     }
-    if (script_->random.one_in(3)) cap_one();
     if (!history_->finish()) return;
     states_.resize(static_cast<std::size_t>(history_->current()) + 1, states_.front());
     states_.emplace_back(script_->block);
-  }
-
-  // Not in a block with attributes: the nodes of a cap drop them for good.
-  void cap_one() {
-    if (script_->block.node_data_size() != 0) return;
-    trCycleArray set(&script_->block);
-    at2PlaneError error = at2_success;
-    if (set.num_boundaries() == 0) return;
-    capped_ += set.cap_hole(0, script_->random.below(set.cycles.count()), script_->random.between(0.3, 3.0), 0, error);
   }
 
   void walk() {
@@ -102,7 +93,6 @@ class UndoWalk : public testing::TestWithParam<ScriptSetting> {
   std::unique_ptr<trUndoHist> history_;
   std::vector<BlockSnapshot> states_;
   std::map<std::string, int> done_;
-  int capped_ = 0;
   int undone_ = 0;
   int redone_ = 0;
 };
@@ -120,9 +110,8 @@ TEST_P(UndoWalk, RestoresEveryState) {
     }
     ASSERT_FALSE(HasFailure()) << "script " << seed;
   }
-  EXPECT_EQ(static_cast<int>(done_.size()), EditScript::edit_count());
+  EXPECT_EQ(done_.size(), static_cast<std::size_t>(EditScript::edit_count()) + boundary_edits().size());
   for (const auto& [edit, times] : done_) EXPECT_GE(times, 20) << edit;
-  EXPECT_GE(capped_, GetParam().attributes ? 0 : 20);
   EXPECT_GE(undone_, 400);
   EXPECT_GE(redone_, 200);
 }
