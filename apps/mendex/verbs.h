@@ -1,58 +1,17 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
-#include "failure.h"
-#include "mesh_check.h"
-#include "report.h"
-#include "session.h"
+#include "mesh_format.h"
 
-struct InfoOptions {
-  std::vector<std::string> files;
-  bool is_json = false;
-};
+class CommandLine;
 
-struct CheckOptions {
-  std::vector<std::string> files;
-  CheckLimits limits;
-  bool is_json = false;
-};
-
-struct WeldOptions {
-  std::string input;
-  std::string output;
-  double tolerance = exact_copies;
-  bool is_positive = false;
-  bool is_json = false;
-};
-
-struct ConvertOptions {
-  std::string input;
-  std::string output;
-  std::vector<std::string> appended;  // further files, added to the mesh one after the other
-  bool is_renumbered = false;
-  bool keeps_attributes = false;
-  bool is_smooth = true;
-  bool is_positive = false;
-  int first_facet = 1;
-  int last_facet = 0;
-};
-
-/// `mendex info`: statistics and mass properties of each file. A file that fails is reported and the others go on.
-ExitCode run_info(Session& session, const InfoOptions& options);
-
-/// `mendex check`: what is wrong with each file. A file that fails is reported and the others go on.
-ExitCode run_check(Session& session, const CheckOptions& options);
-
-/// `mendex weld`: read, merge, drop what collapses, write.
-ExitCode run_weld(Session& session, const WeldOptions& options);
-
-/// `mendex convert`: read and write in the format that the output's name asks for.
-ExitCode run_convert(Session& session, const ConvertOptions& options);
-
-/// `mendex formats`: what can be read and written.
-ExitCode run_formats();
+// Each adds a verb of the program to its command line.
+void add_info_verb(CommandLine& line);     // statistics and mass properties
+void add_check_verb(CommandLine& line);    // what is wrong
+void add_weld_verb(CommandLine& line);     // read, merge, drop what collapses, write
+void add_convert_verb(CommandLine& line);  // read and write in the format that the output's name asks for
+void add_formats_verb(CommandLine& line);  // what can be read and written
 
 /// The format that an output's name asks for; throws, naming what can be written, when there is none.
 MeshFormat output_format(const std::string& path);

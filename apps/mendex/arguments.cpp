@@ -1,0 +1,45 @@
+#include "arguments.h"
+
+#include <mendexlib.h>
+
+#include <charconv>
+#include <cmath>
+
+std::string tolerance_problem(const std::string& text) {
+  const std::optional<std::vector<double>> numbers = numbers_in(text);
+  return numbers && numbers->size() == 1 && numbers->front() >= 0.0 ? "" : "'" + text + "' is not a number from 0 up";
+}
+
+std::optional<std::vector<double>> numbers_in(const std::string& text) {
+  std::vector<double> numbers;
+  const char* at = text.data();
+  const char* const end = at + text.size();
+  while (true) {
+    double value = 0.0;
+    const std::from_chars_result result = std::from_chars(at, end, value);
+    if (result.ec != std::errc() || !std::isfinite(value)) return std::nullopt;
+    numbers.push_back(value);
+    if (result.ptr == end) return numbers;
+    if (*result.ptr != ',') return std::nullopt;
+    at = result.ptr + 1;
+  }
+}
+
+std::string direction_problem(const std::string& text) {
+  const std::optional<std::vector<double>> numbers = numbers_in(text);
+  const bool is_direction = numbers && numbers->size() == 3 &&
+                            giVector3((*numbers)[0], (*numbers)[1], (*numbers)[2]).length() > 0.0;
+  return is_direction ? "" : "'" + text + "' is not a direction such as 0,0,1";
+}
+
+void add_limit(CLI::App* verb, const char* name, double& limit, const char* unit, const char* text) {
+  verb->add_option(name, limit, text)->check(CLI::Validator(tolerance_problem, ""))->type_name(unit)->capture_default_str();
+}
+
+void add_input(CLI::App* verb, std::string& path) {
+  verb->add_option("IN", path, "File to read")->required()->type_name("PATH");
+}
+
+void add_output(CLI::App* verb, std::string& path) {
+  verb->add_option("-o,--output", path, "File to write, in the format of its name; it may be IN itself")->required()->type_name("PATH");
+}
