@@ -152,7 +152,7 @@ std::string spacing_fault(const PlaneArea& area) {
     if (nearest < 0.499999L * locals.back()) return "a node is nearer to the boundary than half the local spacing";
     for (std::size_t j = 0; j + 1 < locals.size(); ++j) {
       const Real apart = distance(area.points[area.boundary_count() + j], p);
-      if (apart < 0.2L * std::min(locals[j], locals.back())) return "two nodes are much nearer than the local spacing";
+      if (apart < 0.3L * std::min(locals[j], locals.back())) return "two nodes are much nearer than the local spacing";
     }
   }
   return "";

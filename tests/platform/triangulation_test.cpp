@@ -120,7 +120,7 @@ TEST(Triangulation, InteriorNodesKeepTheSpacingInRandomAreas) {
   Random random(2);
   std::size_t nodes = 0;
   for (int round = 0; round < 300; ++round) {
-    const double spacing = random.between(12.0, 100.0);
+    const double spacing = random.between(6.0, 80.0);
     PlaneArea area(spacing, spacing * random.between(0.1, 10.0));
     RandomArea(random).give(area);
     ASSERT_EQ(area.run(), at2_success) << round;
