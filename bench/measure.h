@@ -21,6 +21,7 @@ void add_merge_measures(std::vector<Measure>& list);
 void add_sick_measures(std::vector<Measure>& list);
 void add_isect_measures(std::vector<Measure>& list);
 void add_topology_measures(std::vector<Measure>& list);
+void add_triangulation_measures(std::vector<Measure>& list);
 void add_cycles_measures(std::vector<Measure>& list);
 void add_undo_measures(std::vector<Measure>& list);
 void add_shapes_measures(std::vector<Measure>& list);
