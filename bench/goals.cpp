@@ -129,8 +129,6 @@ std::vector<GoalLine> judge_goals(const RunFacts& facts) {
     judge.at_most("seconds, cap_round of " + std::to_string(nodes) + " nodes", limit,
                   facts.results.seconds("cap_round", nodes, FacetOrder::ordered));
   }
-  judge.ratio("cap_round_hole", "flat_parse", FacetOrder::ordered, 440.0);  // 12 s for 10^6 nodes
-  judge.ratio("cap_long_rim", "flat_parse", FacetOrder::ordered, 40.0);
   judge.growth(1.15);
   if (facts.memory) {
     judge.at_most("bytes a triangle, after reading", 220.0, facts.memory->after_reading);
