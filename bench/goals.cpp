@@ -129,6 +129,8 @@ std::vector<GoalLine> judge_goals(const RunFacts& facts) {
     judge.at_most("seconds, cap_round of " + std::to_string(nodes) + " nodes", limit,
                   facts.results.seconds("cap_round", nodes, FacetOrder::ordered));
   }
+  judge.at_most("fit_surface, 10^4 points, seconds", 1.0,
+                facts.results.seconds("fit_surface", 10'000, FacetOrder::ordered));
   judge.growth(1.15);
   if (facts.memory) {
     judge.at_most("bytes a triangle, after reading", 220.0, facts.memory->after_reading);
