@@ -122,12 +122,19 @@ std::vector<GoalLine> judge_goals(const RunFacts& facts) {
   for (const char* measure : {"merge_boundary_soup", "superstitch_soup", "stitch_soup"}) {
     judge.ratio(measure, "unduplicate_1e-6_edge", 100.0);
   }
+  judge.ratio("fill_1000_holes", "flat_parse", 1.0);
   judge.ratio("undo_merge", "flat_parse", 8.0);
   judge.ratio("redo_merge", "flat_parse", 8.0);
   judge.ratio("merge_journalled", "unduplicate_exact", 1.6);
   for (const char* edit : {"reverse", "delete_all", "transform", "renumber"}) {
     judge.ratio(std::string(edit) + "_journalled", edit, 1.6);
   }
+  for (const auto& [nodes, limit] : {std::pair<std::size_t, double>{100'000, 1.0}, {1'000'000, 12.0}}) {
+    judge.at_most("seconds, cap_round of " + std::to_string(nodes) + " nodes", limit,
+                  facts.results.seconds("cap_round", nodes, FacetOrder::ordered));
+  }
+  judge.ratio("cap_round_hole", "flat_parse", FacetOrder::ordered, 440.0);  // 12 s for 10^6 nodes
+  judge.ratio("cap_long_rim", "flat_parse", FacetOrder::ordered, 40.0);
   judge.growth(1.15);
   if (facts.memory) {
     judge.at_most("bytes a triangle, after reading", 220.0, facts.memory->after_reading);

@@ -121,9 +121,12 @@ std::vector<Measure> all_measures() {
   add_topology_measures(list);
   add_cycles_measures(list);
   add_stitch_measures(list);
+  add_cap_measures(list);
+  add_fill_measures(list);
   add_isect_measures(list);
   add_shapes_measures(list);
   add_sick_measures(list);
+  add_triangulation_measures(list);
   add_undo_measures(list);
   return list;
 }

@@ -238,6 +238,7 @@ class MENDEX_EXPORT trControl {
   std::FILE* search_reader_file(const utString& name, utString& found, trFileType& type);
   void delete_listed(trElementList& list);
   void append_mesh(coFeaturePool& pool);
+  void select_failed(const intcoSet& failed);
 
   trTriBlock triblock_;
   trCycleArray cycles_;
