@@ -244,9 +244,9 @@ TEST(SurfFitter, RefusesWhatFixesNoSurfaceAndLeavesTheOldOne) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
   const double inf = std::numeric_limits<double>::infinity();
   Random random(3);
-  const HolePoints scattered = hole_points(on_plane, edges, [&random](const giPoint3& p) {
-    return giPoint3(p.x, p.y, p.z + random.between(-0.2, 0.2));
-  });
+  const auto scattered = [&random](double height) {
+    return hole_points(on_plane, edges, [&](const giPoint3& p) { return giPoint3(p.x, p.y, p.z + random.between(-height, height)); });
+  };
   const HolePoints line = hole_points(on_plane, edges, [](const giPoint3& p) { return giPoint3(p.x, 2.0 * p.x, -p.x); });
   const HolePoints spot = hole_points(on_plane, edges, [](const giPoint3&) { return giPoint3(1.0, 2.0, 3.0); });
   const HolePoints box_top = {{{-1, -1, -2}, {1, -1, -2}, {1, 1, -2}, {-1, 1, -2}}, {{-1, -1, 0}, {1, -1, 0}, {1, 1, 0}, {-1, 1, 0}}};
@@ -262,7 +262,8 @@ TEST(SurfFitter, RefusesWhatFixesNoSurfaceAndLeavesTheOldOne) {
                {"not a number", changed(7, giPoint3(0.1, nan, 0.2)), gcmSurfFitter::not_finite},
                {"infinite", changed(0, giPoint3(0.1, 0.0, -inf)), gcmSurfFitter::not_finite},
                {"extent out of range", HolePoints{{}, {{-1.7e308, 0, 0}, {1.7e308, 0, 0}, {0, 1.7e308, 0}}}, gcmSurfFitter::not_finite},
-               {"scatter", scattered, gcmSurfFitter::bad_fit}};
+               {"a steep scatter", scattered(0.2), gcmSurfFitter::no_height_field},
+               {"scatter", scattered(0.08), gcmSurfFitter::bad_fit}};
   for (const auto& c : cases) {
     const zrkSurfPtr old = std::make_shared<zrkNurbSurf>(zrkNurbSurf::Frame(), std::vector<double>(16));
     zrkSurfPtr surface = old;
