@@ -44,11 +44,23 @@ bool cap(EditScript& script) {
   return script.block.element_count() > before;
 }
 
+// Scripts place nodes on a coarse grid, so that these tolerances find nodes on edges, near them, and on each other.
+using Pass = int (trCycleArray::*)(double);
+template <Pass pass>
+bool join(EditScript& script) {
+  if (!allows_boundary_edits(script)) return false;
+  trCycleArray set(&script.block);
+  return (set.*pass)(script.random.between(0.01, 0.6)) != 0;
+}
+
 }  // namespace
 
 std::vector<EditScript::ForeignEdit> boundary_edits() {
   return {
       {"cap", cap},
       {"fill", fill},
+      {"stitch", join<&trCycleArray::stitch>},
+      {"superstitch", join<&trCycleArray::superstitch>},
+      {"unduplicate_boundaries", join<&trCycleArray::unduplicate_nodes>},
   };
 }
