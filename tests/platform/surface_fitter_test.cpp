@@ -98,6 +98,7 @@ struct CapErrors {
   double flat = 0.0;
   double closest = 0.0;
   double projected = 0.0;
+  int cells = 0;
 };
 
 // The flat cap's points inside the hole, against the same moved onto the fitted surface.
@@ -112,17 +113,30 @@ CapErrors cap_errors(const KnownSurface& known, const Placing& placing, const zr
     last = &next;
   }
   normal.make_unit();
+  const double side = (known.point(0.1, 0.0) - known.point(0.0, 0.0)).cross(known.point(0.0, 0.1) - known.point(0.0, 0.0)).dot(normal);
   const giVector3 direction = placing.frame.to_world(normal);
   CapErrors errors;
+  std::vector<giPoint3> moved(400);
+  const auto inside = [](double a, double b) { return a * a + b * b <= 0.9; };
   for (int k = 0; k < 400; ++k) {
     const double a = -0.95 + 0.1 * (k % 20);
     const double b = -0.95 + 0.1 * (k / 20);
-    if (a * a + b * b > 0.9) continue;
+    if (!inside(a, b)) continue;
     const giPoint3 truth = known.point(a, b);
     const giPoint3 flat = truth - normal * normal.dot(truth - centre);
     giPoint3 closest, projected;
     EXPECT_EQ(0, fitted.closest_point(placing.there(flat), closest));
     EXPECT_EQ(0, fitted.project(placing.there(flat), direction, projected));
+    moved[static_cast<std::size_t>(k)] = placing.back(closest);
+    // The two triangles of the cell that ends here keep their side: the parameters turn the same way everywhere.
+    if (k % 20 > 0 && k > 20 && inside(a - 0.1, b) && inside(a, b - 0.1) && inside(a - 0.1, b - 0.1)) {
+      const auto corner = [&](int left, int down) { return moved[static_cast<std::size_t>(k - left - 20 * down)]; };
+      const double first = (corner(0, 1) - corner(1, 1)).cross(corner(0, 0) - corner(1, 1)).dot(normal);
+      const double second = (corner(0, 0) - corner(1, 1)).cross(corner(1, 0) - corner(1, 1)).dot(normal);
+      EXPECT_GT(first * side, 0.0);
+      EXPECT_GT(second * side, 0.0);
+      ++errors.cells;
+    }
     errors.flat = std::max(errors.flat, std::fabs(known.distance(flat)));
     errors.closest = std::max(errors.closest, std::fabs(known.distance(placing.back(closest))));
     errors.projected = std::max(errors.projected, std::fabs(known.distance(placing.back(projected))));
@@ -147,6 +161,7 @@ TEST_P(KnownHoles, AreFilledWithTheSameSurfaceInAnyUnitAndPlace) {
     ASSERT_EQ(gcmSurfFitter::success, fit(points, fitted));
     const CapErrors errors = cap_errors(GetParam(), placing, *fitted);
     EXPECT_GT(errors.flat, 0.05);
+    EXPECT_GT(errors.cells, 200);
     EXPECT_LT(errors.closest, 0.02 * errors.flat);
     EXPECT_LT(errors.projected, 0.02 * errors.flat);
   }
@@ -178,6 +193,16 @@ TEST(SurfFitter, FillsASlot) {
     ASSERT_EQ(0, fitted->closest_point(truth, q));
     EXPECT_LT(q.distance(truth), 2e-3 * half_angle) << a;
   }
+}
+
+// Long triangles: most of the ring is tens of holes away along the cylinder.
+TEST(SurfFitter, FillsASmallHoleAmongLongTriangles) {
+  HolePoints points = hole_points(on_cylinder, edges);
+  for (giPoint3& p : points.ring) p.y *= 100.0;
+  zrkSurfPtr fitted;
+  ASSERT_EQ(0, fit(points, fitted));
+  const CapErrors errors = cap_errors(known_surfaces[1], {}, *fitted);
+  EXPECT_LT(errors.closest, 0.05 * errors.flat);
 }
 
 // Scatter of 5 % of an edge: a surface through every point would leave the rim at angles of many degrees and bulge by half of the
@@ -234,6 +259,14 @@ TEST(SurfFitter, TakesRingsUpToEightyDegreesFromThePlane) {
   }
 }
 
+// The top of a long pipe: the rest of the ring is far away, and still tells that there is no height field.
+TEST(SurfFitter, RefusesTheTopOfALongPipe) {
+  HolePoints points = skirt(edges, 90.0);
+  for (giPoint3& p : points.ring) p.z = -50.0;
+  zrkSurfPtr fitted;
+  EXPECT_EQ(gcmSurfFitter::no_height_field, fit(points, fitted));
+}
+
 HolePoints changed(std::size_t index, const giPoint3& p) {
   HolePoints points = hole_points(on_sphere, edges);
   points.boundary[index] = p;
@@ -244,9 +277,9 @@ TEST(SurfFitter, RefusesWhatFixesNoSurfaceAndLeavesTheOldOne) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
   const double inf = std::numeric_limits<double>::infinity();
   Random random(3);
-  const auto scattered = [&random](double height) {
-    return hole_points(on_plane, edges, [&](const giPoint3& p) { return giPoint3(p.x, p.y, p.z + random.between(-height, height)); });
-  };
+  const HolePoints scattered = hole_points(on_plane, edges, [&random](const giPoint3& p) {
+    return giPoint3(p.x, p.y, p.z + random.between(-0.2, 0.2));
+  });
   const HolePoints line = hole_points(on_plane, edges, [](const giPoint3& p) { return giPoint3(p.x, 2.0 * p.x, -p.x); });
   const HolePoints spot = hole_points(on_plane, edges, [](const giPoint3&) { return giPoint3(1.0, 2.0, 3.0); });
   const HolePoints box_top = {{{-1, -1, -2}, {1, -1, -2}, {1, 1, -2}, {-1, 1, -2}}, {{-1, -1, 0}, {1, -1, 0}, {1, 1, 0}, {-1, 1, 0}}};
@@ -262,7 +295,7 @@ TEST(SurfFitter, RefusesWhatFixesNoSurfaceAndLeavesTheOldOne) {
                {"not a number", changed(7, giPoint3(0.1, nan, 0.2)), gcmSurfFitter::not_finite},
                {"infinite", changed(0, giPoint3(0.1, 0.0, -inf)), gcmSurfFitter::not_finite},
                {"extent out of range", HolePoints{{}, {{-1.7e308, 0, 0}, {1.7e308, 0, 0}, {0, 1.7e308, 0}}}, gcmSurfFitter::not_finite},
-               {"a steep scatter", scattered(0.2), gcmSurfFitter::no_height_field}};
+               {"scatter", scattered, gcmSurfFitter::bad_fit}};
   for (const auto& c : cases) {
     const zrkSurfPtr old = std::make_shared<zrkNurbSurf>(zrkNurbSurf::Frame(), std::vector<double>(16));
     zrkSurfPtr surface = old;
@@ -299,6 +332,25 @@ TEST(SurfFitter, GivesUpWhenToldTo) {
   ImpatientFitter patient(1000);
   EXPECT_EQ(0, fit(points, surface, std::move(patient)));
   EXPECT_GT(patient.last_percent, 0);
+}
+
+TEST(SurfFitter, EndsOnHostilePoints) {
+  HolePoints line, heap, spike = hole_points(on_sphere, edges);
+  for (int k = 0; k < 50'000; ++k) {
+    line.boundary.push_back(giPoint3(k, 2.0 * k, 3.0 * k));
+    line.ring.push_back(giPoint3(-k, -2.0 * k, -3.0 * k));
+    heap.boundary.push_back(giPoint3(k % 7, k % 3, k % 2));
+    heap.ring.push_back(heap.boundary.back());
+  }
+  zrkSurfPtr surface;
+  EXPECT_EQ(gcmSurfFitter::too_few_points, fit(line, surface));
+  line.ring[7].y += 1e4;
+  EXPECT_EQ(gcmSurfFitter::success, fit(line, surface));  // a point beside the line: the plane of both
+  surface.reset();
+  EXPECT_NE(gcmSurfFitter::success, fit(heap, surface));
+  spike.boundary[3].z = 1e9;
+  EXPECT_NE(gcmSurfFitter::success, fit(spike, surface));
+  EXPECT_EQ(nullptr, surface);
 }
 
 // Anything at all in, no crash and no surface that is not finite out.

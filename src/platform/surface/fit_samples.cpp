@@ -11,8 +11,8 @@ namespace {
 constexpr int least_places = 6;          // a quadratic surface has six free numbers
 constexpr double same_place = 1e-6;      // of the extent: places nearer than this count once
 constexpr double line_width = 1e-6;      // of the length: a narrower set is a line
-constexpr int most_probes = 256;         // points that are compared with all others, which bounds the work by their number
-constexpr double ring_reach = 4.0;       // of half the boundary's extent: a ring point is not used from farther away
+constexpr std::size_t most_probes = 256;         // points of the ring that are compared with the boundary, which bounds the work by its length
+constexpr double ring_reach = 4.0;       // of half the boundary's extent: the surface is not fitted farther away
 constexpr double least_facing = 0.5;     // cosine of the angle between the best-fit plane and the hole
 
 double largest_coordinate(const giVector3& v) { return std::max({std::fabs(v.x()), std::fabs(v.y()), std::fabs(v.z())}); }
@@ -50,31 +50,23 @@ double half_extent(const std::vector<giVector3>& points, std::size_t first, giVe
   return 0.5 * largest_coordinate(high - low);
 }
 
-// Replaces ring points that are far away from a small hole by points in their direction from the boundary: of a long triangle only
-// the near end counts, else the hole would be a speck among the knots.
-void draw_ring_near(std::vector<giVector3>& points, std::size_t boundary_start) {
-  if (boundary_start == 0 || boundary_start == points.size()) return;
+// Takes ring points that are far away from the hole out of `points`, unless too few would be left, and returns them: the hole would
+// be a speck among the knots.
+std::vector<giVector3> take_far_ring(std::vector<giVector3>& points, int& boundary_start) {
+  std::vector<giVector3> far;
+  const auto ring = static_cast<std::size_t>(boundary_start);
+  if (ring == 0) return far;
   giVector3 middle;
-  const double reach = ring_reach * half_extent(points, boundary_start, middle);
-  if (!(reach > 0.0 && std::isfinite(reach))) return;
-  const std::size_t boundary_count = points.size() - boundary_start;
-  const std::size_t stride = 1 + (boundary_count - 1) / most_probes;
-  for (std::size_t k = 0; k < boundary_start; ++k) {
+  const double reach = ring_reach * half_extent(points, ring, middle);
+  std::vector<giVector3> near;
+  for (std::size_t k = 0; k < points.size(); ++k) {
     const double away = largest_coordinate(points[k] - middle);
-    if (!(away > reach && std::isfinite(away))) continue;
-    giVector3 near;
-    giVector3 step;
-    double least = DBL_MAX;
-    for (std::size_t b = boundary_start; b < points.size(); b += stride) {
-      const giVector3 to = points[k] - points[b];
-      const giVector3 share(to.x() / away, to.y() / away, to.z() / away);
-      if (share.length_sq() >= least) continue;
-      least = share.length_sq();
-      step = share;
-      near = points[b];
-    }
-    points[k] = near + step * (reach / (ring_reach * std::sqrt(least)));
+    (k < ring && away > reach && std::isfinite(away) ? far : near).push_back(points[k]);
   }
+  if (near.size() < least_places) return {};
+  points = near;
+  boundary_start -= static_cast<int>(far.size());
+  return far;
 }
 
 // Moves the points to their mean and scales them so that the largest coordinate is 1. Returns the scale; 0 when all points are one,
@@ -164,9 +156,11 @@ void face_the_hole(FitSamples& samples) {
   const double size = area.length();
   if (size <= line_width || std::fabs(area.z()) >= least_facing * size) return;
   const giWorkplane3 turned{giPoint3(), giUnitVec3(gi_x_axis), giUnitVec3(area)};
-  for (FitSample& p : samples.points) {
-    const giVector3 q = turned.to_work(giVector3(p.u, p.v, p.z));
-    p = {q.x(), q.y(), q.z()};
+  for (std::vector<FitSample>* points : {&samples.points, &samples.far_ring}) {
+    for (FitSample& p : *points) {
+      const giVector3 q = turned.to_work(giVector3(p.u, p.v, p.z));
+      p = {q.x(), q.y(), q.z()};
+    }
   }
   const giWorkplane3& plane = samples.plane;
   samples.plane = giWorkplane3(plane.origin(), giUnitVec3(plane.to_world(turned.x_axis().vector())),
@@ -184,7 +178,7 @@ FitSamples make_fit_samples(const giPoint3coPageArr& ring, const giPoint3coPageA
   for (int k = 0; k < boundary.count(); ++k) points.push_back(boundary.at(k) - origin);
   samples.boundary_start = boundary.count() > 0 ? ring.count() : 0;
 
-  draw_ring_near(points, static_cast<std::size_t>(samples.boundary_start));
+  const std::vector<giVector3> far = take_far_ring(points, samples.boundary_start);
   giVector3 mean;
   samples.scale = normalise(points, mean);
   if (samples.scale < 0.0) samples.state = FitSamples::State::not_finite;
@@ -196,7 +190,12 @@ FitSamples make_fit_samples(const giPoint3coPageArr& ring, const giPoint3coPageA
   const giUnitVec3 x = column(axes, 0);
   const giUnitVec3 z = column(axes, 2);
   samples.plane = giWorkplane3(origin + mean, x, z);
-  for (const giVector3& p : points) samples.points.push_back({x.dot(p), samples.plane.y_axis().dot(p), z.dot(p)});
+  const auto sample = [&](const giVector3& p) { return FitSample{x.dot(p), samples.plane.y_axis().dot(p), z.dot(p)}; };
+  for (const giVector3& p : points) samples.points.push_back(sample(p));
+  for (const giVector3& p : far) {
+    const giVector3 q = p - mean;
+    samples.far_ring.push_back(sample({q.x() / samples.scale, q.y() / samples.scale, q.z() / samples.scale}));
+  }
   face_the_hole(samples);
   if (has_enough_places(samples.points)) samples.state = FitSamples::State::ready;
   return samples;
@@ -233,13 +232,14 @@ HullRow hull_row(const std::vector<FitSample>& hull, double v) {
 }
 
 bool turns_away(const FitSamples& samples, double slope) {
-  const int ring = samples.boundary_start;
-  if (samples.count() - ring < 3) return false;
-  const int probes = std::min(ring, most_probes);
-  int steep = 0;
-  for (int k = 0; k < probes; ++k) {
-    const auto index = static_cast<std::size_t>(static_cast<long long>(ring) * k / probes);
-    if (stands_steep(samples, samples.points[index], slope)) ++steep;
+  if (samples.count() - samples.boundary_start < 3) return false;
+  const auto near = static_cast<std::size_t>(samples.boundary_start);
+  const std::size_t ring = near + samples.far_ring.size();
+  const std::size_t probes = std::min(ring, most_probes);
+  std::size_t steep = 0;
+  for (std::size_t k = 0; k < probes; ++k) {
+    const std::size_t index = ring * k / probes;
+    if (stands_steep(samples, index < near ? samples.points[index] : samples.far_ring[index - near], slope)) ++steep;
   }
   return 4 * steep > probes;
 }

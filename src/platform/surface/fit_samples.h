@@ -26,12 +26,12 @@ struct FitSamples {
   giWorkplane3 plane;
   double scale = 1.0;            ///< model units in one unit of the samples
   std::vector<FitSample> points; ///< those of the ring, then those of the boundary in their order
+  std::vector<FitSample> far_ring; ///< of the ring, too far away from the hole to be fitted; they show how steep it stands
   int boundary_start = 0;        ///< number of the first boundary point
 
   int count() const { return static_cast<int>(points.size()); }
 };
 
-/// Ring points farther away from the boundary than about its own extent are drawn near.
 FitSamples make_fit_samples(const giPoint3coPageArr& ring, const giPoint3coPageArr& boundary);
 
 /// The corners of the convex hull of the samples' places in the plane, counter-clockwise.

@@ -30,6 +30,8 @@ constexpr double softening = 0.1;
 // A tenth of the stiffness leaves a shape at a third of the distance or less, but scatter nearly where it was.
 constexpr double share_left_of_scatter = 0.65;
 constexpr double least_scatter = 1.0;        // from which on what is left is scatter rather than shape
+constexpr int most_rough = 3;                // softenings in a row that only follow scatter, too much of it; more would wave through it
+constexpr int least_for_scatter = 12;        // boundary points; fewer say the same of a saddle
 constexpr int max_steps = 48;                // of all stiffnesses together; about 15 are usual
 
 struct Extent {
@@ -75,14 +77,18 @@ gcmSurfFitter::Result gcmSurfFitter::soften(FairingProblem& problem, const Limit
   double stiffness = first_stiffness;
   FairingProblem::Misfit stiffer{std::numeric_limits<double>::infinity(), 0.0};
   std::vector<double> stiffer_heights;
+  int rough = 0;
   for (int k = 0; k < max_steps; ++k) {
     if (progress_feedback(100 * k / max_steps) != 0) return interrupted;
     const FairingProblem::Step step = problem.step(stiffness);
     if (step == FairingProblem::Step::failed) return bad_fit;
     if (step == FairingProblem::Step::lessened) continue;
     const FairingProblem::Misfit misfit = problem.boundary_misfit();
-    const bool scattered = stiffer.root_mean_square <= limits.greatest && stiffer.scatter > least_scatter;
-    if (scattered && misfit.root_mean_square > share_left_of_scatter * stiffer.root_mean_square) {
+    const bool scattered = stiffer.scatter > least_scatter &&
+                           misfit.root_mean_square > share_left_of_scatter * stiffer.root_mean_square;
+    rough = scattered && stiffer.root_mean_square > limits.greatest ? rough + 1 : 0;
+    if (rough == most_rough && limits.can_scatter) return bad_fit;
+    if (scattered && stiffer.root_mean_square <= limits.greatest) {
       problem.set_heights(stiffer_heights);
       break;
     }
@@ -92,8 +98,6 @@ gcmSurfFitter::Result gcmSurfFitter::soften(FairingProblem& problem, const Limit
     stiffness *= softening;
   }
   const FairingProblem::Misfit left = problem.boundary_misfit();
-  // Steep waves through points that scatter are no sign of a surface that turns away.
-  if (left.root_mean_square > limits.greatest && left.scatter > least_scatter) return bad_fit;
   if (problem.steepest_slope() > steepest_slope) return no_height_field;
   return left.root_mean_square <= limits.greatest ? success : bad_fit;
 }
@@ -113,7 +117,8 @@ int gcmSurfFitter::fit(const giPoint3coPageArr& ring, const giPoint3coPageArr& b
   const double boundary_extent = std::max(extent_of(samples, samples.boundary_start, &FitSample::u).length(),
                                           extent_of(samples, samples.boundary_start, &FitSample::v).length());
   const Result result = soften(problem, {std::min(close_to_heights * root_mean_square_height(samples), close_to_span * span),
-                                         greatest_scatter * boundary_extent});
+                                         greatest_scatter * boundary_extent,
+                                         samples.count() - samples.boundary_start >= least_for_scatter});
   if (result != success) return result;
   surface = std::make_shared<zrkNurbSurf>(frame, problem.heights());
   return success;

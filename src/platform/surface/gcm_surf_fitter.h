@@ -27,7 +27,8 @@ class MENDEX_EXPORT gcmSurfFitter {
   /// sphere or a circular cylinder is filled with the same shape. Knots are about as far apart as the boundary points, with at most
   /// 40 spans each way; the stiffness is the greatest that leaves the boundary points in place. Neither the unit of length nor the
   /// distance from the origin matters.
-  /// @param ring      points of the mesh round the hole; may be empty; of points far away only the direction counts
+  /// @param ring      points of the mesh round the hole; may be empty. Points farther away than twice the
+  ///                  boundary's extent are not fitted; they only show how steep the surface stands
   /// @param boundary  points of the hole's boundary, in their order along it; where there are none, those of the ring are
   /// @param surface   the fitted surface, a `zrkNurbSurf`; left alone unless the result is 0
   /// @return          0 for success
@@ -39,10 +40,11 @@ class MENDEX_EXPORT gcmSurfFitter {
   virtual int progress_feedback(int percent);
 
  private:
-  /// Root mean square of what is left at the boundary points.
+  /// Root mean square of what is left at the boundary points, and whether they are enough to tell scatter from shape.
   struct Limits {
     double close_enough;
     double greatest;
+    bool can_scatter;
   };
   Result soften(FairingProblem& problem, const Limits& limits);
 };
