@@ -1,6 +1,7 @@
 // The lists that say which elements use a node.
 
 #include <algorithm>
+#include <vector>
 
 #include "mesh/list_batch.h"
 #include "mesh/survivor_map.h"
@@ -30,11 +31,19 @@ struct Replacement {
   bool names_deleted;  // a corner's node is deleted, whether or not there is a survivor
 };
 
+// Which nodes of a block are deleted, a byte each, so that very many corners can be asked without a node record each.
+std::vector<char> deleted_nodes(const trTriBlock& block) {
+  std::vector<char> deleted(static_cast<std::size_t>(block.node_count()));
+  for (int i = 0; i < block.node_count(); ++i) deleted[static_cast<std::size_t>(i)] = block.node(i).invalid != 0;
+  return deleted;
+}
+
 // Looks ahead along the elements, so that each is examined once and what its survivors need is fetched in time.
 class ReplacementWindow {
  public:
-  ReplacementWindow(const trTriBlock& block, const SurvivorMap& map)
-      : block_(block), map_(map), last_(block.element_count() - 1) {
+  /// `deleted` tells of each node whether it is deleted.
+  ReplacementWindow(const trTriBlock& block, const SurvivorMap& map, const std::vector<char>& deleted)
+      : block_(block), map_(map), deleted_(deleted), last_(block.element_count() - 1) {
     for (int e = 1; e < 1 + far_ahead && e <= last_; ++e) examine(e);
   }
 
@@ -58,9 +67,9 @@ class ReplacementWindow {
     r = Replacement{{0, 0, 0}, false};
     const trElement& t = block_.element(e);
     if (!t.valid()) return;
-    const unsigned n = static_cast<unsigned>(block_.node_count());
     for (int k = 0; k < 3; ++k) {
-      if (static_cast<unsigned>(t[k]) >= n || !block_.node(t[k]).invalid) continue;
+      const auto corner = static_cast<std::size_t>(static_cast<unsigned>(t[k]));
+      if (corner >= deleted_.size() || !deleted_[corner]) continue;
       r.names_deleted = true;
       r.slot[k] = map_.slot(t[k]);
     }
@@ -68,6 +77,7 @@ class ReplacementWindow {
 
   const trTriBlock& block_;
   const SurvivorMap& map_;
+  const std::vector<char>& deleted_;
   int last_;
   Replacement ring_[ring_mask + 1];
 };
@@ -111,9 +121,10 @@ void trTriBlock::reference_elements() const {
 void trTriBlock::reference_new_nodes(const intcoPageArr& map) { replace_nodes(SurvivorMap(map)); }
 
 void trTriBlock::replace_nodes(const SurvivorMap& map) {
+  const std::vector<char> deleted = deleted_nodes(*this);
   ElementListBatch lists(*this, map.numbers());
-  if (elements_referenced) announce_replacements(map, lists);
-  ReplacementWindow window(*this, map);
+  if (elements_referenced) announce_replacements(map, deleted, lists);
+  ReplacementWindow window(*this, map, deleted);
   for (int e = 1; e <= window.last() && !tr_interrupt(); ++e) {
     const Replacement& far = window.advance(e);
     if (elements_referenced) {
@@ -130,8 +141,8 @@ void trTriBlock::replace_nodes(const SurvivorMap& map) {
   lists.close();
 }
 
-void trTriBlock::announce_replacements(const SurvivorMap& map, ElementListBatch& lists) const {
-  ReplacementWindow window(*this, map);
+void trTriBlock::announce_replacements(const SurvivorMap& map, const std::vector<char>& deleted, ElementListBatch& lists) const {
+  ReplacementWindow window(*this, map, deleted);
   for (int e = 1; e <= window.last(); ++e) {
     for_each_survivor(window.advance(e), [&](int slot) { lists.prefetch_counter(slot); });
     for_each_survivor(window.at(e), [&](int slot) { lists.announce(slot); });

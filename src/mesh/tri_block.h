@@ -297,7 +297,7 @@ class MENDEX_EXPORT trTriBlock : public trMeshArrays {
   void give_elements(giTriBlock& out) const;
   void give_colours(giTriBlock& out) const;
   void replace_nodes(const SurvivorMap& map);
-  void announce_replacements(const SurvivorMap& map, ElementListBatch& lists) const;
+  void announce_replacements(const SurvivorMap& map, const std::vector<char>& deleted, ElementListBatch& lists) const;
   bool maps_workplane() const { return use_workplane && !workplane.workplane().origin().invalid(); }
   giPoint3 node_in_workplane(int i) const { return check_use_workplane(point(i)); }
 
