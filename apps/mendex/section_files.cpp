@@ -10,10 +10,13 @@ namespace {
 
 // The shortest text that reads back as the same number, whatever the locale; null where JSON knows none.
 void put_number(std::FILE* file, double value) {
+  if (!std::isfinite(value)) {
+    std::fputs("null", file);
+    return;
+  }
   char text[32];
-  const char* end = text;
-  if (std::isfinite(value)) end = std::to_chars(text, text + sizeof text, value + 0.0).ptr;
-  end == text ? std::fputs("null", file) : static_cast<int>(std::fwrite(text, 1, static_cast<std::size_t>(end - text), file));
+  const char* const end = std::to_chars(text, text + sizeof text, value + 0.0).ptr;
+  std::fwrite(text, 1, static_cast<std::size_t>(end - text), file);
 }
 
 std::string text_of(double value) {
