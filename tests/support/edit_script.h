@@ -53,7 +53,7 @@ class EditScript {
   static const NamedEdit edits[];
 
   giPoint3 some_point();
-  int some_node() { return random.between(1, block.node_count() - 1); }
+  int some_node() { return random.below(block.node_count()); }  // node 0 is never live
   int some_live_node();
   int some_live_element();
 
@@ -96,6 +96,7 @@ class EditScript {
   bool move_all();
   bool drop_collapsed();
   bool reverse_all();
+  bool slice();
 
   ScriptSetting setting_;
   LiteralMesh* literal_;
