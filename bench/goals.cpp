@@ -118,11 +118,16 @@ std::vector<GoalLine> judge_goals(const RunFacts& facts) {
   judge.ratio("detect_cycles", "flat_parse", 1.0);
   judge.ratio("detect_cycles_unbuilt", "build_edges", 1.5);
   judge.ratio("detect_cycles_soup", "flat_parse", 20.0);
+  judge.ratio("fill_1000_holes", "flat_parse", 1.0);
   judge.ratio("undo_merge", "flat_parse", 8.0);
   judge.ratio("redo_merge", "flat_parse", 8.0);
   judge.ratio("merge_journalled", "unduplicate_exact", 1.6);
   for (const char* edit : {"reverse", "delete_all", "transform", "renumber"}) {
     judge.ratio(std::string(edit) + "_journalled", edit, 1.6);
+  }
+  for (const auto& [nodes, limit] : {std::pair<std::size_t, double>{100'000, 1.0}, {1'000'000, 12.0}}) {
+    judge.at_most("seconds, cap_round of " + std::to_string(nodes) + " nodes", limit,
+                  facts.results.seconds("cap_round", nodes, FacetOrder::ordered));
   }
   judge.growth(1.15);
   if (facts.memory) {

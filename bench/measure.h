@@ -21,7 +21,9 @@ void add_merge_measures(std::vector<Measure>& list);
 void add_sick_measures(std::vector<Measure>& list);
 void add_isect_measures(std::vector<Measure>& list);
 void add_topology_measures(std::vector<Measure>& list);
+void add_cap_measures(std::vector<Measure>& list);
 void add_cycles_measures(std::vector<Measure>& list);
+void add_fill_measures(std::vector<Measure>& list);
 void add_undo_measures(std::vector<Measure>& list);
 void add_shapes_measures(std::vector<Measure>& list);
 

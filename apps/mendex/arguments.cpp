@@ -36,6 +36,16 @@ void add_limit(CLI::App* verb, const char* name, double& limit, const char* unit
   verb->add_option(name, limit, text)->check(CLI::Validator(tolerance_problem, ""))->type_name(unit)->capture_default_str();
 }
 
+CLI::Option* add_count(CLI::App* verb, const char* name, int& count, int least, const char* text) {
+  const auto problem = [least](const std::string& given) {
+    const auto numbers = numbers_in(given);
+    const bool is_good = numbers && numbers->size() == 1 && numbers->front() >= least && numbers->front() <= 2147483647.0 &&
+                         numbers->front() == std::floor(numbers->front());
+    return is_good ? "" : "'" + given + "' is not a whole number from " + std::to_string(least) + " up";
+  };
+  return verb->add_option(name, count, text)->check(CLI::Validator(problem, ""))->type_name("N");
+}
+
 void add_input(CLI::App* verb, std::string& path) {
   verb->add_option("IN", path, "File to read")->required()->type_name("PATH");
 }

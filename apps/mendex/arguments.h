@@ -20,6 +20,9 @@ std::string direction_problem(const std::string& text);
 /// Adds an option that takes a number from 0 up and shows its default.
 void add_limit(CLI::App* verb, const char* name, double& limit, const char* unit, const char* text);
 
+/// Adds an option that takes a whole number from `least` up.
+CLI::Option* add_count(CLI::App* verb, const char* name, int& count, int least, const char* text);
+
 /// Adds the file to be read.
 void add_input(CLI::App* verb, std::string& path);
 /// Adds -o with the file to be written.

@@ -45,9 +45,7 @@ void add_hole_arguments(CLI::App* verb, HoleArguments& arguments) {
   verb->add_option("--hole", arguments.numbers, "Only these boundaries, by the numbers that mendex check lists")
       ->check(CLI::Validator(holes_problem, ""))
       ->type_name("N[,N...]");
-  verb->add_option("--max-edges", arguments.most_edges, "Only boundaries of at most so many edges")
-      ->check(CLI::Range(1, 2147483647))
-      ->type_name("N");
+  add_count(verb, "--max-edges", arguments.most_edges, 1, "Only boundaries of at most so many edges");
   verb->add_option("--between", arguments.between,
                    "Of one boundary only the part from one node to another: the shorter\n"
                    "one, or the one with the third node; mendex check --json lists nodes")

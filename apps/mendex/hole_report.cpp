@@ -50,8 +50,9 @@ std::string text_of_closing(const HoleAccount& account) {
     nodes += outcome.nodes;
   }
   if (!holes.outcomes.empty()) text += table_of_holes(account);
-  text += formatted("  %d of %d holes %s, %lld triangles and %lld nodes added", holes.closed(), static_cast<int>(holes.outcomes.size()),
-                    verb_of(account.method), triangles, nodes);
+  text += formatted("  %d of %s %s, %s and %s added", holes.closed(),
+                    counted(static_cast<long long>(holes.outcomes.size()), "hole", "holes").c_str(), verb_of(account.method),
+                    counted(triangles, "triangle", "triangles").c_str(), counted(nodes, "node", "nodes").c_str());
   if (holes.passed_over > 0) text += formatted("; %d not chosen", holes.passed_over);
   text += "\n";
   text += holes.boundaries_left == 0 ? "  no boundary left\n"

@@ -18,6 +18,11 @@ void add_verbs(CommandLine& line) {
   add_stitch_verb(line);
   add_fill_verb(line);
   add_cap_verb(line);
+  add_clean_verb(line);
+  add_orient_verb(line);
+  add_swap_verb(line);
+  add_transform_verb(line);
+  add_renumber_verb(line);
   add_convert_verb(line);
   add_formats_verb(line);
 }

@@ -147,10 +147,8 @@ void add_stitch_verb(CommandLine& line) {
       ->required()
       ->check(CLI::Validator(ladder_problem, ""))
       ->type_name("LENGTH|A..B/STEP");
-  verb->add_option("--passes", arguments->passes, "Passes at each tolerance at most")->check(CLI::Range(1, 1000000))->capture_default_str();
-  verb->add_option("--target", arguments->target, "Boundaries to be left, where some belong to the model")
-      ->check(CLI::Range(0, 2147483647))
-      ->capture_default_str();
+  add_count(verb, "--passes", arguments->passes, 1, "Passes at each tolerance at most")->capture_default_str();
+  add_count(verb, "--target", arguments->target, 0, "Boundaries to be left, where some belong to the model")->capture_default_str();
   verb->add_flag("--merge", arguments->merges_first, "Merge all nodes within the first tolerance, not only those of boundaries");
   verb->add_flag("--orient", arguments->orients, "Turn triangles over so that neighbours agree, at each tolerance");
   verb->add_flag("--slivers", arguments->makes_slivers,

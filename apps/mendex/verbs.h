@@ -13,6 +13,11 @@ void add_weld_verb(CommandLine& line);     // read, merge, drop what collapses, 
 void add_stitch_verb(CommandLine& line);   // join boundaries
 void add_fill_verb(CommandLine& line);     // close holes by fans
 void add_cap_verb(CommandLine& line);      // close holes by good triangles
+void add_clean_verb(CommandLine& line);    // delete what should not be there
+void add_orient_verb(CommandLine& line);   // turn triangles over
+void add_swap_verb(CommandLine& line);     // better diagonals
+void add_transform_verb(CommandLine& line);  // scale, turn, move
+void add_renumber_verb(CommandLine& line);   // close the gaps in the numbers
 void add_convert_verb(CommandLine& line);  // read and write in the format that the output's name asks for
 void add_formats_verb(CommandLine& line);  // what can be read and written
 

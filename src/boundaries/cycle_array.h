@@ -136,6 +136,7 @@ class MENDEX_EXPORT trCycleArray {
   trCycleArray* self() const { return const_cast<trCycleArray*>(this); }
   static std::int64_t geometry_revision(const trTriBlock& of) { return of.geometry_revision_; }
   void detect_again();
+  bool merge_boundary_nodes(double tol, intcoPageArr& map);
   bool walk_free_edges();
   int fill_hole(trCycle& cycle, std::vector<int>& nodes, int curvature);
   void select_cycle(int id, double& average_length, const int (&single_picks)[3], const intcoSet& picks);

@@ -13,10 +13,14 @@ namespace {
 
 constexpr double fit_share = 0.2;  // of the progress of capping a hole: fitting the surface
 
+// The nodes of the cycle or its arc. Those of a row that closes the arc are not of the mesh round the hole: they stand on a
+// straight line until the surface moves them.
 void list_nodes(const trCycle& cycle, intcoPageArr& nodes) {
   nodes.clear(0);
   trCycleIT it(&cycle);
-  while (++it) nodes[nodes.count()] = it.s_node();
+  while (++it) {
+    if (it.arc_index < 0) nodes[nodes.count()] = it.s_node();
+  }
 }
 
 bool fit_surface(const trTriBlock& block, const int* nodes, int n) {

@@ -232,10 +232,13 @@ class MENDEX_EXPORT trControl {
 
   trControl* self() const { return const_cast<trControl*>(this); }
   int repeat_step(Step step, int count);
+  bool check_auto_stitch(trAutoMode mode, double start_tol, double finish_tol, double tol_step, int limit) const;
+  void clean_boundaries(double tol, int orient);
   static const char* extension_of(trFileType type);
   std::FILE* search_reader_file(const utString& name, utString& found, trFileType& type);
   void delete_listed(trElementList& list);
   void append_mesh(coFeaturePool& pool);
+  void select_failed(const intcoSet& failed);
 
   trTriBlock triblock_;
   trCycleArray cycles_;

@@ -72,10 +72,7 @@ bool trTriBlock::merge_plane_nodes(const intcoPageArr& plane_nodes, double tol) 
     if (node(i).invalid || point(i).invalid()) continue;
     const int survivor = kept.find_or_add(point(i), i);
     if (survivor < 0) continue;
-    if (node_data_ != nullptr) {
-      report_node(survivor);
-      node_data_->average(survivor, i);
-    }
+    average_node_data(survivor, i);
     delete_node(i);
     map[i] = survivor;
     is_merged = true;

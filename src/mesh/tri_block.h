@@ -273,6 +273,8 @@ class MENDEX_EXPORT trTriBlock : public trMeshArrays {
   trTriBlock* self() const { return const_cast<trTriBlock*>(this); }
   void report_node(int i);
   void report_element(int e);
+  // Node n's attributes averaged into those of k, where the block has any.
+  void average_node_data(int k, int n);
   void mark_changed();
   // What an edit from outside the primitives makes stale: element lists and normals.
   void reset_derived_state();

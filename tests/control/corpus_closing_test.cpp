@@ -5,7 +5,9 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "boundaries/cycle_it.h"
 #include "control/control.h"
+#include "mesh/containers.h"
 #include "support/block_snapshot.h"
 #include "support/captured_output.h"
 #include "support/validator.h"

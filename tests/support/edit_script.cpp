@@ -14,8 +14,12 @@ EditScript::EditScript(const ScriptSetting& setting, std::uint64_t seed, Literal
 const char* EditScript::step() {
   if (setting_.references) build_references();
   if (setting_.edges) build_edges();
-  const NamedEdit& edit = edits[random.below(edit_count())];
-  return (this->*edit.run)() ? edit.name : nullptr;
+  const int chosen = random.below(edit_count() + static_cast<int>(foreign_.size()));
+  if (chosen >= edit_count()) {
+    const ForeignEdit& edit = foreign_[static_cast<std::size_t>(chosen - edit_count())];
+    return edit.run(*this) ? edit.name : nullptr;
+  }
+  return (this->*edits[chosen].run)() ? edits[chosen].name : nullptr;
 }
 
 giPoint3 EditScript::some_point() { return giPoint3(random.below(4), random.below(4), random.below(3) * 0.5); }

@@ -28,7 +28,8 @@ struct at2Plane::Work {
   int first_interior() const { return PlanarMesh::corner_nodes + loops.node_count(); }
 
   at2PlaneError insert_boundary(WorkMeter& meter);
-  at2PlaneError fix_boundary(WorkMeter& meter);
+  at2PlaneError insert_nodes(const std::vector<int>& order, std::size_t& from, std::size_t end, WorkMeter& meter);
+  at2PlaneError fix_boundary_edge(int start, std::vector<char>& fixed, WorkMeter& meter);
   at2PlaneError insert_interior(double spacing, double grading, WorkMeter& meter);
   double area() const;
 };
@@ -46,7 +47,14 @@ bool on_one_line(const std::vector<giPoint2>& points) {
   const giPoint2& farthest = *std::max_element(points.begin(), points.end(), [&](const giPoint2& a, const giPoint2& b) {
     return distance(first, a) < distance(first, b);
   });
-  return std::all_of(points.begin(), points.end(), [&](const giPoint2& p) { return orientation(first, farthest, p) == 0.0; });
+  return std::all_of(points.begin(), points.end(),
+                     [&](const giPoint2& p) { return orientation(first, farthest, p) == 0.0; });
+}
+
+bool has_repeats(std::vector<giPoint2> points) {
+  std::sort(points.begin(), points.end(),
+            [](const giPoint2& a, const giPoint2& b) { return a.x < b.x || (a.x == b.x && a.y < b.y); });
+  return std::adjacent_find(points.begin(), points.end()) != points.end();
 }
 
 giBox2 box_of(const std::vector<giPoint2>& points) {
@@ -58,43 +66,80 @@ giBox2 box_of(const std::vector<giPoint2>& points) {
 PlanarMesh mesh_over(const std::vector<giPoint2>& points) {
   const giBox2 box = box_of(points);
   const double margin = std::max(box.max().x - box.min().x, box.max().y - box.min().y);
-  return PlanarMesh(giPoint2(box.min().x - margin, box.min().y - margin), giPoint2(box.max().x + margin, box.max().y + margin));
+  return PlanarMesh(giPoint2(box.min().x - margin, box.min().y - margin),
+                    giPoint2(box.max().x + margin, box.max().y + margin));
 }
 
 }  // namespace
 
+// Edges are fixed as soon as a round of insertions has both their ends, and the ends of long ones come early: an edge
+// then crosses few triangles, and the edges fixed keep what is inserted later from growing across them.
 at2PlaneError at2Plane::Work::insert_boundary(WorkMeter& meter) {
   mesh.emplace(mesh_over(points));
   mesh->reserve(PlanarMesh::corner_nodes + loops.node_count());
   mesh_nodes.assign(points.size(), PlanarMesh::none);
-  int near = 0;
-  for (const int i : insertion_order(points)) {
+  std::vector<int> previous(points.size());
+  std::vector<double> longest(points.size(), 0.0);
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    const std::size_t end = at(next[i]);
+    const double length = distance(points[i], points[end]);
+    previous[end] = static_cast<int>(i);
+    longest[i] = std::max(longest[i], length);
+    longest[end] = std::max(longest[end], length);
+  }
+  const InsertionOrder order = insertion_order(points, longest);
+  std::vector<char> fixed(points.size(), 0);
+  std::size_t inserted = 0;
+  for (const std::size_t end : order.round_end) {
+    const std::size_t start = inserted;
+    at2PlaneError error = insert_nodes(order.order, inserted, end, meter);
+    for (std::size_t k = start; k < end && error == at2_success; ++k) {
+      error = fix_boundary_edge(order.order[k], fixed, meter);
+      if (error == at2_success) error = fix_boundary_edge(previous[at(order.order[k])], fixed, meter);
+    }
+    if (error != at2_success) return error;
+  }
+  return mesh->mark_regions() ? at2_success : at2_wrong_direction;
+}
+
+at2PlaneError at2Plane::Work::insert_nodes(const std::vector<int>& order, std::size_t& from, std::size_t end,
+                                           WorkMeter& meter) {
+  for (int near = 0; from < end; ++from) {
     if (!meter.step()) return at2_interrupted;
-    const PlanarMesh::Place place = mesh->locate(points[at(i)], near);
-    if (place.kind == PlanarMesh::PlaceKind::on_node || place.kind == PlanarMesh::PlaceKind::outside) return at2_coincident_nodes;
-    mesh_nodes[at(i)] = mesh->insert(points[at(i)], place);
+    const giPoint2& p = points[at(order[from])];
+    const PlanarMesh::Place place = mesh->locate(p, near);
+    if (place.kind == PlanarMesh::PlaceKind::on_node || place.kind == PlanarMesh::PlaceKind::outside)
+      return at2_coincident_nodes;
+    if (place.kind == PlanarMesh::PlaceKind::on_edge && mesh->is_fixed(place.half)) return at2_touching_loops;
+    mesh_nodes[at(order[from])] = mesh->insert(p, place);
     near = PlanarMesh::triangle(place.half);
   }
   return at2_success;
 }
 
-at2PlaneError at2Plane::Work::fix_boundary(WorkMeter& meter) {
-  for (std::size_t i = 0; i < points.size(); ++i) {
-    if (!meter.step()) return at2_interrupted;
-    switch (mesh->fix_edge(mesh_nodes[i], mesh_nodes[at(next[i])])) {
-      case PlanarMesh::EdgeResult::touches: return at2_touching_loops;
-      case PlanarMesh::EdgeResult::crosses: return at2_crossing_loops;
-      case PlanarMesh::EdgeResult::fixed: break;
-    }
+// The edge that starts at a node, unless it is fixed or an end still to be inserted.
+at2PlaneError at2Plane::Work::fix_boundary_edge(int start, std::vector<char>& fixed, WorkMeter& meter) {
+  const int a = mesh_nodes[at(start)], b = mesh_nodes[at(next[at(start)])];
+  if (fixed[at(start)] != 0 || a == PlanarMesh::none || b == PlanarMesh::none) return at2_success;
+  if (!meter.step()) return at2_interrupted;
+  fixed[at(start)] = 1;
+  switch (mesh->fix_edge(a, b)) {
+    case PlanarMesh::EdgeResult::touches:
+      return at2_touching_loops;
+    case PlanarMesh::EdgeResult::crosses:
+      return at2_crossing_loops;
+    case PlanarMesh::EdgeResult::fixed:
+      break;
   }
-  return mesh->mark_regions() ? at2_success : at2_wrong_direction;
+  return at2_success;
 }
 
 double at2Plane::Work::area() const {
   double doubled = 0.0;
   for (int t = 0; t < mesh->triangle_count(); ++t) {
     if (mesh->region(t) != PlanarMesh::Region::inside) continue;
-    doubled += orientation(mesh->point(mesh->start(3 * t)), mesh->point(mesh->start(3 * t + 1)), mesh->point(mesh->start(3 * t + 2)));
+    doubled += orientation(mesh->point(mesh->start(3 * t)), mesh->point(mesh->start(3 * t + 1)),
+                           mesh->point(mesh->start(3 * t + 2)));
   }
   return 0.5 * doubled;
 }
@@ -116,9 +161,11 @@ at2PlaneError at2Plane::Work::insert_interior(double spacing, double grading, Wo
   return error;
 }
 
-// --- the class --------------------------------------------------------------------------------------------------------------------
+// --- the class
+// --------------------------------------------------------------------------------------------------------------------
 
-at2Plane::at2Plane(const giBox2& box, double spacing, double grading) : box_(box), spacing_(spacing), grading_(grading) {}
+at2Plane::at2Plane(const giBox2& box, double spacing, double grading)
+    : box_(box), spacing_(spacing), grading_(grading) {}
 at2Plane::~at2Plane() = default;
 
 void at2Plane::set_box(const giBox2& box) {
@@ -160,8 +207,10 @@ at2PlaneError at2Plane::read_nodes(Work& work) {
   if (!finite) return at2_not_finite;
   if (!contained) return at2_outside_box;
   std::frexp(largest, &work.exponent);
-  for (giPoint2& p : work.points) p = snapped(giPoint2(std::ldexp(p.x, -work.exponent), std::ldexp(p.y, -work.exponent)));
-  return on_one_line(work.points) ? at2_zero_area : at2_success;
+  for (giPoint2& p : work.points)
+    p = snapped(giPoint2(std::ldexp(p.x, -work.exponent), std::ldexp(p.y, -work.exponent)));
+  if (on_one_line(work.points)) return at2_zero_area;
+  return has_repeats(work.points) ? at2_coincident_nodes : at2_success;
 }
 
 at2PlaneError at2Plane::prepare(WorkMeter& meter) {
@@ -172,7 +221,6 @@ at2PlaneError at2Plane::prepare(WorkMeter& meter) {
   if (error != at2_success) return error;
   meter.expect(0, 20, 2.0 * static_cast<double>(work->points.size()));
   error = work->insert_boundary(meter);
-  if (error == at2_success) error = work->fix_boundary(meter);
   if (error == at2_success) work_ = std::move(work);
   return error;
 }
@@ -181,7 +229,8 @@ at2PlaneError at2Plane::generate_interior_nodes(void* data) try {
   WorkMeter meter = start_operation("Generating Interior Nodes", data);
   at2PlaneError error = prepare(meter);
   if (error == at2_success) {
-    error = work_->insert_interior(std::ldexp(spacing_, -work_->exponent), std::ldexp(grading_, -work_->exponent), meter);
+    error =
+        work_->insert_interior(std::ldexp(spacing_, -work_->exponent), std::ldexp(grading_, -work_->exponent), meter);
   }
   if (error != at2_success) work_.reset();
   return error;
@@ -232,6 +281,7 @@ void at2Plane::make_triangles(WorkMeter& meter, const std::vector<int>& numbers)
   for (int t = 0; t < mesh.triangle_count(); ++t) {
     meter.step();
     if (mesh.region(t) != PlanarMesh::Region::inside) continue;
-    make_triangle(numbers[at(mesh.start(3 * t))], numbers[at(mesh.start(3 * t + 1))], numbers[at(mesh.start(3 * t + 2))]);
+    make_triangle(numbers[at(mesh.start(3 * t))], numbers[at(mesh.start(3 * t + 1))],
+                  numbers[at(mesh.start(3 * t + 2))]);
   }
 }

@@ -5,8 +5,8 @@
 
 /// Directed edges, put in order loop by loop.
 ///
-/// Nodes get new numbers 0, 1, ... along the loops: a loop starts at the lowest given number not yet in one, loops follow each other in
-/// that order, and node `next(i)` follows node i.
+/// Nodes get new numbers 0, 1, ... along the loops: a loop starts at the lowest given number not yet in one, loops
+/// follow each other in that order, and node `next(i)` follows node i.
 class BoundaryLoops {
  public:
   enum class Fault { none, open, repeated };

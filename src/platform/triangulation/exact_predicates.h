@@ -4,9 +4,10 @@
 
 #include "platform/geometry/point2.h"
 
-// Signs of determinants that are right for all points whose coordinates are multiples of 2^-90 not above 16 in size, which leaves no
-// product that overflows or underflows. A rounded value is returned where its error bound proves the sign; else the exact
-// value is worked out (J. R. Shewchuk, Adaptive Precision Floating-Point Arithmetic and Fast Robust Geometric Predicates, 1997).
+// Signs of determinants that are right for all points whose coordinates are multiples of 2^-90 not above 16 in size,
+// which leaves no product that overflows or underflows. A rounded value is returned where its error bound proves the
+// sign; else the exact value is worked out (J. R. Shewchuk, Adaptive Precision Floating-Point Arithmetic and Fast
+// Robust Geometric Predicates, 1997).
 
 /// The nearest point with such coordinates; only coordinates below 2^-37 in size change.
 inline giPoint2 snapped(const giPoint2& p) {

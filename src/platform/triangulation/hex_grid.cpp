@@ -45,7 +45,9 @@ class HexGrid {
   }
 
  private:
-  static double displaced(std::uint64_t seed) { return (static_cast<double>(mix_hash(seed) >> 11) * 0x1p-53 - 0.5) * displacement; }
+  static double displaced(std::uint64_t seed) {
+    return (static_cast<double>(mix_hash(seed) >> 11) * 0x1p-53 - 0.5) * displacement;
+  }
 
   giPoint2 centre_;
   double spacing_;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <numeric>
 
 #include "platform/geometry/box2.h"
 #include "platform/spatial/hash_mix.h"
@@ -9,7 +10,7 @@
 namespace {
 
 constexpr int curve_bits = 28;
-constexpr std::size_t first_round = 1000;  // points of the smallest round, about
+constexpr std::size_t first_round = 250;  // points of the smallest round, about
 
 // The position along a Hilbert curve over a square of 2^curve_bits cells a side.
 std::uint64_t curve_position(std::uint32_t x, std::uint32_t y) {
@@ -60,9 +61,26 @@ std::uint64_t round_from_end(std::size_t index, std::uint64_t last) {
   return round;
 }
 
+// Moves the points of large weight to earlier rounds: of round k those among the n / 2^(last - k) of largest weight.
+void promote(const std::vector<double>& weight, std::uint64_t last, std::vector<std::uint64_t>& round) {
+  std::vector<int> ranked(weight.size());
+  std::iota(ranked.begin(), ranked.end(), 0);
+  const auto weight_of = [&](int i) { return weight[static_cast<std::size_t>(i)]; };
+  std::sort(ranked.begin(), ranked.end(), [&](int a, int b) {
+    return weight_of(a) > weight_of(b) || (weight_of(a) == weight_of(b) && mix_hash(static_cast<std::uint64_t>(a)) <
+                                                                               mix_hash(static_cast<std::uint64_t>(b)));
+  });
+  std::uint64_t latest = 0;
+  for (std::size_t rank = 0; rank < ranked.size(); ++rank) {
+    while (latest < last && rank >= (ranked.size() >> (last - latest))) ++latest;
+    std::uint64_t& own = round[static_cast<std::size_t>(ranked[rank])];
+    own = std::min(own, latest);
+  }
+}
+
 }  // namespace
 
-std::vector<int> insertion_order(const std::vector<giPoint2>& points) {
+InsertionOrder insertion_order(const std::vector<giPoint2>& points, const std::vector<double>& weight) {
   struct Entry {
     std::uint64_t key;
     int index;
@@ -70,14 +88,20 @@ std::vector<int> insertion_order(const std::vector<giPoint2>& points) {
   };
   std::uint64_t last_round = 0;
   while ((points.size() >> last_round) > first_round) ++last_round;
+  std::vector<std::uint64_t> round(points.size());
+  for (std::size_t i = 0; i < points.size(); ++i) round[i] = last_round - round_from_end(i, last_round);
+  if (!weight.empty()) promote(weight, last_round, round);
   const CurveGrid grid(points);
   std::vector<Entry> entries(points.size());
-  for (std::size_t i = 0; i < points.size(); ++i) {
-    const std::uint64_t round = last_round - round_from_end(i, last_round);
-    entries[i] = {(round << (2 * curve_bits)) | grid.position(points[i]), static_cast<int>(i)};
-  }
+  for (std::size_t i = 0; i < points.size(); ++i)
+    entries[i] = {(round[i] << (2 * curve_bits)) | grid.position(points[i]), static_cast<int>(i)};
   std::sort(entries.begin(), entries.end());
-  std::vector<int> order(points.size());
-  for (std::size_t i = 0; i < points.size(); ++i) order[i] = entries[i].index;
-  return order;
+  InsertionOrder result;
+  result.order.reserve(points.size());
+  for (const Entry& entry : entries) {
+    while (result.round_end.size() < entry.key >> (2 * curve_bits)) result.round_end.push_back(result.order.size());
+    result.order.push_back(entry.index);
+  }
+  result.round_end.push_back(result.order.size());
+  return result;
 }

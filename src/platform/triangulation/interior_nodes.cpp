@@ -9,8 +9,8 @@
 namespace {
 
 constexpr double grid_clearance = 0.9;  // of the local spacing; leaves room for one row of well-shaped triangles
-// Of the local spacing: the largest radius of a triangle. With edges not shorter than it, no angle is below 30 degrees; triangles that
-// are equilateral at the local spacing have 0.58, squares cut in two 0.71.
+// Of the local spacing: the largest radius of a triangle. With edges not shorter than it, no angle is below 30 degrees;
+// triangles that are equilateral at the local spacing have 0.58, squares cut in two 0.71.
 constexpr double largest_radius = 0.75;
 constexpr double centre_clearance = 0.55;  // of the local spacing; half of it is promised, and smoothing needs some
 
@@ -86,7 +86,8 @@ class Refiner {
     const PlanarMesh::Place place = mesh_.locate_straight(circle.centre, t);
     if (place.kind != PlanarMesh::PlaceKind::in_triangle && place.kind != PlanarMesh::PlaceKind::on_edge) return false;
     if (place.kind == PlanarMesh::PlaceKind::on_edge && mesh_.is_fixed(place.half)) return false;
-    if (!field_.is_clear(circle.centre, centre_clearance * spacing) || !keeps_apart(circle.centre, place, radius)) return false;
+    if (!field_.is_clear(circle.centre, centre_clearance * spacing) || !keeps_apart(circle.centre, place, radius))
+      return false;
     add_star(mesh_.insert(circle.centre, place));
     return true;
   }
@@ -116,16 +117,18 @@ class Refiner {
 
 }  // namespace
 
-bool insert_grid_points(PlanarMesh& mesh, const SpacingField& field, const std::vector<giPoint2>& points, WorkMeter& meter) {
+bool insert_grid_points(PlanarMesh& mesh, const SpacingField& field, const std::vector<giPoint2>& points,
+                        WorkMeter& meter) {
   std::vector<giPoint2> chosen;
   chosen.reserve(points.size());
   for (const giPoint2& p : points) {
     if (!meter.step()) return false;
-    if (field.at(p) == field.spacing() && field.is_clear(p, grid_clearance * field.spacing())) chosen.push_back(snapped(p));
+    if (field.at(p) == field.spacing() && field.is_clear(p, grid_clearance * field.spacing()))
+      chosen.push_back(snapped(p));
   }
   mesh.reserve(mesh.node_count() + static_cast<int>(chosen.size() + chosen.size() / 4));
   int near = 0;
-  for (const int i : insertion_order(chosen)) {
+  for (const int i : insertion_order(chosen).order) {
     if (!meter.step()) return false;
     const giPoint2& p = chosen[static_cast<std::size_t>(i)];
     const PlanarMesh::Place place = mesh.locate(p, near);

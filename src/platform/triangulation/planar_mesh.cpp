@@ -42,7 +42,8 @@ void PlanarMesh::join(int half, int other) {
   if (other != none) mate_[at(other)] = half;
 }
 
-// --- finding points ---------------------------------------------------------------------------------------------------------------
+// --- finding points
+// ---------------------------------------------------------------------------------------------------------------
 
 // `side` holds the orientation of the point against each edge, none of them negative.
 PlanarMesh::Place PlanarMesh::place_in(int triangle, const double* side) const {
@@ -69,8 +70,9 @@ PlanarMesh::Place PlanarMesh::search_all(const giPoint2& p) const {
   return {PlaceKind::outside, none};
 }
 
-// The walk of O. Devillers, S. Pion, M. Teillaud, Walking in a triangulation, 2001, which remembers where it came from and tries the
-// edges from a random one on. It ends with probability one; the bound turns the improbable into a slow search.
+// The walk of O. Devillers, S. Pion, M. Teillaud, Walking in a triangulation, 2001, which remembers where it came from
+// and tries the edges from a random one on. It ends with probability one; the bound turns the improbable into a slow
+// search.
 PlanarMesh::Place PlanarMesh::locate(const giPoint2& p, int from_triangle) {
   int t = from_triangle;
   int came_from = none;
@@ -93,8 +95,8 @@ PlanarMesh::Place PlanarMesh::locate(const giPoint2& p, int from_triangle) {
   return search_all(p);
 }
 
-// The edge through which the line from `from` to the target leaves the triangle; `none` when the target lies in it. `side` holds the
-// target's orientation against each edge.
+// The edge through which the line from `from` to the target leaves the triangle; `none` when the target lies in it.
+// `side` holds the target's orientation against each edge.
 int PlanarMesh::exit_towards(const giPoint2& target, const giPoint2& from, const double* side, int triangle) const {
   for (int k = 0; k < 3; ++k) {
     if (side[k] >= 0.0) continue;
@@ -123,7 +125,8 @@ PlanarMesh::Place PlanarMesh::locate_straight(const giPoint2& target, int from_t
   return {PlaceKind::outside, none};
 }
 
-// --- inserting and turning --------------------------------------------------------------------------------------------------------
+// --- inserting and turning
+// --------------------------------------------------------------------------------------------------------
 
 int PlanarMesh::insert(const giPoint2& p, const Place& place) {
   const int node = node_count();
@@ -157,8 +160,8 @@ int PlanarMesh::insert(const giPoint2& p, const Place& place) {
   return node;
 }
 
-// Exchanges the diagonal a-b of the quadrangle a, d, b, c for d-c. The half-edge keeps its number; afterwards it runs from d to c, and
-// the half-edges previous(half) and next(mate(half)) are those opposite c.
+// Exchanges the diagonal a-b of the quadrangle a, d, b, c for d-c. The half-edge keeps its number; afterwards it runs
+// from d to c, and the half-edges previous(half) and next(mate(half)) are those opposite c.
 void PlanarMesh::turn(int half) {
   const int h_next = next(half), h_previous = previous(half);
   const int other = mate(half), o_next = next(other), o_previous = previous(other);

@@ -5,12 +5,13 @@
 
 #include "platform/geometry/point2.h"
 
-/// A triangulation of a rectangle in which chosen edges are fixed, Delaunay but for those: no node that a triangle can see across
-/// edges that are not fixed lies inside its circle.
+/// A triangulation of a rectangle in which chosen edges are fixed, Delaunay but for those: no node that a triangle can
+/// see across edges that are not fixed lies inside its circle.
 ///
-/// Half-edges are numbered 3 t + k, k = 0, 1, 2 counter-clockwise around triangle t. Nodes 0 to 3 are the corners of the rectangle, the
-/// next ones are numbered as they are inserted; triangles are never deleted. Coordinates are such as exact_predicates.h asks for.
-/// All topological decisions are exact; ties are decided by the order of insertion. Members may throw std::bad_alloc.
+/// Half-edges are numbered 3 t + k, k = 0, 1, 2 counter-clockwise around triangle t. Nodes 0 to 3 are the corners of
+/// the rectangle, the next ones are numbered as they are inserted; triangles are never deleted. Coordinates are such as
+/// exact_predicates.h asks for. All topological decisions are exact; ties are decided by the order of insertion.
+/// Members may throw std::bad_alloc.
 class PlanarMesh {
  public:
   static constexpr int none = -1;
@@ -50,18 +51,19 @@ class PlanarMesh {
 
   /// Finds a point by walking from `from_triangle`; a few steps when that is near.
   Place locate(const giPoint2& p, int from_triangle);
-  /// The triangle that holds `target`, walking straight from inside `from_triangle`; `outside` when a fixed edge bars the way.
+  /// The triangle that holds `target`, walking straight from inside `from_triangle`; `outside` when a fixed edge bars
+  /// the way.
   Place locate_straight(const giPoint2& target, int from_triangle) const;
 
-  /// Inserts a point where `locate` found it, in a triangle or on an edge that is not fixed, and restores the Delaunay property. The
-  /// new triangles belong to the region of the old. Returns the node's number.
+  /// Inserts a point where `locate` found it, in a triangle or on an edge that is not fixed, and restores the Delaunay
+  /// property. The new triangles belong to the region of the old. Returns the node's number.
   int insert(const giPoint2& p, const Place& place);
-  /// Makes the edge from a to b one of the triangulation and fixes it, with the inside on its left. `touches` when it runs through
-  /// a node or along a fixed edge, `crosses` when it crosses one; nothing has changed then.
-  /// Cost: the number of edges crossed, and the turns of edges needed to restore the Delaunay property.
+  /// Makes the edge from a to b one of the triangulation and fixes it, with the inside on its left. `touches` when it
+  /// runs through a node or along a fixed edge, `crosses` when it crosses one; nothing has changed then. Cost: the
+  /// number of edges crossed, and the turns of edges needed to restore the Delaunay property.
   EdgeResult fix_edge(int a, int b);
-  /// Sorts the triangles into regions by the fixed edges, starting from the rectangle's rim as outside; false when an edge has the
-  /// same region on both sides or the inside on its right.
+  /// Sorts the triangles into regions by the fixed edges, starting from the rectangle's rim as outside; false when an
+  /// edge has the same region on both sides or the inside on its right.
   bool mark_regions();
 
   /// Moves a node to where all its triangles keep their turn; the Delaunay property waits for `restore_around`.

@@ -2,14 +2,15 @@
 #include "platform/triangulation/exact_predicates.h"
 #include "platform/triangulation/planar_mesh.h"
 
-// What an edge crosses. A link is an edge of the rim of the hole that the crossed triangles leave. A chain lists links from one end of
-// the new edge to the other, the hole on their left.
+// What an edge crosses. A link is an edge of the rim of the hole that the crossed triangles leave. A chain lists links
+// from one end of the new edge to the other, the hole on their left.
 struct PlanarMesh::Cavity {
   std::vector<int> triangles;  // those not yet used again stand at the end
   std::vector<int> halves;     // by link: its half-edge in the old triangle, then in the new one
   std::vector<int> starts;     // by link
-  std::vector<int> outer;      // by link: the half-edge beyond, or -2 - i where link i is the same edge seen from its other side
-  std::vector<Side> sides;     // by link
+  std::vector<int>
+      outer;  // by link: the half-edge beyond, or -2 - i where link i is the same edge seen from its other side
+  std::vector<Side> sides;       // by link
   std::vector<int> right, left;  // chains: from the edge's start to its end, and back
 };
 
@@ -27,10 +28,9 @@ PlanarMesh::EdgeResult PlanarMesh::fix_edge(int a, int b) {
   if (!fill_side(cavity, cavity.right, b, to_a) || !fill_side(cavity, cavity.left, a, to_b)) return EdgeResult::crosses;
   link_chains(cavity);
   join(to_a, to_b);
+  result = fix_existing(to_b);  // before any turn, which could take the edge away again
   turn_pending();
-  for (int half = leaving(a);; half = next_leaving(half)) {
-    if (end(half) == b) return fix_existing(half);
-  }
+  return result;
 }
 
 PlanarMesh::EdgeResult PlanarMesh::fix_existing(int half) {
@@ -97,9 +97,9 @@ void PlanarMesh::mark_links(Cavity& cavity) {
   for (const int half : cavity.halves) link_of_[at(half)] = none;
 }
 
-// Fills the polygon of a chain that ends at node `last` and the new edge. Every node of the chain sees the new edge, so cutting corners from one end on leaves no
-// corner over (G. Toussaint, D. Avis, On a convex hull algorithm for polygons and its application to triangulation problems, 1982).
-// `base` becomes the half-edge along the new edge.
+// Fills the polygon of a chain that ends at node `last` and the new edge. Every node of the chain sees the new edge, so
+// cutting corners from one end on leaves no corner over (G. Toussaint, D. Avis, On a convex hull algorithm for polygons
+// and its application to triangulation problems, 1982). `base` becomes the half-edge along the new edge.
 bool PlanarMesh::fill_side(Cavity& cavity, const std::vector<int>& chain, int last, int& base) {
   struct Step {
     int node;  // where it starts

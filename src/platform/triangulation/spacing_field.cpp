@@ -25,7 +25,8 @@ double segment_distance_sq(const giPoint2& a, const giPoint2& b, const giPoint2&
 
 }  // namespace
 
-SpacingField::SpacingField(const std::vector<giPoint2>& points, const std::vector<int>& next, double spacing, Slopes slopes)
+SpacingField::SpacingField(const std::vector<giPoint2>& points, const std::vector<int>& next, double spacing,
+                           Slopes slopes)
     : spacing_(spacing), least_(spacing), slopes_(slopes) {
   const std::size_t n = points.size();
   edges_.resize(n);
@@ -77,7 +78,8 @@ double SpacingField::at(const giPoint2& p) const {
     const std::size_t i = stack[--depth];
     const TreeNode& node = tree_[i];
     const double distance = std::sqrt(box_distance_sq(node.box, p));
-    if (node.shortest + slopes_.growth * distance >= upper && node.longest - slopes_.shrinkage * distance <= lower) continue;
+    if (node.shortest + slopes_.growth * distance >= upper && node.longest - slopes_.shrinkage * distance <= lower)
+      continue;
     if (i < leaves_) {
       stack[depth++] = 2 * i;
       stack[depth++] = 2 * i + 1;

@@ -7,8 +7,8 @@
 
 /// How far apart interior nodes shall be, place by place, and how near the boundary is.
 ///
-/// The definition stands at at2Plane. A tree of boxes over the boundary's edges in the order of the loops answers both questions; in
-/// the inside of an area, at the full spacing, it is left after a few steps.
+/// The definition stands at at2Plane. A tree of boxes over the boundary's edges in the order of the loops answers both
+/// questions; in the inside of an area, at the full spacing, it is left after a few steps.
 class SpacingField {
  public:
   struct Slopes {
@@ -16,7 +16,8 @@ class SpacingField {
     double shrinkage;  // away from longer ones
   };
 
-  /// `points` are the boundary's nodes in the order of the loops and `next` the one that follows each; at least one. Cost: O(n).
+  /// `points` are the boundary's nodes in the order of the loops and `next` the one that follows each; at least one.
+  /// Cost: O(n).
   SpacingField(const std::vector<giPoint2>& points, const std::vector<int>& next, double spacing, Slopes slopes);
 
   double spacing() const { return spacing_; }
@@ -40,7 +41,8 @@ class SpacingField {
   TreeNode leaf_node(std::size_t leaf) const;
 
   std::vector<Edge> edges_;
-  std::vector<TreeNode> tree_;  // node i has the children 2 i and 2 i + 1; the leaves start at leaves_, each of leaf_size edges
+  std::vector<TreeNode>
+      tree_;  // node i has the children 2 i and 2 i + 1; the leaves start at leaves_, each of leaf_size edges
   std::size_t leaves_ = 0;
   double spacing_;
   double least_;
