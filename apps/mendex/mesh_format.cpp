@@ -22,10 +22,10 @@ constexpr FormatTraits format_traits[] = {
     {"OBJ", "obj", "text; read in single precision; colours of vertices"},
     {"PLY", "ply", "binary; read in single precision; colours of vertices"},
     {"OFF", "off", "text; read in single precision; colours are written, not read"},
-    {"3MF", "3mf", "text in a zip file, 6 digits; an object for each colour"},
-    {"glTF", "gltf", "single precision; colours of vertices"},
-    {"binary glTF", "glb", "single precision; colours of vertices"},
-    {"COLLADA", "dae", "text, single precision; colours of vertices"},
+    {"3MF", "3mf", "text in a zip file; read in single precision; an object for each colour"},
+    {"glTF", "gltf", "single precision; a part for each colour"},
+    {"binary glTF", "glb", "single precision; a part for each colour"},
+    {"COLLADA", "dae", "text, single precision; a part for each colour"},
     {"scene", "", "what the importer finds in it"},
 };
 

@@ -34,21 +34,20 @@ void warn_of_left_out(Session& session, const SceneMesh& mesh) {
   }
 }
 
-// How far a coordinate may be from what was written, in relation to it: half of the last digit, and what the importer's reading of
-// digits adds.
-double rounding_of(MeshFormat format) { return format == MeshFormat::three_mf ? 6e-6 : 5e-7; }
+// How far a coordinate may be from what was written, in relation to it: single precision, read from digits as the importer does.
+constexpr double rounding = 5e-7;
 
-bool is_near(double written, double read, double rounding) {
+bool is_near(double written, double read) {
   constexpr double least_float = 1.2e-38;
   return std::fabs(written - read) <= rounding * std::fabs(written) + least_float;
 }
 
-bool has_same_corners(const SceneMesh& a, const SceneMesh& b, std::size_t triangle, double rounding) {
+bool has_same_corners(const SceneMesh& a, const SceneMesh& b, std::size_t triangle) {
   for (std::size_t c = 0; c < 3; ++c) {
     const std::array<double, 3>& p = a.points[static_cast<std::size_t>(a.triangles[triangle][c])];
     const std::array<double, 3>& q = b.points[static_cast<std::size_t>(b.triangles[triangle][c])];
     for (std::size_t k = 0; k < 3; ++k) {
-      if (!is_near(p[k], q[k], rounding)) return false;
+      if (!is_near(p[k], q[k])) return false;
     }
   }
   return true;
@@ -101,10 +100,11 @@ SceneMesh scene_of_mesh(Session& session, MeshFormat format) {
   mesh.take(pool);
   mesh.drop_collapsed();
   if (mesh.triangles.empty()) throw Failure(ExitCode::cannot_write, "the format holds no mesh without triangles");
-  if (format == MeshFormat::three_mf) {
-    mesh.sort_by_colour();
-  } else if (format != MeshFormat::off) {
-    mesh.split_by_colour();
+  switch (format) {
+    case MeshFormat::obj:
+    case MeshFormat::ply: mesh.split_by_colour(); break;
+    case MeshFormat::off: break;
+    default: mesh.sort_by_colour();
   }
   return mesh;
 }
@@ -118,9 +118,8 @@ bool reads_back(const SceneMesh& written, MeshFormat format, int file) {
     return false;
   }
   if (read.triangles.size() != written.triangles.size() || !has_same_colours(written, read, format)) return false;
-  const double rounding = rounding_of(format);
   for (std::size_t k = 0; k < written.triangles.size(); ++k) {
-    if (!has_same_corners(written, read, k, rounding)) return false;
+    if (!has_same_corners(written, read, k)) return false;
   }
   return true;
 }

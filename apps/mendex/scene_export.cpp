@@ -1,10 +1,7 @@
-// Scenes written: the plain formats of polygons by ourselves, the others through the Open Asset Import Library.
+// Scenes written: by ourselves where the Open Asset Import Library would lose digits or colours, the others through it.
 
-#include <assimp/DefaultIOSystem.h>
 #include <assimp/material.h>
 #include <assimp/scene.h>
-#include <sys/mman.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <assimp/Exporter.hpp>
@@ -12,6 +9,7 @@
 #include <nlohmann/json.hpp>
 
 #include "failure.h"
+#include "scene_3mf.h"
 #include "scene_file.h"
 #include "scene_polygon_files.h"
 
@@ -56,18 +54,6 @@ aiMesh* make_part(const SceneMesh& mesh, std::size_t first, std::size_t last, st
   return part.release();
 }
 
-// All in one part, with the colours in its vertices, none of which has two.
-void add_coloured_part(const SceneMesh& mesh, std::vector<aiMesh*>& parts) {
-  std::vector<int> numbers(mesh.points.size(), -1);
-  aiMesh* const part = make_part(mesh, 0, mesh.triangles.size(), numbers);
-  parts.push_back(part);
-  if (mesh.colours.empty()) return;
-  part->mColors[0] = new aiColor4D[part->mNumVertices];
-  for (std::size_t k = 0; k < mesh.triangles.size(); ++k) {
-    for (unsigned c = 0; c < 3; ++c) part->mColors[0][part->mFaces[k].mIndices[c]] = colour_of(mesh.colours[k]);
-  }
-}
-
 // A part for each colour; the triangles are sorted by it.
 void add_part_of_each_colour(const SceneMesh& mesh, std::vector<aiMesh*>& parts, std::vector<aiMaterial*>& materials) {
   std::vector<int> numbers(mesh.points.size(), -1);
@@ -78,7 +64,7 @@ void add_part_of_each_colour(const SceneMesh& mesh, std::vector<aiMesh*>& parts,
     part->mMaterialIndex = static_cast<unsigned>(materials.size());
     parts.push_back(part);
     auto* const material = new aiMaterial;
-    const aiString name(mesh.colours.empty() ? std::string("plain") : "colour" + std::to_string(materials.size() + 1));
+    const aiString name(mesh.colours.empty() ? std::string(AI_DEFAULT_MATERIAL_NAME) : "colour" + std::to_string(materials.size() + 1));
     material->AddProperty(&name, AI_MATKEY_NAME);
     const aiColor4D colour = colour_of(mesh.colours.empty() ? NO_COLOUR : mesh.colours[first]);
     material->AddProperty(&colour, 1, AI_MATKEY_COLOR_DIFFUSE);
@@ -94,17 +80,10 @@ T* copy_of(const std::vector<T>& list) {
 }
 
 // A root with one node that holds all parts.
-std::unique_ptr<aiScene> make_scene(const SceneMesh& mesh, MeshFormat format) {
+std::unique_ptr<aiScene> make_scene(const SceneMesh& mesh) {
   std::vector<aiMesh*> parts;
   std::vector<aiMaterial*> materials;
-  if (format == MeshFormat::three_mf) {
-    add_part_of_each_colour(mesh, parts, materials);
-  } else {
-    add_coloured_part(mesh, parts);
-    materials.push_back(new aiMaterial);
-    const aiString name(AI_DEFAULT_MATERIAL_NAME);
-    materials.back()->AddProperty(&name, AI_MATKEY_NAME);
-  }
+  add_part_of_each_colour(mesh, parts, materials);
   auto scene = std::make_unique<aiScene>();
   scene->mMetaData = new aiMetadata;
   scene->mNumMeshes = static_cast<unsigned>(parts.size());
@@ -153,33 +132,6 @@ std::string exported_bytes(const aiScene& scene, MeshFormat format) {
   return std::string(static_cast<const char*>(blob->data), blob->size);
 }
 
-// The exporter of this format writes to a path of its own accord, and removes what is there first.
-class NothingThere : public Assimp::DefaultIOSystem {
- public:
-  bool Exists(const char*) const override { return false; }
-};
-
-std::string exported_archive(const aiScene& scene) {
-  const int file = memfd_create("archive", MFD_CLOEXEC);
-  if (file < 0) fail("no memory");
-  const std::string path = "/proc/self/fd/" + std::to_string(file);
-  Assimp::Exporter exporter;
-  exporter.SetIOHandler(new NothingThere);
-  const bool is_done = exporter.Export(&scene, "3mf", path) == aiReturn_SUCCESS;
-  const off_t size = lseek(file, 0, SEEK_END);
-  std::string bytes(is_done && size > 0 ? static_cast<std::size_t>(size) : 0, '\0');
-  std::size_t done = 0;
-  while (done < bytes.size()) {
-    const ssize_t n = pread(file, &bytes[done], bytes.size() - done, static_cast<off_t>(done));
-    if (n <= 0) break;
-    done += static_cast<std::size_t>(n);
-  }
-  close(file);
-  if (!is_done) fail(exporter.GetErrorString());
-  if (bytes.empty() || done < bytes.size()) fail("the exporter gave no archive");
-  return bytes;
-}
-
 }  // namespace
 
 void write_scene(const SceneMesh& mesh, MeshFormat format, std::FILE* stream) {
@@ -188,9 +140,9 @@ void write_scene(const SceneMesh& mesh, MeshFormat format, std::FILE* stream) {
     case MeshFormat::obj: is_written = write_obj(mesh, stream); break;
     case MeshFormat::ply: is_written = write_ply(mesh, stream); break;
     case MeshFormat::off: is_written = write_off(mesh, stream); break;
+    case MeshFormat::three_mf: is_written = write_3mf(mesh, stream); break;
     default: {
-      const std::unique_ptr<aiScene> scene = make_scene(mesh, format);
-      const std::string bytes = format == MeshFormat::three_mf ? exported_archive(*scene) : exported_bytes(*scene, format);
+      const std::string bytes = exported_bytes(*make_scene(mesh), format);
       is_written = std::fwrite(bytes.data(), 1, bytes.size(), stream) == bytes.size();
     }
   }

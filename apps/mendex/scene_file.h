@@ -33,6 +33,6 @@ enum class SceneCorners {
 /// unreadable file like any other. Throws, as on interruption; a scene without triangles is returned as it is.
 SceneMesh read_scene(const SceneSource& source, SceneCorners corners);
 
-/// Writes a mesh, whose colours are kept as the format can: a vertex is repeated where colours meet. 3MF: triangles are sorted by colour.
-/// Throws what prevents it.
+/// Writes a mesh, whose colours are kept as the format can: OBJ and PLY have them in vertices, none of which may have two, see
+/// SceneMesh::split_by_colour; 3MF, glTF and COLLADA have a part for each colour, see SceneMesh::sort_by_colour. Throws what prevents it.
 void write_scene(const SceneMesh& mesh, MeshFormat format, std::FILE* stream);

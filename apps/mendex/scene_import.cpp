@@ -223,7 +223,7 @@ bool is_scene_extension(const std::string& extension) {
 SceneMesh read_scene(const SceneSource& source, SceneCorners corners) {
   const std::uint64_t size = source.contents.size();
   WorkLimits limits;
-  limits.seconds = static_cast<int>(20 + size / 200'000);
+  limits.seconds = static_cast<int>(5 + size / 200'000);
   limits.bytes = (std::uint64_t{2} << 30) + 256 * size;
   SceneMesh mesh;
   if (!mesh.take_bytes(run_apart([&] { return import(source, corners); }, limits))) {

@@ -1,7 +1,6 @@
 #include "scene_polygon_files.h"
 
-#include <charconv>
-#include <cstring>
+#include "text_bytes.h"
 
 namespace {
 
@@ -17,10 +16,8 @@ class Output {
   // The shortest digits that read back to the same value, behind a blank.
   template <class T>
   Output& number(T value) {
-    char digits[40];
-    const std::to_chars_result end = std::to_chars(digits, digits + sizeof digits, value);
     bytes_ += ' ';
-    bytes_.append(digits, end.ptr);
+    append_number(bytes_, value);
     return *this;
   }
   Output& end_line() {
@@ -30,9 +27,7 @@ class Output {
   // The value as little-endian bytes, which is how the machine keeps it.
   template <class T>
   Output& raw(T value) {
-    char copy[sizeof value];
-    std::memcpy(copy, &value, sizeof value);
-    bytes_.append(copy, sizeof copy);
+    append_raw(bytes_, value);
     return *this;
   }
   Output& pass_on() {
