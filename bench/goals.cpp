@@ -129,6 +129,8 @@ std::vector<GoalLine> judge_goals(const RunFacts& facts) {
     judge.at_most("seconds, cap_round of " + std::to_string(nodes) + " nodes", limit,
                   facts.results.seconds("cap_round", nodes, FacetOrder::ordered));
   }
+  judge.ratio("slice", "flat_parse", 10.0);
+  judge.ratio("section", "flat_parse", 2.0);
   judge.growth(1.15);
   if (facts.memory) {
     judge.at_most("bytes a triangle, after reading", 220.0, facts.memory->after_reading);

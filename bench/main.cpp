@@ -125,6 +125,7 @@ std::vector<Measure> all_measures() {
   add_isect_measures(list);
   add_shapes_measures(list);
   add_sick_measures(list);
+  add_slice_measures(list);
   add_undo_measures(list);
   return list;
 }
