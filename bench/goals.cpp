@@ -102,6 +102,8 @@ std::vector<GoalLine> judge_goals(const RunFacts& facts) {
   for (const char* edit : {"reverse", "delete_all", "transform", "renumber"}) {
     judge.ratio(std::string(edit) + "_journalled", edit, 1.6);
   }
+  judge.at_most("fit_surface, 10^4 points, seconds", 1.0,
+                facts.results.seconds("fit_surface", 10'000, FacetOrder::ordered));
   judge.growth(1.15);
   if (facts.memory) {
     judge.at_most("bytes a triangle, after reading", 220.0, facts.memory->after_reading);
