@@ -6,6 +6,7 @@
 //                                             is missed
 //   mendex_bench --write-models FOLDER N      an ordered and a shuffled binary STL file of N triangles
 //   mendex_bench --boundary-probe FILE        reads one file, detects its boundary unmerged and prints its peak memory
+//   mendex_bench --reading-probe FILE         reads one file of any format and prints its peak memory
 //   mendex_bench --memory-probe FILE TOL      reads and merges one file and prints its peak memory
 #include <benchmark/benchmark.h>
 
@@ -105,6 +106,7 @@ int run(int argc, char** argv) {
   if (mode == "--summary") return summary(argc, argv);
   if (mode == "--write-models" && argc == 4) return write_models(argv[2], argv[3]);
   if (mode == "--boundary-probe" && argc == 3) return run_boundary_probe(argv[2]);
+  if (mode == "--reading-probe" && argc == 3) return run_reading_probe(argv[2]);
   if (mode == "--memory-probe" && argc == 4) return run_memory_probe(argv[2], argv[3]);
   return run_google_benchmark(argc, argv);
 }
@@ -114,12 +116,16 @@ int run(int argc, char** argv) {
 std::vector<Measure> all_measures() {
   std::vector<Measure> list;
   add_stl_measures(list);
+  add_formats_measures(list);
   add_merge_measures(list);
   add_topology_measures(list);
   add_cycles_measures(list);
+  add_cap_measures(list);
+  add_fill_measures(list);
   add_isect_measures(list);
   add_shapes_measures(list);
   add_sick_measures(list);
+  add_slice_measures(list);
   add_surface_measures(list);
   add_undo_measures(list);
   return list;

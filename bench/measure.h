@@ -16,13 +16,17 @@ struct Measure {
 
 /// Measures of one module, floors beside the operations that they belong to.
 void add_stl_measures(std::vector<Measure>& list);
+void add_formats_measures(std::vector<Measure>& list);
 void add_merge_measures(std::vector<Measure>& list);
 void add_sick_measures(std::vector<Measure>& list);
 void add_isect_measures(std::vector<Measure>& list);
 void add_topology_measures(std::vector<Measure>& list);
+void add_cap_measures(std::vector<Measure>& list);
 void add_cycles_measures(std::vector<Measure>& list);
+void add_fill_measures(std::vector<Measure>& list);
 void add_undo_measures(std::vector<Measure>& list);
 void add_shapes_measures(std::vector<Measure>& list);
+void add_slice_measures(std::vector<Measure>& list);
 void add_surface_measures(std::vector<Measure>& list);
 
 /// All of them, in the order in which a round runs them.

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "boundaries/cycle_array.h"
+#include "control/control.h"
 #include "formats/tri_read.h"
 #include "mesh/tri_block.h"
 #include "support/check.h"
@@ -31,6 +32,26 @@ std::vector<double> numbers_of(const std::string& arguments) {
   return numbers;
 }
 
+// The worst over the formats, which are written beside the model.
+std::optional<double> measure_reading(const std::filesystem::path& stl_file, double tol) {
+  double worst = 0.0;
+  for (const char* extension : {".mnx", ".mes", ".tri", ".kvx"}) {
+    std::filesystem::path file = stl_file;
+    file.replace_extension(extension);
+    {
+      trControl control;
+      control.action_read(utString(stl_file.string().c_str()));
+      control.action_undup(tol);
+      control.action_write(utString(file.string().c_str()));
+    }
+    const std::vector<double> peak = numbers_of("--reading-probe '" + file.string() + "'");
+    std::filesystem::remove(file);
+    if (peak.size() != 1) return std::nullopt;
+    worst = std::max(worst, peak[0]);
+  }
+  return worst;
+}
+
 }  // namespace
 
 int run_boundary_probe(const char* stl_file) {
@@ -42,6 +63,17 @@ int run_boundary_probe(const char* stl_file) {
   require(set.num_boundaries() == block.element_count() - 1, "boundaries of loose triangles");
   const std::int64_t peak = peak_resident_bytes();
   std::printf("%.17g\n", static_cast<double>(peak - loaded) / (block.element_count() - 1));
+  return peak > 0 ? 0 : 1;
+}
+
+int run_reading_probe(const char* file) {
+  trControl control;
+  reset_peak_memory();
+  const std::int64_t before = resident_bytes();
+  require(control.action_read(utString(file)) != tr_unknown_file, "action_read found no file");
+  const std::int64_t peak = peak_resident_bytes();
+  require(control.triblock().element_count() > 1, "action_read read nothing");
+  std::printf("%.17g\n", static_cast<double>(peak - before) / static_cast<double>(resident_bytes() - before));
   return peak > 0 ? 0 : 1;
 }
 
@@ -67,6 +99,7 @@ std::optional<MemoryUse> measure_memory(const std::filesystem::path& stl_file, d
   const std::string file = "'" + stl_file.string() + "'";
   const std::vector<double> merging = numbers_of("--memory-probe " + file + " " + tolerance);
   const std::vector<double> boundary = numbers_of("--boundary-probe " + file);
-  if (merging.size() != 2 || boundary.size() != 1) return std::nullopt;
-  return MemoryUse{merging[0], merging[1], boundary[0]};
+  const std::optional<double> reading = measure_reading(stl_file, tol);
+  if (merging.size() != 2 || boundary.size() != 1 || !reading) return std::nullopt;
+  return MemoryUse{merging[0], merging[1], *reading, boundary[0]};
 }

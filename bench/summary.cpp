@@ -130,6 +130,7 @@ class Summary {
       if (!facts_.memory) facts_.memory = line.use;
       facts_.memory->after_reading = std::max(facts_.memory->after_reading, line.use.after_reading);
       facts_.memory->while_merging = std::max(facts_.memory->while_merging, line.use.while_merging);
+      facts_.memory->file_reading = std::max(facts_.memory->file_reading, line.use.file_reading);
       facts_.memory->boundary_of_soup = std::max(facts_.memory->boundary_of_soup, line.use.boundary_of_soup);
     }
   }
@@ -170,10 +171,10 @@ class Summary {
     if (memory_.empty()) return;
     std::printf(
         "\nPeak bytes a triangle\n\n| triangles | order | tolerance | after reading | more while merging "
-        "| more for the boundary, unmerged |\n|--:|---|---|--:|--:|--:|\n");
+        "| more for the boundary, unmerged | reading a file / after it |\n|--:|---|---|--:|--:|--:|--:|\n");
     for (const MemoryLine& line : memory_) {
-      std::printf("| %zu | %s | %s | %.1f | %.1f | %.1f |\n", line.facets, name_of(line.order), line.tolerance,
-                  line.use.after_reading, line.use.while_merging, line.use.boundary_of_soup);
+      std::printf("| %zu | %s | %s | %.1f | %.1f | %.1f | %.2f |\n", line.facets, name_of(line.order), line.tolerance,
+                  line.use.after_reading, line.use.while_merging, line.use.boundary_of_soup, line.use.file_reading);
     }
   }
 

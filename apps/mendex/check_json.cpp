@@ -15,7 +15,11 @@ Json elements_with_places(const trTriBlock& mesh, const std::vector<int>& elemen
 Json boundaries_with_places(const MeshCheck& check) {
   Json list = Json::array();
   for (const FoundBoundary& boundary : check.boundaries) {
-    list.push_back({{"edges", boundary.edges}, {"at", triple(boundary.at)}});
+    list.push_back({{"number", boundary.number},
+                    {"edges", boundary.edges()},
+                    {"length", number(boundary.length)},
+                    {"at", triple(boundary.at)},
+                    {"nodes", boundary.nodes}});
   }
   return list;
 }
@@ -41,7 +45,7 @@ Json shells_of(const MeshCheck& check) {
 
 Json sizes_of(const MeshCheck& check) {
   std::vector<int> sizes;
-  for (const FoundBoundary& boundary : check.boundaries) sizes.push_back(boundary.edges);
+  for (const FoundBoundary& boundary : check.boundaries) sizes.push_back(boundary.edges());
   std::sort(sizes.begin(), sizes.end());
   return sizes;
 }

@@ -1,19 +1,10 @@
 #include "check_report.h"
 
-#include <cstdarg>
-#include <cstdio>
 #include <map>
 
-namespace {
+#include "text.h"
 
-__attribute__((format(printf, 1, 2))) std::string formatted(const char* format, ...) {
-  char text[400];
-  va_list values;
-  va_start(values, format);
-  std::vsnprintf(text, sizeof text, format, values);
-  va_end(values);
-  return text;
-}
+namespace {
 
 // The lines of the table: a name, a count, and what there is to say about it. Counts of defects are marked.
 class Table {
@@ -25,6 +16,7 @@ class Table {
     row(count == 0 ? ' ' : '!', name, count, count == 0 ? "" : note);
     defects_ += count != 0;
   }
+  void lines(const std::string& text) { text_ += text; }
   std::string take() {
     text_ += defects_ == 0 ? "  no defects\n" : formatted("  %d kind%s of defects, marked !\n", defects_, defects_ == 1 ? "" : "s");
     return std::move(text_);
@@ -39,8 +31,6 @@ class Table {
   int defects_ = 0;
 };
 
-std::string place(const giPoint3& p) { return formatted("(%.5g %.5g %.5g)", p.x, p.y, p.z); }
-
 // The first of the elements, as an example.
 std::string first_of(const trTriBlock& mesh, const std::vector<int>& elements, const std::string& what = "") {
   if (elements.empty()) return "";
@@ -51,7 +41,7 @@ std::string first_of(const trTriBlock& mesh, const std::vector<int>& elements, c
 std::string sizes_of(const std::vector<FoundBoundary>& boundaries) {
   constexpr std::size_t shown = 8;
   std::map<int, int> histogram;
-  for (const FoundBoundary& boundary : boundaries) ++histogram[boundary.edges];
+  for (const FoundBoundary& boundary : boundaries) ++histogram[boundary.edges()];
   std::string text;
   std::size_t k = 0;
   for (const auto& [edges, count] : histogram) {
@@ -65,9 +55,21 @@ std::string boundary_note(const MeshCheck& check) {
   if (check.boundaries.empty()) return "";
   const FoundBoundary* largest = &check.boundaries.front();
   for (const FoundBoundary& boundary : check.boundaries) {
-    if (boundary.edges > largest->edges) largest = &boundary;
+    if (boundary.edges() > largest->edges()) largest = &boundary;
   }
   return formatted("%d free edges; sizes ", check.free_edges) + sizes_of(check.boundaries) + "; largest round " + place(largest->at);
+}
+
+// A line for each of the first.
+std::string boundary_lines(const MeshCheck& check) {
+  constexpr std::size_t shown = 10;
+  std::string text;
+  for (std::size_t k = 0; k < check.boundaries.size() && k < shown; ++k) {
+    const FoundBoundary& boundary = check.boundaries[k];
+    text += formatted("    hole %-6d %11d edges, length %.5g, round ", boundary.number, boundary.edges(), boundary.length) + place(boundary.at) + "\n";
+  }
+  if (check.boundaries.size() > shown) text += formatted("    ... and %zu more; --json lists all\n", check.boundaries.size() - shown);
+  return text;
 }
 
 std::string sick_note(const MeshCheck& check) {
@@ -100,6 +102,7 @@ std::string text_of_check(const Session& session, const std::string& file, const
   table.fact("shells", static_cast<long long>(check.shells.size()));
   table.fact("closed shells", check.closed_shells(), volumes_of(check.shells));
   table.defect("boundaries", static_cast<long long>(check.boundaries.size()), boundary_note(check));
+  table.lines(boundary_lines(check));
   table.defect("sick edges", static_cast<long long>(check.sick_edges.size()), sick_note(check));
   table.defect("collapsed triangles", size(check.collapsed),
                check.collapsed.empty() ? "" : formatted("two corners are one; first is %d", check.collapsed.front()));

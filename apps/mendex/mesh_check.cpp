@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "element_snapshot.h"
 #include "interruption.h"
 
 namespace {
@@ -13,38 +14,6 @@ std::vector<int> numbers_in(const intcoPageArr& list) {
   for (int k = 0; k < list.count(); ++k) numbers.push_back(list[k]);
   return numbers;
 }
-
-// The elements of a mesh at one time.
-class Snapshot {
- public:
-  explicit Snapshot(const trTriBlock& mesh) : mesh_(mesh) {
-    elements_.reserve(static_cast<std::size_t>(mesh.element_count()));
-    for (int e = 0; e < mesh.element_count(); ++e) elements_.push_back(mesh.element(e));
-  }
-
-  // The elements that were there and are gone.
-  std::vector<int> deleted_since() const {
-    return those([](const trElement& before, const trElement& now) { return before.valid() && !now.valid(); });
-  }
-  // The elements whose corners run another way.
-  std::vector<int> reversed_since() const {
-    return those([](const trElement& before, const trElement& now) { return now.valid() && before[1] != now[1]; });
-  }
-
- private:
-  template <class Differs>
-  std::vector<int> those(Differs differs) const {
-    std::vector<int> numbers;
-    const int count = static_cast<int>(elements_.size());
-    for (int e = 1; e < count; ++e) {
-      if (differs(elements_[static_cast<std::size_t>(e)], mesh_.element(e))) numbers.push_back(e);
-    }
-    return numbers;
-  }
-
-  const trTriBlock& mesh_;
-  std::vector<trElement> elements_;
-};
 
 // The complement of a set of elements among those of the mesh.
 std::vector<int> others(const trTriBlock& mesh, const std::vector<int>& numbers) {
@@ -85,7 +54,7 @@ class Checker {
   void weld() {
     if (!limits_.weld) return;
     const int before = mesh_.valid_nodes();
-    const Snapshot snapshot(mesh_);
+    const ElementSnapshot snapshot(mesh_);
     mesh_.unduplicate_nodes(*limits_.weld);
     check_.nodes_merged = before - mesh_.valid_nodes();
     check_.collapsed = snapshot.deleted_since();
@@ -94,11 +63,7 @@ class Checker {
   void trace_boundaries() {
     trCycleArray& cycles = control_.cycles();
     check_.free_edges = cycles.num_edges();
-    const int count = cycles.num_boundaries();
-    for (int k = 0; k < count; ++k) {
-      const giBox3 box = cycles.cycles[k].box();
-      check_.boundaries.push_back({cycles.cycles[k].size(), box.point_at(0.5, 0.5, 0.5)});
-    }
+    check_.boundaries = find_boundaries(cycles);
   }
 
   void find_sick() {
@@ -157,7 +122,7 @@ class Checker {
   }
 
   void find_repeated() {
-    const Snapshot snapshot(mesh_);
+    const ElementSnapshot snapshot(mesh_);
     try_edit("repeating", [&] { mesh_.repeating(); }, [&] { check_.repeated = snapshot.deleted_since(); });
     try_edit("cancelling", [&] { mesh_.cancelling(1); }, [&] { check_.cancelling = snapshot.deleted_since(); });
   }
@@ -165,7 +130,7 @@ class Checker {
   // Orienting turns over the smaller side of each piece, and then perhaps the whole mesh, so that its top faces up: of the elements that
   // it turned and those that it did not, the fewer are the odd ones.
   void find_misoriented() {
-    const Snapshot snapshot(mesh_);
+    const ElementSnapshot snapshot(mesh_);
     try_edit("orient", [&] { mesh_.orient_normals(); }, [&] { check_.misoriented = snapshot.reversed_since(); });
     if (2 * static_cast<std::int64_t>(check_.misoriented.size()) > check_.mesh.elements) {
       check_.misoriented = others(mesh_, check_.misoriented);

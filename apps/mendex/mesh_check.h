@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "holes.h"
 #include "report.h"
 #include "shells.h"
 
@@ -15,12 +16,6 @@ struct CheckLimits {
   double thin = 0.0001;                       // height over longest edge, as a ratio
   double overlap_deg = 2.5;                   // angle between neighbours
   giUnitVec3 up;                              // triangles that face away from it overhang
-};
-
-/// A loop of free edges.
-struct FoundBoundary {
-  int edges = 0;
-  giPoint3 at;  // middle of its box
 };
 
 /// An edge with more than two triangles.

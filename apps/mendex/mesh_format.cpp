@@ -2,6 +2,24 @@
 
 namespace {
 
+struct FormatTraits {
+  const char* name;
+  const char* extension;
+  const char* contents;
+};
+
+// By MeshFormat.
+constexpr FormatTraits format_traits[] = {
+    {"native", "mnx", "everything, to the bit: numbers, attributes, colours"},
+    {"mesh file", "mes", "text, 4 decimals; numbers, up to four attributes, colours"},
+    {"triangle file", "tri", "text, 5 decimals; normals as attributes"},
+    {"binary STL", "stl", "single precision; three nodes a triangle"},
+    {"ASCII STL", "ast", "text, 7 digits; three nodes a triangle"},
+    {"KVX", "kvx", "to the bit; three nodes a triangle"},
+};
+
+const FormatTraits& traits_of(MeshFormat format) { return format_traits[static_cast<std::size_t>(format)]; }
+
 char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
 std::string lower(std::string_view text) {
@@ -26,21 +44,49 @@ bool is_ascii_stl(std::string_view head) {
   return is_text && contains(text, "vertex") && contains(text, "endfacet");
 }
 
+bool starts_with(std::string_view text, std::string_view start) { return text.substr(0, start.size()) == start; }
+
+// Skips lines up to one with an asterisk as its second character, as the reader does; what follows it begins with a number.
+bool is_triangle_file(std::string_view head) {
+  if (head.find('\0') != std::string_view::npos) return false;
+  const std::size_t star = head.size() > 1 && head[1] == '*' ? 0 : head.find("\n *");
+  return star != std::string_view::npos && contains(std::string(head.substr(0, 4096)), "TRIANGLE BLOCK");
+}
+
+bool is_mesh_file(std::string_view head) {
+  if (head.find('\0') != std::string_view::npos) return false;
+  const std::string text(head);
+  return contains(text, "NODES,FORMAT=") && (starts_with(head, "$INIT") || contains(text, "ELEMENTS,TYPE=") || starts_with(head, "N"));
+}
+
 }  // namespace
 
-const char* name_of(MeshFormat format) { return format == MeshFormat::binary_stl ? "binary STL" : "ASCII STL"; }
+const char* name_of(MeshFormat format) { return traits_of(format).name; }
+
+const char* extension_of(MeshFormat format) { return traits_of(format).extension; }
+
+int decimals_of(MeshFormat format) {
+  return format == MeshFormat::triangle_file ? 5 : (format == MeshFormat::mesh_file ? 4 : 0);
+}
+
+const char* contents_of(MeshFormat format) { return traits_of(format).contents; }
 
 std::optional<MeshFormat> format_of_extension(const std::string& path) {
   const std::size_t name = path.rfind('/') + 1;  // 0 without a slash
   const std::size_t dot = path.rfind('.');
   if (dot == std::string::npos || dot < name) return {};
   const std::string extension = lower(path.substr(dot));
-  if (extension == ".stl") return MeshFormat::binary_stl;
-  if (extension == ".ast") return MeshFormat::ascii_stl;
+  for (const MeshFormat format : all_formats) {
+    if (extension.compare(1, std::string::npos, extension_of(format)) == 0) return format;
+  }
   return {};
 }
 
-const char* writable_extensions() { return ".stl (binary STL) and .ast (ASCII STL)"; }
+std::string writable_extensions() {
+  std::string text;
+  for (const MeshFormat format : all_formats) text += (text.empty() ? "." : ", .") + std::string(extension_of(format));
+  return text;
+}
 
 std::uint32_t promised_facets(std::string_view head) {
   std::uint32_t count = 0;
@@ -49,6 +95,10 @@ std::uint32_t promised_facets(std::string_view head) {
 }
 
 std::optional<MeshFormat> format_of_content(std::string_view head, std::optional<std::uint64_t> size) {
+  if (starts_with(head, "MENDEX native file")) return MeshFormat::native;
+  if (starts_with(head, "KVX\r\n\x1a\n")) return MeshFormat::kvx;
+  if (is_mesh_file(head)) return MeshFormat::mesh_file;
+  if (is_triangle_file(head)) return MeshFormat::triangle_file;
   const bool has_header = head.size() >= binary_stl_header_bytes;
   if (has_header && size &&
       *size == binary_stl_header_bytes + binary_stl_facet_bytes * std::uint64_t{promised_facets(head)}) {

@@ -9,18 +9,26 @@
 namespace {
 
 // Calls the library's reader of the format; false when it met damage.
-bool read_facets(trTriBlock& mesh, InputFile& file, MeshFormat format) {
-  const bool is_binary = format == MeshFormat::binary_stl;
-  trTriRead reader(&mesh, is_binary ? file.stream() : file.stream_without_names(), 0, 0);
-  return (is_binary ? reader.read_stl(1, 0) : reader.read_ast(1, 0)) != 0;
+bool read_facets(Session& session, InputFile& file, MeshFormat format, const ReadRequest& request) {
+  FILE* const stream = format == MeshFormat::ascii_stl ? file.stream_without_names() : file.stream();
+  trTriRead reader(&session.mesh, stream, request.is_appended, request.keeps_attributes);
+  switch (format) {
+    case MeshFormat::native: return reader.read_native() != 0;
+    case MeshFormat::mesh_file: return reader.read_mes() != 0;
+    case MeshFormat::triangle_file: return reader.read_tri() != 0;
+    case MeshFormat::binary_stl: return reader.read_stl(request.first_facet, request.last_facet) != 0;
+    case MeshFormat::ascii_stl: return reader.read_ast(request.first_facet, request.last_facet) != 0;
+    case MeshFormat::kvx: return reader.read_kvx() != 0;
+  }
+  return false;
 }
 
-int triangles_read(const Session& session) { return session.mesh.element_count() - 1; }
+int triangles_in(const Session& session) { return session.mesh.element_count() - 1; }
 
-std::string account_of_damage(const Session& session, const InputFile& file, MeshFormat format) {
-  const std::string found = std::to_string(triangles_read(session));
+std::string account_of_damage(int triangles, const InputFile& file, MeshFormat format) {
+  const std::string found = std::to_string(triangles);
   std::string text = "the file is damaged: ";
-  if (triangles_read(session) == 0) {
+  if (triangles == 0) {
     text += "no triangle could be read";
   } else if (format == MeshFormat::binary_stl) {
     text += "of the " + std::to_string(promised_facets(file.head())) + " triangles that it promises, " + found +
@@ -33,7 +41,8 @@ std::string account_of_damage(const Session& session, const InputFile& file, Mes
 }
 
 // A count that is too low is damage of another kind: what it promises is there, and something else.
-void warn_of_surplus(Session& session, const InputFile& file) {
+void warn_of_surplus(Session& session, const InputFile& file, const ReadRequest& request) {
+  if (request.last_facet != 0) return;
   const std::uint64_t expected = binary_stl_header_bytes + binary_stl_facet_bytes * promised_facets(file.head());
   if (!file.size() || *file.size() < expected + binary_stl_facet_bytes) return;
   session.messages.warning(std::to_string(*file.size() - expected) + " bytes beyond the " +
@@ -43,27 +52,31 @@ void warn_of_surplus(Session& session, const InputFile& file) {
 
 }  // namespace
 
-ReadOutcome read_mesh(Session& session, const std::string& path) {
+ReadOutcome read_mesh(Session& session, const ReadRequest& request) {
+  const std::string& path = request.path;
   session.messages.set_file(path);
-  session.mesh.clear();  // a reader that fails on the header leaves the mesh as it was
+  if (!request.is_appended) session.mesh.clear();  // a reader that fails on the header leaves the mesh as it was
+  const int before = triangles_in(session);
+  const std::size_t warnings = session.messages.warnings().size();
   InputFile file(path);
   const std::optional<MeshFormat> format = format_of_content(file.head(), file.size());
-  if (!format) throw Failure(ExitCode::cannot_read, "is not an STL file, neither binary nor ASCII");
-  if (*format == MeshFormat::ascii_stl) {
-    session.progress.begin("reading " + path, [&file] { return file.fraction_read(); });
-  } else {
+  if (!format) throw Failure(ExitCode::cannot_read, "is neither STL, binary or ASCII, nor a mesh in another known format");
+  if (*format == MeshFormat::binary_stl) {
     session.progress.begin("reading " + path);
+  } else {
+    session.progress.begin("reading " + path, [&file] { return file.fraction_read(); });
   }
-  const bool is_complete = read_facets(session.mesh, file, *format) && file.error() == 0;
+  bool is_complete = read_facets(session, file, *format, request) && file.error() == 0;
   session.progress.begin("");
   Interruption::check();
-  if (!is_complete && triangles_read(session) == 0) {
-    throw Failure(ExitCode::cannot_read, account_of_damage(session, file, *format));
-  }
+  const int triangles = triangles_in(session) - before;
+  if (!is_complete && triangles == 0) throw Failure(ExitCode::cannot_read, account_of_damage(triangles, file, *format));
   if (!is_complete) {
-    session.messages.warning(account_of_damage(session, file, *format) + "; going on with those");
+    session.messages.warning(account_of_damage(triangles, file, *format) + "; going on with those");
   } else if (*format == MeshFormat::binary_stl) {
-    warn_of_surplus(session, file);
+    warn_of_surplus(session, file, request);
+  } else if (*format == MeshFormat::native && session.messages.warnings().size() != warnings) {
+    is_complete = false;
   }
   return {*format, is_complete};
 }

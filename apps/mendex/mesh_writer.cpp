@@ -2,6 +2,9 @@
 
 #include <sys/stat.h>
 
+#include <cmath>
+#include <cstdio>
+
 #include "failure.h"
 #include "interruption.h"
 #include "safe_output.h"
@@ -11,10 +14,31 @@ namespace {
 
 constexpr double unscaled = 1.0;
 
-bool write_facets(const trTriBlock& mesh, FILE* stream, const WriteRequest& request) {
+// Calls the library's writer of the format.
+bool write_elements(const trTriBlock& mesh, FILE* stream, const WriteRequest& request) {
   trTriWrite writer(&mesh, stream, unscaled);
-  const bool is_binary = request.format == MeshFormat::binary_stl;
-  return (is_binary ? writer.write_stl(request.is_positive) : writer.write_ast(request.is_positive)) != 0;
+  switch (request.format) {
+    case MeshFormat::native: return writer.write_native(request.is_renumbered) != 0;
+    case MeshFormat::mesh_file: return writer.write_mes(request.is_renumbered) != 0;
+    case MeshFormat::triangle_file: return (request.is_smooth ? writer.write_smooth_tri() : writer.write_tri()) != 0;
+    case MeshFormat::binary_stl: return writer.write_stl(request.is_positive) != 0;
+    case MeshFormat::ascii_stl: return writer.write_ast(request.is_positive) != 0;
+    case MeshFormat::kvx: return writer.write_kvx() != 0;
+  }
+  return false;
+}
+
+// A text with few decimals can round a small model away.
+void warn_of_coarse_decimals(Session& session, MeshFormat format) {
+  const int decimals = decimals_of(format);
+  const giBox3& box = session.mesh.box();
+  if (decimals == 0 || box.is_empty()) return;
+  const double size = (box.max() - box.min()).length();
+  constexpr double worth_a_warning = 1e-3;
+  if (std::pow(10.0, -decimals) <= worth_a_warning * size) return;
+  char text[160];
+  std::snprintf(text, sizeof text, "the format keeps %d decimals, which is coarse for a model of size %.3g", decimals, size);
+  session.messages.warning(text);
 }
 
 bool is_one_file(const std::string& a, const std::string& b) {
@@ -29,15 +53,18 @@ void write_mesh(Session& session, const WriteRequest& request) {
   session.messages.set_file(request.path);
   session.progress.begin("writing " + request.path);
   SafeOutput output(request.path);
-  const bool is_written = write_facets(session.mesh, output.stream(), request);
+  const bool is_written = write_elements(session.mesh, output.stream(), request);
   Interruption::check();
   output.check();
   if (!is_written) throw Failure(ExitCode::cannot_write, "cannot be written");
   const WrittenFileCheck check(session.mesh, output.descriptor(), request.format, request.is_positive);
   Interruption::check();
   if (!check.is_sound()) {
-    throw Failure(ExitCode::cannot_write, "what was written reads back differently; the file is left as it was");
+    const char* const reason = decimals_of(request.format) == 0 ? "" : ", as do numbers too large for the format's columns";
+    throw Failure(ExitCode::cannot_write,
+                  std::string("what was written reads back differently") + reason + "; the file is left as it was");
   }
+  warn_of_coarse_decimals(session, request.format);
   if (check.has_overflow()) session.messages.warning("coordinates too large for the format were written as infinite");
   // Whoever replaces his only copy must not lose both to a power cut; for other files the wait would double the time of
   // a run.

@@ -48,7 +48,8 @@ void Messages::put_line() {
   const std::string line = std::move(line_);
   line_.clear();
   // What a stopped read has to complain about is the stop itself.
-  const bool is_warning = !line.empty() && line[0] == '*' && !Interruption::requested();
+  const bool tells_damage = line.compare(0, 1, "*") == 0 || line.compare(0, 9, " WARNING:") == 0;
+  const bool is_warning = tells_damage && !Interruption::requested();
   if (is_warning) {
     warning(line);
   } else if (is_verbose_ && !line.empty()) {

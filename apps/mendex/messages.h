@@ -14,7 +14,7 @@ std::string printable(const std::string& text);
 /// prints.
 ///
 /// While an object of this class lives, the library's output comes here line by line. Lines that report damage (they
-/// begin with an asterisk) become warnings; the others are shown only on request.
+/// begin with an asterisk or with " WARNING:") become warnings; the others are shown only on request.
 class Messages : private std::streambuf {
  public:
   explicit Messages(ProgressBar& progress);

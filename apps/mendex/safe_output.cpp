@@ -83,6 +83,7 @@ void SafeOutput::take_over_permissions() const {
 FILE* SafeOutput::stream() {
   cookie_io_functions_t functions = {};
   functions.write = write_piece;
+  functions.seek = move;
   FILE* stream = fopencookie(this, "wb", functions);
   if (stream == nullptr) fail(errno);
   std::setvbuf(stream, nullptr, _IOFBF, buffer_bytes);
@@ -102,6 +103,13 @@ ssize_t SafeOutput::write_piece(void* self, const char* from, std::size_t size) 
     done += static_cast<std::size_t>(n);
   }
   return static_cast<ssize_t>(size);
+}
+
+int SafeOutput::move(void* self, off64_t* place, int origin) {
+  const off64_t reached = lseek64(static_cast<SafeOutput*>(self)->file_, *place, origin);
+  if (reached < 0) return -1;
+  *place = reached;
+  return 0;
 }
 
 void SafeOutput::check() const {

@@ -33,6 +33,7 @@ class SafeOutput {
 
  private:
   static ssize_t write_piece(void* self, const char* from, std::size_t size);
+  static int move(void* self, off64_t* place, int origin);
   void take_over_permissions() const;
 
   std::string target_;

@@ -1,48 +1,27 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
-#include "failure.h"
-#include "mesh_check.h"
-#include "report.h"
-#include "session.h"
+#include "mesh_format.h"
 
-struct InfoOptions {
-  std::vector<std::string> files;
-  bool is_json = false;
-};
+class CommandLine;
 
-struct CheckOptions {
-  std::vector<std::string> files;
-  CheckLimits limits;
-  bool is_json = false;
-};
-
-struct WeldOptions {
-  std::string input;
-  std::string output;
-  double tolerance = exact_copies;
-  bool is_positive = false;
-  bool is_json = false;
-};
-
-struct ConvertOptions {
-  std::string input;
-  std::string output;
-};
-
-/// `mendex info`: statistics and mass properties of each file. A file that fails is reported and the others go on.
-ExitCode run_info(Session& session, const InfoOptions& options);
-
-/// `mendex check`: what is wrong with each file. A file that fails is reported and the others go on.
-ExitCode run_check(Session& session, const CheckOptions& options);
-
-/// `mendex weld`: read, merge, drop what collapses, write.
-ExitCode run_weld(Session& session, const WeldOptions& options);
-
-/// `mendex convert`: read and write in the format that the output's name asks for.
-ExitCode run_convert(Session& session, const ConvertOptions& options);
+// Each adds a verb of the program to its command line.
+void add_info_verb(CommandLine& line);     // statistics and mass properties
+void add_check_verb(CommandLine& line);    // what is wrong
+void add_weld_verb(CommandLine& line);     // read, merge, drop what collapses, write
+void add_stitch_verb(CommandLine& line);   // join boundaries
+void add_fill_verb(CommandLine& line);     // close holes by fans
+void add_cap_verb(CommandLine& line);      // close holes by good triangles
+void add_clean_verb(CommandLine& line);    // delete what should not be there
+void add_orient_verb(CommandLine& line);   // turn triangles over
+void add_swap_verb(CommandLine& line);     // better diagonals
+void add_transform_verb(CommandLine& line);  // scale, turn, move
+void add_renumber_verb(CommandLine& line);   // close the gaps in the numbers
+void add_slice_verb(CommandLine& line);    // keep one side of a plane
+void add_section_verb(CommandLine& line);  // outlines of cuts
+void add_convert_verb(CommandLine& line);  // read and write in the format that the output's name asks for
+void add_formats_verb(CommandLine& line);  // what can be read and written
 
 /// The format that an output's name asks for; throws, naming what can be written, when there is none.
 MeshFormat output_format(const std::string& path);

@@ -1,5 +1,8 @@
 #include <cstdio>
+#include <memory>
 
+#include "arguments.h"
+#include "command_line.h"
 #include "interruption.h"
 #include "mesh_writer.h"
 #include "report.h"
@@ -7,13 +10,19 @@
 
 namespace {
 
+struct WeldOptions {
+  std::string input;
+  std::string output;
+  double tolerance = exact_copies;
+  bool is_positive = false;
+  bool is_json = false;
+};
+
 MeshStatistics counts_only(const MeshCounts& counts) {
   MeshStatistics statistics;
   static_cast<MeshCounts&>(statistics) = counts;
   return statistics;
 }
-
-}  // namespace
 
 ExitCode run_weld(Session& session, const WeldOptions& options) {
   const MeshFormat format = output_format(options.output);
@@ -36,4 +45,22 @@ ExitCode run_weld(Session& session, const WeldOptions& options) {
     std::printf("%s", text_of_weld(account).c_str());
   }
   return ExitCode::done;
+}
+
+}  // namespace
+
+void add_weld_verb(CommandLine& line) {
+  const auto options = std::make_shared<WeldOptions>();
+  CLI::App* verb = line.add_verb("weld", "Merge coincident nodes, drop triangles that collapse, write the result",
+                                 [options](Session& session) { return run_weld(session, *options); });
+  add_input(verb, options->input);
+  add_output(verb, options->output);
+  verb->add_option("--tol", options->tolerance,
+                   "Merge nodes up to this far apart, in the units of the model.\n"
+                   "Without it only exact copies merge; 0 merges nothing")
+      ->check(CLI::Validator(tolerance_problem, ""))
+      ->type_name("LENGTH");
+  verb->add_flag("--positive", options->is_positive, "Move the model, by round amounts, to where no coordinate is negative");
+  verb->add_flag("--json", options->is_json, "Print one JSON object with the statistics before and after");
+  verb->footer("OUT is replaced only when the new file is complete; on any failure, and on Ctrl-C, it stays as it was.");
 }

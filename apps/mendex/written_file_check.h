@@ -7,7 +7,8 @@
 /// Compares a file just written with the mesh it came from, in one pass over both.
 ///
 /// Binary STL: size, facet count, and every coordinate as the format rounds it (not the coordinates when the model was
-/// moved). ASCII STL: number of lines and the closing word.
+/// moved). ASCII STL: number of lines and the closing word. The other formats: the file is read back, and number, order
+/// and corners of the triangles compared, as the format rounds them.
 class WrittenFileCheck {
  public:
   WrittenFileCheck(const trTriBlock& mesh, int file, MeshFormat format, bool positive);
@@ -22,6 +23,7 @@ class WrittenFileCheck {
   bool check_facets(const char* records, int count, int& element);
   bool check_corner(const char* record, const giPoint3& point);
   bool check_ascii() const;
+  bool check_by_reading(MeshFormat format) const;
 
   const trTriBlock& mesh_;
   int file_;

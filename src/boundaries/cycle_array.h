@@ -2,10 +2,12 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <vector>
 
 #include "boundaries/cycle.h"
 #include "platform/geometry/length.h"
 #include "platform/geometry/unit_vec3.h"
+#include "platform/triangulation/at2_plane.h"
 
 /// The boundary of one block as a set of closed cycles of free edges.
 ///
@@ -70,6 +72,39 @@ class MENDEX_EXPORT trCycleArray {
   /// about n log n for n free edges.
   giLength measure_distance(giPoint3& from, giPoint3& to);
 
+  // --- stitching ----------------------------------------------------------------------------------------------------
+  /// Joins boundary nodes to boundary edges by triangles: a node and an edge that make a triangle of less than `tol` in
+  /// height. Each node and each edge is used once, pairs being taken in the order of the walk along the cycles. The
+  /// height is not bounded along the edge: any node in line with it will do.
+  /// @return 1 when a pair was found, also when its edge had vanished before its turn
+  int stitch(double tol);
+  /// Splits the elements on boundary edges where boundary nodes lie on the edge, strictly between its ends and nearer
+  /// than `tol`, into fans through those nodes. Elements made by this pass are not split again by it.
+  /// @return 1 when elements were deleted and made. Cost: about n log n for n free edges.
+  int superstitch(double tol);
+  /// Merges boundary nodes that lie within `tol` of each other, inclusive: the one met first along the cycles stays, its
+  /// attributes averaged with those of the others. Elements that collapse are deleted.
+  /// @return 1 when a node was merged; 0 also when interrupted
+  int unduplicate_nodes(double tol);
+
+  // --- filling and capping: the selected cycles, in the order of the selection, which is empty afterwards ------------
+  /// Closes each cycle, or its arc chosen by picks, by one triangle, two, or a fan round its centre.
+  ///
+  /// The centre's attributes are the sums of those of the cycle's nodes. With `curvature` a cycle that no surface can be
+  /// fitted to stays open, but counts as filled; the centre lies at the mean of the nodes all the same.
+  /// @return 1 when a cycle was filled. Cost: O(edges of the cycles), beside current edges and element lists.
+  int fill_holes(const int& curvature);
+  /// Closes each cycle, or its arc, by triangles in the plane fitted to it with nodes at about `spacing`, model units.
+  /// With `curvature` the new nodes lie on a surface fitted to the mesh round the hole. A hole that fails stays open.
+  /// New nodes inside a hole drop all node attributes of the block, for good.
+  /// @param second_tol  not used
+  /// @param error       receives that of the last cycle tried that came so far as to be triangulated; 0 for none
+  /// @return 1 when a cycle was tried; 0 also when interrupted
+  int cap_holes(double spacing, double second_tol, at2PlaneError& error, const int& curvature);
+  /// The same for one cycle. `progress_index` is its place among those selected, of whose progress it takes its share.
+  /// @return 1 when it was closed
+  int cap_hole(int progress_index, int cycle, double spacing, int curvature, at2PlaneError& error);
+
  protected:
   /// Finds the cycles unless that is done. Returns the number of free edges; interrupted before it began, the former
   /// one.
@@ -80,6 +115,21 @@ class MENDEX_EXPORT trCycleArray {
   /// Discards the cycles of this set, and the node sequences of all.
   void reset();
 
+  /// Closes a loop of nodes by a fan round its centre. 0; -1 when there was to be a surface and none could be fitted.
+  int generate_n(int* nodes, int n, const int& curvature) const;
+  /// Makes nodes on the line between the two picks of a cycle, which from then on close its arc. `ends` holds what
+  /// enable_holefilling gives. 1; 0 without picks. A second row, between the neighbours of the picks, stays loose.
+  int create_hole_subdivision_nodes(trCycle& cycle, int* const ends, double max_length, const giVector3& direction);
+  /// Fits a surface to the cycle. The first fifth of the progress from low to high is the fit's; the rest remains set.
+  int enable_curvature_adjust(const trCycle& cycle, double percent_low, double percent_high);
+  void disable_curvature_adjust();
+  /// The best plane through the nodes of a cycle or its arc. 1 for success.
+  int cycle_fit_plane(const trCycle& cycle, giPoint3& origin, giVector3& normal);
+  /// Caps one cycle in a plane; 1 when `error` is 0.
+  int cap_cycle(int cycle, const giPoint3& origin, const giVector3& normal, double spacing, at2PlaneError& error);
+  /// Sets the progress range of hole `index` of those selected, and its message; low and high receive the former range.
+  void cap_hole_progress_init(int index, double& low, double& high);
+
  private:
   friend class trControl;
   friend class trCycle;
@@ -87,7 +137,9 @@ class MENDEX_EXPORT trCycleArray {
   trCycleArray* self() const { return const_cast<trCycleArray*>(this); }
   static std::int64_t geometry_revision(const trTriBlock& of) { return of.geometry_revision_; }
   void detect_again();
+  bool merge_boundary_nodes(double tol, intcoPageArr& map);
   bool walk_free_edges();
+  int fill_hole(trCycle& cycle, std::vector<int>& nodes, int curvature);
   void select_cycle(int id, double& average_length, const int (&single_picks)[3], const intcoSet& picks);
 
   static std::int64_t resets_;        // of all sets so far

@@ -8,12 +8,14 @@
 #include "analysis/sick_elems.h"
 #include "analysis/small_elems.h"
 #include "analysis/thin_elems.h"
+#include "boundaries/auto_mode.h"
 #include "boundaries/cycle_array.h"
 #include "boundaries/section.h"
 #include "control/file_type.h"
 #include "control/flag_action.h"
 #include "mesh/tri_block.h"
 #include "platform/common/workplane_list.h"
+#include "platform/containers/int_table.h"
 #include "platform/utilities/export.h"
 #include "platform/utilities/ut_string.h"
 #include "undo/undo_hist.h"
@@ -103,14 +105,120 @@ class MENDEX_EXPORT trControl {
   /// closed; without one the shape statistics are left out. `tol` is what they are compared with.
   void action_info(int level, double tol, std::FILE* file);
 
+  // --- files --------------------------------------------------------------------------------------------------------------------------
+  /// Reads a file by the extension of its name: mnx, mes, tri, stl, ast or kvx. A name that opens nothing is tried with each of these
+  /// extensions, and then as it is, as a native file. What was found is said, or that nothing was.
+  ///
+  /// The mesh is replaced, the history belongs to the new file. A read that is interrupted leaves an empty mesh.
+  /// @return the format, or tr_unknown_file when no file could be opened, and then nothing changed
+  trFileType action_read(const utString& name);
+  /// The same, adding to the mesh; it cannot be taken back, and the history stays as it is.
+  trFileType action_append(const utString& name);
+  /// Writes by the extension of the name; without one that is known the file becomes name.mnx, in the native format. Binary and ASCII STL
+  /// move the model into the positive octant.
+  void action_write(const utString& name);
+  /// The same with nodes and elements numbered anew where the format has numbers.
+  void action_rwrite(const utString& name);
+
+  // --- repair: a negative tolerance is refused; none opens an undo bracket ------------------------------------------------------------
+  /// Merges nodes within `tol`; see trTriBlock::unduplicate_nodes.
+  void action_undup(double tol);
+  void action_renumber();
+  /// Up to `passes` passes of swapping edges of elements with an aspect below `tol`, until one finds nothing.
+  void action_swap(double tol, int passes);
+  /// Delete the elements of small height, and of small aspect.
+  void action_height(double tol);
+  void action_aspect(double tol);
+  /// Deletes elements back to back with another (with `mode` both), then all but one of repeated elements.
+  void action_cancelling(int mode);
+  /// Deletes neighbours that enclose less than `tol` degrees.
+  void action_overlapping(double tol);
+  /// Deletes elements that cut others. A list that is not out of date is not searched again for another limit.
+  void action_intersecting(int limit);
+  /// Deletes elements that face away from `up`.
+  void action_overhanging(const giUnitVec3& up);
+  void action_orient();
+  void action_reverse();
+  /// Deletes elements of edges that more than two share: all with mode 0, else all but the two largest of each edge.
+  void action_cure(int mode);
+  /// Keeps what lies above (side 0) or below the plane across an axis of the host's workplane; see trTriBlock::slice.
+  void action_slice(gi_Axis axis, double value, int side);
+  void action_transform_triangles(const giXform3& x);
+
+  /// 1 unless `tol` is negative; then says so.
+  int check_tol(double tol) const;
+
+  // --- boundaries: stitching, none of which opens an undo bracket ---------------------------------------------------------------------
+  /// One pass of trCycleArray::stitch; any tolerance is taken.
+  void action_stitch(double tol);
+  /// One pass of trCycleArray::superstitch; a negative tolerance is refused.
+  void action_staple(double tol);
+  /// Passes until one changes nothing, at most `limit`; a negative tolerance is refused.
+  void action_astaple(double tol, int limit);
+  /// The same without the check. Returns the number of boundaries left; -1 when the limit was reached, -2 when the first pass changed
+  /// nothing and boundaries are left.
+  int auto_staple(double tol, int limit);
+  /// Merges boundary nodes, deletes opposite and repeated triangles, orients when `orient` is set, and staples: once (Single), in up to
+  /// `limit` passes (Repeat), or so for each tolerance from start to finish (Multi), until `target_boundaries` are left. `merge_first`
+  /// merges all nodes before; `final_cancel` deletes opposite triangles at the end.
+  void action_auto_stitch(trAutoMode mode, double start_tol, double finish_tol, double tol_step, int limit, int merge_first, int orient,
+                          int final_cancel, int target_boundaries);
+
+  // --- boundaries: holes. Filling and capping take the selected boundaries, and leave none selected ------------------------------------
+  /// Select boundaries by number; a boundary that is selected already takes the picks, which choose the part of it to be filled.
+  /// @see trCycleArray::select_cycles
+  int select_cycles(const intcoSet& ids, double& average_length, int pick, const intcoSet& picks, int edge_start, int edge_end) const;
+  int unselect_cycles(const intcoSet& ids, double& average_length) const;
+  /// Closes by triangles on the nodes of the boundary and a centre. 1 when a boundary was filled; else says so.
+  int action_fill(const int& curvature) const;
+  /// Closes by triangles with new nodes at about `spacing`, which must be above 0. When nothing was tried, the open undo bracket is
+  /// closed and taken back. `error` is that of the last boundary; 1 when one was tried.
+  int action_cap(double spacing, at2PlaneError& error, const int& curvature) const;
+  /// The same, each boundary in an undo bracket of its own, "fill_hole": call it outside any. Boundaries that failed are selected again,
+  /// with their picks. `error` is that of the one that failed, 6 when several did, 0 where none came so far as to be triangulated.
+  /// A spacing that is not above 0 is refused as at2_bad_length. Interrupted, it takes all of them back; without the full history,
+  /// the last. 1 when any was closed.
+  int action_cap_ext(double spacing, int curvature, at2PlaneError& error);
+  /// Selects the boundaries whose start nodes are keys of the table, with the picks of the saved cycles that they map to.
+  void restore_selection_data(const intintcoTable& start_nodes, const trCycleArray& saved);
+
   // --- exchange with the host -----------------------------------------------------------------------------------------------------------
   /// Replaces the mesh by the host's: points, triangles that are not masked, colours. Host points and triangles count from 0; triangles
   /// that name points which are not there are passed over. The history is forgotten. A pool without points or triangles gives none.
   void action_fill_triblock(coFeaturePool& pool);
+  /// Adds the host's mesh to the mesh; to an empty one as a fill. The history is forgotten.
+  void action_append_triblock(coFeaturePool& pool);
   /// The colours of the host's triangles for the mesh as filled from the same pool.
   void action_fill_triblock_colours(coFeaturePool& pool);
 
  protected:
+  struct FileFormat;
+  static const FileFormat format_table[tr_unknown_file];
+
+  trFileType read_or_append(const utString& name, int append);
+  void write_or_rwrite(const utString& name, int rwrite);
+  /// By the end of the name, in the order of the table; upper case is not recognised.
+  static trFileType recognize_extension(const char* name);
+  std::FILE* open_reader_file(const utString& name, trFileType& type);
+  std::FILE* open_writer_file(const utString& name, trFileType& type);
+  int read_mnx(std::FILE* file, int append);
+  int read_mes(std::FILE* file, int append);
+  int read_tri(std::FILE* file, int append);
+  int read_stl(std::FILE* file, int append);
+  int read_ast(std::FILE* file, int append);
+  int read_kvx(std::FILE* file, int append);
+  int write_mnx(std::FILE* file);
+  int write_mes(std::FILE* file);
+  int write_tri(std::FILE* file);
+  int write_stl(std::FILE* file);
+  int write_ast(std::FILE* file);
+  int write_kvx(std::FILE* file);
+
+  /// Copies the cycles of those numbers into `saved`; the table maps their start nodes to their places there.
+  void save_selection_data(const intcoSet& ids, intintcoTable& start_nodes, trCycleArray& saved) const;
+  /// Deletes small elements (0) or thin ones.
+  void height_aspect(double tol, int which);
+
   void reset_defaults();
   void toggle_flag(trFlagAction action, int& flag);
   /// One line: the name as given and whether the flag is on.
@@ -125,6 +233,13 @@ class MENDEX_EXPORT trControl {
 
   trControl* self() const { return const_cast<trControl*>(this); }
   int repeat_step(Step step, int count);
+  bool check_auto_stitch(trAutoMode mode, double start_tol, double finish_tol, double tol_step, int limit) const;
+  void clean_boundaries(double tol, int orient);
+  static const char* extension_of(trFileType type);
+  std::FILE* search_reader_file(const utString& name, utString& found, trFileType& type);
+  void delete_listed(trElementList& list);
+  void append_mesh(coFeaturePool& pool);
+  void select_failed(const intcoSet& failed);
 
   trTriBlock triblock_;
   trCycleArray cycles_;

@@ -55,6 +55,30 @@ void trControl::action_fill_triblock(coFeaturePool& pool) {
   triangle_update(1);
 }
 
+void trControl::action_append_triblock(coFeaturePool& pool) {
+  if (triblock_.node_count() < 2) {
+    action_fill_triblock(pool);
+  } else {
+    append_mesh(pool);
+  }
+  undo_hist_.reset("");
+  triblock_changed_ = 0;
+  triangle_update(1);
+}
+
+void trControl::append_mesh(coFeaturePool& pool) {
+  const HostMesh host(pool);
+  const int first_node = triblock_.node_count(), first_element = triblock_.element_count();
+  for (int k = 0; k < host.point_count(); ++k) triblock_.set_node(first_node + k, host.point(k));
+  int element = first_element;
+  for (int k = 0; k < host.triangle_count(); ++k) {
+    if (!host.is_taken(k)) continue;
+    const giTriangle& t = host.triangle(k);
+    triblock_.set_element(element++, first_node + t[0], first_node + t[1], first_node + t[2]);
+  }
+  action_append_triblock_colours(pool, first_element);
+}
+
 void trControl::action_fill_triblock_colours(coFeaturePool& pool) { action_append_triblock_colours(pool, 0); }
 
 void trControl::action_append_triblock_colours(coFeaturePool& pool, int first) {

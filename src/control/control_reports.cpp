@@ -3,7 +3,6 @@
 #include <ostream>
 
 #include "control/control.h"
-#include "control/file_format.h"
 #include "progress/message.h"
 
 void trControl::print_system_params(int full) const {
@@ -20,7 +19,7 @@ void trControl::print_system_params(int full) const {
   }
   MessageLine line;
   line.text("  Formats:");
-  for (const trFileFormat& format : trFileFormat::table) line.text(" .").raw(format.extension);
+  for (int type = 0; type < tr_unknown_file; ++type) line.text(" .").raw(extension_of(static_cast<trFileType>(type)));
 }
 
 void trControl::print_element_lists(int detect) const {

@@ -1,13 +1,14 @@
 #include "formats/bin_read.h"
 
+#include <algorithm>
+#include <cstring>
+
 static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "values are read in the machine's byte order, which must be that of the files");
 
 template <class T>
 T trBinRead::read_value() {
   T value = 0;
-  if (file != nullptr && std::fread(&value, sizeof value, 1, file) == 1) return value;
-  error = 1;
-  return 0;
+  return read_bytes(reinterpret_cast<char*>(&value), sizeof value) == sizeof value ? value : 0;
 }
 
 char trBinRead::read_char() { return read_value<char>(); }
@@ -18,8 +19,34 @@ float trBinRead::read_float() { return read_value<float>(); }
 double trBinRead::read_double() { return read_value<double>(); }
 
 int trBinRead::b_read(char* bytes, int n) {
-  const std::size_t wanted = n > 0 ? static_cast<std::size_t>(n) : 0;
-  if (file != nullptr && std::fread(bytes, 1, wanted, file) == wanted) return 0;
-  error = 1;
-  return 1;
+  const int wanted = n > 0 ? n : 0;
+  return read_bytes(bytes, wanted) != wanted;
+}
+
+// Replaces what was fetched and used by the next piece.
+void trBinRead::fetch() {
+  constexpr std::int64_t piece = 1 << 16;
+  fetched_.resize(static_cast<std::size_t>(std::min(expected_, piece)));
+  expected_ -= static_cast<std::int64_t>(fetched_.size());
+  fetched_.resize(file == nullptr ? 0 : std::fread(fetched_.data(), 1, fetched_.size(), file));
+  at_ = 0;
+}
+
+int trBinRead::read_bytes(char* bytes, int n) {
+  int read = 0;
+  while (read < n) {
+    if (at_ == fetched_.size() && expected_ > 0) fetch();
+    const std::size_t wanted = static_cast<std::size_t>(n - read);
+    std::size_t got = std::min(wanted, fetched_.size() - at_);
+    if (got != 0) {
+      std::memcpy(bytes + read, fetched_.data() + at_, got);
+      at_ += got;
+    } else {
+      got = file == nullptr ? 0 : std::fread(bytes + read, 1, wanted, file);
+      if (got == 0) break;
+    }
+    read += static_cast<int>(got);
+  }
+  if (read < n) error = 1;
+  return read;
 }

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <vector>
 
 #include "platform/utilities/export.h"
 
@@ -21,10 +22,20 @@ class MENDEX_EXPORT trBinRead {
   /// Reads n bytes; returns non-zero when there were fewer.
   int b_read(char* bytes, int n);
 
+  /// Tells that the next `bytes` bytes of the stream are for this object, which then fetches them in larger pieces.
+  void expect(std::int64_t bytes) { expected_ = bytes > 0 ? bytes : 0; }
+  /// Reads up to n bytes and returns how many there were; sets `error` when there were fewer.
+  int read_bytes(char* bytes, int n);
+
   std::FILE* file;  ///< not owned
   std::int32_t error = 0;
 
  private:
   template <class T>
   T read_value();
+  void fetch();
+
+  std::int64_t expected_ = 0;   // bytes that may be fetched ahead
+  std::vector<char> fetched_;
+  std::size_t at_ = 0;          // in what was fetched
 };

@@ -9,6 +9,8 @@ class CharStream {
   static constexpr std::size_t capacity = 65536;
 
   explicit CharStream(std::FILE* file) : file_(file) {}
+  /// The characters of a text in memory, which must outlive the object.
+  CharStream(const char* text, std::size_t length) : file_(nullptr), has_ended_(true), begin_(text), end_(text + length) {}
   CharStream(const CharStream&) = delete;
   CharStream& operator=(const CharStream&) = delete;
 

@@ -210,7 +210,11 @@ bool scan_usual_number(CharStream& in, double& value) {
 
 }  // namespace
 
-bool scan_number(CharStream& in, double& value) {
+void skip_space(CharStream& in) {
   while (is_space(in.peek())) in.skip(1);
+}
+
+bool scan_number(CharStream& in, double& value) {
+  skip_space(in);
   return scan_usual_number(in, value) || NumberScan(in).read(value);
 }

@@ -2,6 +2,9 @@
 
 class CharStream;
 
+/// Passes over white space, as the C locale knows it.
+void skip_space(CharStream& in);
+
 /// Reads a number as `scanf` does for "%lf" in the "C" locale, whatever the process's locale: skips white space, then takes the longest
 /// run of characters that is a number or the beginning of one, and fails when that run is no number ("1e", ".", "0x", "infin").
 ///

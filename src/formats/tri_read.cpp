@@ -1,7 +1,8 @@
 #include "formats/tri_read.h"
 
-#include "progress/message.h"
+#include "formats/entity_limit.h"
 #include "mesh/tri_block.h"
+#include "progress/message.h"
 
 trTriRead::trTriRead(trTriBlock* mesh_block, std::FILE* stream, int append_to, int keep_node_data)
     : mesh(mesh_block), file(stream), append(append_to), read_node_data(keep_node_data) {}
@@ -16,6 +17,11 @@ void trTriRead::begin_reading() {
   } else {
     mesh->clear();
   }
+}
+
+// Where elements share nodes, making all element lists at once on their first use takes less time than keeping them from the start.
+void trTriRead::leave_lists_for_later() {
+  if (!append) mesh->elements_referenced = 0;
 }
 
 int trTriRead::reset_node_data_size(int n) {

@@ -2,9 +2,9 @@
 
 #include <cstdio>
 
+#include "platform/geometry/vector3.h"
 #include "platform/utilities/export.h"
 
-class giVector3;
 class trBinWrite;
 class trTriBlock;
 
@@ -32,7 +32,29 @@ class MENDEX_EXPORT trTriWrite {
   /// reported.
   int write_ast(int positive);
 
+  /// Writes the native format: numbers, attributes and colours. With `rwrite` nodes and elements are numbered anew from 1, without gaps;
+  /// colour lists still go by the mesh's own numbers. Errors of the stream beyond the header are not reported.
+  int write_native(int rwrite);
+
+  /// Write a triangle file, five decimals: flat, three vertices a triangle with its normal, or smooth, one vertex a node with the node's
+  /// normal. The first two of exactly two node attributes, or the last two of five, are written as surface parameters.
+  /// @return 1 for success, 0 when interrupted or when the stream does not take the header
+  int write_tri();
+  int write_smooth_tri();
+
+  /// Writes a mesh file: nodes with up to four attributes (three of more), four decimals; elements in groups of one colour, in number
+  /// order. With `rwrite` all is numbered anew from 1, and each colour has one group, in the order in which elements first have them.
+  /// @return 1, or 0 when interrupted
+  int write_mes(int rwrite);
+
+  /// Writes a KVX file: three nodes a triangle, to the bit, without normals.
+  /// @return 1 for success, 0 when interrupted or when the stream takes no more
+  int write_kvx();
+
  protected:
+  /// The normal of a node, averaged over its elements.
+  giVector3 average_normal(int node) const;
+
   const trTriBlock* mesh;
   std::FILE* file;
   double scale;

@@ -66,15 +66,17 @@ std::vector<int> trTriBlock::delete_duplicate_nodes(double tol, intcoPageArr& sl
     if (node(i).invalid) continue;
     const int position = kept.find_or_add_position(point(i), i, probe);
     if (position < 0) continue;
-    if (node_data_ != nullptr) {
-      const int survivor = kept.number(position);
-      report_node(survivor);
-      node_data_->average(survivor, i);
-    }
+    average_node_data(kept.number(position), i);
     delete_node(i);
     slots[i] = position + 1;
   }
   return numbers_by_slot(kept);
+}
+
+void trTriBlock::average_node_data(int k, int n) {
+  if (node_data_ == nullptr) return;
+  report_node(k);
+  node_data_->average(k, n);
 }
 
 int trTriBlock::unduplicate_nodes(double tol) {

@@ -36,6 +36,7 @@ int apex_opposite_longest(const double length[3]) {
 
 int trTriBlock::generate3(int a, int b, int c) {
   const LongestFirst t = longest_edge_first(*this, a, b, c);
+  if (node(t.q).elements.empty()) return generate(t.p, t.q, t.r);  // a new node: no walk round p, which may be a hub
   trLoopIT around(this, t.p);
   while (++around) {
     const int s = around.next_node();

@@ -5,20 +5,18 @@
 #include <memory>
 #include <vector>
 
-#include "mesh/element.h"
 #include "mesh/edge_connection.h"
-#include "mesh/features.h"
 #include "mesh/loop_it.h"
+#include "mesh/mesh_arrays.h"
+#include "mesh/slice_status.h"
 #include "platform/common/workplane.h"
 #include "platform/containers/number_arrays.h"
 #include "platform/geometry/angle.h"
 #include "platform/geometry/box3.h"
-#include "platform/geometry/tri_block_base.h"
 #include "platform/geometry/unit_vec3.h"
 #include "platform/geometry/xform3.h"
 #include "platform/surface/zrk_surf.h"
 #include "platform/utilities/export.h"
-#include "platform/utilities/prefetch.h"
 
 class ElementListBatch;
 class HubEdges;
@@ -37,11 +35,10 @@ MENDEX_EXPORT giVector3 tr_no_direction();
 /// being built is then marked as not built.
 /// Operations that are const but fill caches edit through self(): never define an object of this class as const.
 /// Numbers handed in are not checked unless an operation says so.
-class MENDEX_EXPORT trTriBlock : public giTriBlock {
+class MENDEX_EXPORT trTriBlock : public trMeshArrays {
  public:
   trTriBlock();
   ~trTriBlock() override;
-
   // --- flags and settings, in the order of their layout -------------------------------------------------------------------------
   int edges_built = 0;                  ///< `a_edges` of the nodes reflect every valid element
   int changed = 1;                      ///< the mesh was changed since the host last looked
@@ -54,36 +51,9 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   zrkSurfPtr surface;                   ///< the surface fitted for curved filling and capping
   int use_workplane = 0;                ///< coordinates are measured in the workplane
   ccWorkplane workplane;
-
   // --- access -------------------------------------------------------------------------------------------------------------------
-  /// Counts of the arrays, slot 0 included.
-  int node_count() const { return nodes_->count(); }
-  int element_count() const { return elements_->count(); }
-
-  /// The node of that number, without bounds check or growth.
-  trNode& node(int i) const { return nodes_->at(i); }
-  /// The element of that number, without bounds check or growth.
-  trElement& element(int e) const { return static_cast<trElement&>(elements_->at(e)); }
   /// The element of that number; grows the array to hold it, with deleted elements.
   trElement& access_element(int e);
-  const giPoint3& point(int i) const { return points_->at(i); }
-  const giPoint3coPageArr& points() const { return *points_; }
-
-  /// How many elements ahead a loop over all elements does well to call prefetch_corners.
-  static constexpr int corners_ahead = 16;
-  /// Starts fetching the coordinates of element e's corners; any number is allowed. In a mesh whose elements lie in no spatial order
-  /// each corner is a cache miss.
-  void prefetch_corners(int e) const {
-    if (e >= element_count()) return;
-    const trElement& t = element(e);
-    for (int k = 0; k < 3; ++k) {
-      if (!has_node(t[k])) continue;
-      const giPoint3* const p = &points_->at(t[k]);
-      co_prefetch_for_reading(p);
-      co_prefetch_for_reading(&p->z);  // every fourth point lies across two cache lines
-    }
-  }
-
   /// Empties the block: frees its pages, drops attributes and colours, and makes node 0 and element 0 anew.
   void clear();
   /// Grows the node and coordinate arrays to hold i and points node i at its coordinates.
@@ -94,19 +64,12 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   /// Number of valid nodes or elements; 0 when interrupted. Cost: O(n), n being the array's count.
   int valid_nodes() const;
   int valid_elements() const;
-
   // --- node attributes, colours, box, workplane -----------------------------------------------------------------------------------
   /// Sets how many attribute values a node has (1 to 5), making the attributes when absent; 0 drops them.
   void set_node_data_size(int n);
-  int node_data_size() const { return node_data_ == nullptr ? 0 : node_data_->size(); }
-  /// The attributes of a node; only while there are any. The const form does not grow.
-  trNodeDataTuple& node_data(int i) { return node_data_->data(i); }
-  const trNodeDataTuple& node_data(int i) const { return static_cast<const trNodeDataBlock*>(node_data_)->data(i); }
 
   /// The first colour ever set becomes the default, which elements beyond the coloured ones have. -1: no colour.
   void set_element_colour(int e, int colour);
-  int get_element_colour(int e) const { return colours_ == nullptr ? NO_COLOUR : colours_->get_colour(e); }
-  int default_colour() const { return colours_ == nullptr ? NO_COLOUR : colours_->default_colour(); }
   /// Sets every element's colour, and the default, to -1, when the block has colours.
   void clear_colours();
 
@@ -125,7 +88,6 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   giVector3 check_use_workplane(const giVector3& v) const { return maps_workplane() ? workplane.workplane().to_work(v) : v; }
   /// Back to world coordinates, on the same condition.
   giPoint3 check_unapply_workplane(const giPoint3& p) const { return maps_workplane() ? workplane.workplane().to_world(p) : p; }
-
   // --- primitive edits: each reports what it changes to `undo` --------------------------------------------------------------------
   /// Makes a node and returns its number. Drops all node attributes of the block.
   int generate_node(const giPoint3& p, const giVector3& n, int adjust);
@@ -165,7 +127,6 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   void delete_collapsed_elements();
   /// Reverses every valid element.
   void reverse();
-
   // --- derived topology -----------------------------------------------------------------------------------------------------------
   /// Records the directed edge a to b, or cancels its opposite when that is recorded. An invalid end is fatal: the process ends
   /// with exit code 8.
@@ -192,7 +153,6 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   void renumber();
   /// Moves every valid node; counts as no change.
   void transform(const giXform3& x);
-
   // --- measures -------------------------------------------------------------------------------------------------------------------
   /// Four times the squared area of an element.
   double area_element(int e) const;
@@ -202,14 +162,16 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   /// Area, volume over the lowest z, centre of mass, least and mean aspect ratio, in the workplane when one is in use.
   void properties(double& area, double& vol, giPoint3& centre, double& min_aspect, double& mean_aspect) const;
   void compute_node_normals();
-  /// Valid after compute_node_normals.
-  const giVector3& node_normal(int i) const { return normals_->at(i); }
   /// Least scalar product of the unit normals of consistently oriented neighbours, from -1 to 1; `count` receives how many pairs,
   /// counted from both sides, lie below limit.
   double min_dotp(double limit, int& count) const;
   /// Mean distance between consecutive nodes of an open chain; 0 for fewer than two.
   double node_average_distance(const intcoPageArr& chain) const;
-
+  // --- slicing --------------------------------------------------------------------------------------------------------------------
+  /// Keeps what lies above the plane at `value` across an axis of the workplane in use (side 0), or below it (any other side). Elements
+  /// across the plane are cut, and new nodes on it merged within `tol`. Nodes on the plane stay.
+  /// @return 1 when an element was cut or deleted; 0 when none was, and when interrupted: what was done stays
+  int slice(gi_Axis axis, int side, double value, double tol);
   // --- merging --------------------------------------------------------------------------------------------------------------------
   /// Merges nodes that lie within `tol` of each other, inclusive; deletes elements that collapse.
   ///
@@ -219,7 +181,6 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   /// @return 1 when a node was merged; 0 when none was, or when interrupted (nodes deleted so far stay deleted)
   /// Cost: O(n) expected time; about 40 bytes a kept node.
   int unduplicate_nodes(double tol);
-
   // --- defects: `out` receives element numbers; interrupted searches leave it as far as filled --------------------------------------
   /// Elements on edges that more than two elements share, sorted: all of them, or with `mode` all but the two largest of each edge.
   /// Cost: O(n).
@@ -253,23 +214,54 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   int orient_normals();
   /// The element at the highest node whose lower other corner is highest; -1 when there is none, -2 when interrupted.
   int find_top_element() const;
-
   // --- reports --------------------------------------------------------------------------------------------------------------------
   /// Draws the outlines of elements, as commands to a file that stays open.
   void picture_elements(std::FILE* file, const intcoPageArr& list) const;
   /// Prints the statistics. Register commands, and the shape statistics of `level` (also of verbose blocks), need a file, which stays
   /// open; `tol` is what the least height and aspect and the sharpest angle are compared with.
   void info(double tol, std::FILE* file, int level) const;
-
-  // --- curvature adjustment -------------------------------------------------------------------------------------------------------
+  // --- exchange with a host --------------------------------------------------------------------------------------------------------
+  /// Closes the gaps in the numbers, where there are any, and appends nodes, elements and, while they are current, node normals to the
+  /// host's arrays, numbers counting from 0; also its points of the plane, where the block has any. Colours come at their element's
+  /// number, where an element has one. `out` is meant to be empty: what it holds is not counted in the numbers.
+  /// Renumbering cannot be taken back: reset the history after it. Interrupted, nothing is given. Cost: O(n).
+  void get_giTriBlock(giTriBlock& out);
+  // --- new nodes on a fitted surface ------------------------------------------------------------------------------------------------
+  /// Fits a smooth surface to boundary nodes and to the ring of nodes round them, and lets new nodes move onto it. Null only switches
+  /// that on, with the surface there is.
+  /// @param option  handed on to the fitter, which knows none
+  /// @return 0; -2 when no surface could be fitted; -1 when interrupted before. Progress: 30 % the ring, 70 % the surface.
+  int enable_curvature_adjust(const intcoPageArr* boundary_nodes, int option) const;
+  /// New nodes stay where they are made; frees the surface too when `free` is not 0.
+  void disable_curvature_adjust(const int& free) const;
   /// q = p moved onto the fitted surface along `direction`, or to its closest point when there is none; -1 and q = p when
   /// adjustment is off; else the surface's answer, 0 for success.
   int apply_curvature_adjust_on_coords(const giPoint3& p, const giVector3& direction, giPoint3& q) const;
+  /// Moves a node in the same way, and reports it to `undo`. 0, also when adjustment is off; -1 beyond the last node; -2 when the surface
+  /// gave no point; -3 when the node is not valid.
+  int apply_curvature_adjust_on_node(int node, const giVector3& direction) const;
+  /// Appends the nodes of the elements round each node of the list to `out`, each once, those of the list left out. 0; -1 when
+  /// interrupted. Cost: O(elements round the nodes).
+  int get_surrounding_nodes(const intcoPageArr& nodes, intcoPageArr& out) const;
+  /// The same for one node; what `exclude` names is left out.
+  int get_surrounding_nodes(int node, intcoPageArr& out, const intcoPageArr* exclude) const;
+  /// Makes rows of nodes on the lines from a0 to a1 and from b0 to b1, at about max_length on the longer, and unless `nodes_only` a
+  /// ladder of triangles between them. The lists receive the new nodes. At most 10^6 segments; one, without new nodes, where max_length
+  /// is not above 0.
+  /// @return 1; 0 when a number is none of the block's, and then nothing was made
+  int create_hole_subdivision(int a0, int a1, int b0, int b1, double max_length, intcoPageArr& a_nodes, intcoPageArr& b_nodes,
+                              const giVector3& direction, int nodes_only) const;
   void free_surface() { surface.reset(); }
 
  protected:
+  /// Fits `surface`; 0 for success.
+  int create_gcm_surface(const giPoint3coPageArr& ring, const giPoint3coPageArr& boundary, int option);
   /// Makes a node; attributes of the block stay.
   int generate_node_private(const giPoint3& p, const giVector3& n, int adjust);
+
+  /// Deletes, cuts or keeps one element by the sides of its corners.
+  trSliceStatus slice_element(int e, int axis, double value, intcoPageArr& plane_nodes, double tol);
+  void split_element(int e, int axis, double value, intcoPageArr& plane_nodes, double tol);
 
  private:
   friend class trControl;
@@ -279,9 +271,10 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   friend class trCycleArray;
 
   trTriBlock* self() const { return const_cast<trTriBlock*>(this); }
-
   void report_node(int i);
   void report_element(int e);
+  // Node n's attributes averaged into those of k, where the block has any.
+  void average_node_data(int k, int n);
   void mark_changed();
   // What an edit from outside the primitives makes stale: element lists and normals.
   void reset_derived_state();
@@ -297,26 +290,16 @@ class MENDEX_EXPORT trTriBlock : public giTriBlock {
   int close_element_gaps(const intcoPageArr& map);
   void copy_colour(int to, int from);
   int close_node_gaps(const intcoPageArr& map);
+  bool merge_plane_nodes(const intcoPageArr& plane_nodes, double tol);
+  int cut_edge(int a, int b, int axis, double value, double tol);
   void enter_in_lists(int e) const;
+  void give_nodes(giTriBlock& out) const;
+  void give_elements(giTriBlock& out) const;
+  void give_colours(giTriBlock& out) const;
   void replace_nodes(const SurvivorMap& map);
   void announce_replacements(const SurvivorMap& map, ElementListBatch& lists) const;
-  bool has_node(int i) const { return static_cast<unsigned>(i) < static_cast<unsigned>(node_count()); }
   bool maps_workplane() const { return use_workplane && !workplane.workplane().origin().invalid(); }
   giPoint3 node_in_workplane(int i) const { return check_use_workplane(point(i)); }
-
-  // Handles on the pool's data and, beside them, the typed pointers: an access costs no look-up.
-  giNormArrcoFeature normals_feature_;
-  trNodeDataBlockcoFeature node_data_feature_;
-  trNodeArrCopycoFeature nodes_feature_;
-  giTriArrcoFeature elements_feature_;
-  trTriDataBlockcoFeature colours_feature_;
-  giNodeXYZ points_feature_;
-  trNodecoPageArr* nodes_ = nullptr;
-  giTrianglecoPageArr* elements_ = nullptr;
-  giPoint3coPageArr* points_ = nullptr;
-  giVector3coPageArr* normals_ = nullptr;
-  trNodeDataBlock* node_data_ = nullptr;
-  trTriDataBlock* colours_ = nullptr;
 
   std::unique_ptr<HubEdges> hubs_;       // pairing of half-edges at nodes with very many of them
   mutable giBox3 box_;                   // stale while empty

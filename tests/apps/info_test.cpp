@@ -133,9 +133,9 @@ TEST(MendexInfo, RefusesWhatIsNoStlFile) {
   const std::vector<std::pair<std::string, std::string>> cases = {
       {folder.path("missing.stl"), "cannot be read: No such file or directory"},
       {folder.path(""), "cannot be read: Is a directory"},
-      {folder.write("empty.stl", ""), "is not an STL file, neither binary nor ASCII"},
-      {folder.write("short.stl", std::string(83, '\0')), "is not an STL file, neither binary nor ASCII"},
-      {folder.write("text.stl", text), "is not an STL file, neither binary nor ASCII"},
+      {folder.write("empty.stl", ""), "is neither STL, binary or ASCII, nor a mesh in another known format"},
+      {folder.write("short.stl", std::string(83, '\0')), "is neither STL, binary or ASCII, nor a mesh in another known format"},
+      {folder.write("text.stl", text), "is neither STL, binary or ASCII, nor a mesh in another known format"},
       {folder.write("none.stl", binary_stl({}, "", 7)), "the file is damaged: no triangle could be read"},
       {folder.write("bad.ast", "solid s\nfacet normal 0 0 1\nvertex 1 2 x\n"),
        "the file is damaged: no triangle could be read"},

@@ -163,7 +163,7 @@ TEST(MendexUsage, WrongArgumentsEndWithTwoAndTouchNothing) {
   const std::string out = folder.path("out.stl"), in = sample("bracket_soup.stl");
   const std::vector<std::pair<std::vector<std::string>, std::string>> cases = {
       {{}, "Usage: mendex"},
-      {{"mend"}, "'mend' is none of info, check, weld and convert"},
+      {{"mend"}, "'mend' is none of info, check, weld, stitch, "},
       {{"info"}, "FILE is required"},
       {{"info", in, "--frob"}, "--frob"},
       {{"weld", in}, "--output is required"},
@@ -171,8 +171,8 @@ TEST(MendexUsage, WrongArgumentsEndWithTwoAndTouchNothing) {
       {{"weld", in, "-o", out, "--tol", "nan"}, "'nan' is not"},
       {{"weld", in, "-o", out, "--tol", "inf"}, "'inf' is not"},
       {{"weld", in, "-o", out, "--tol", "1mm"}, "'1mm' is not"},
-      {{"weld", in, "-o", folder.path("out.obj")}, ".stl (binary STL) and .ast (ASCII STL)"},
-      {{"convert", in, folder.path("out")}, ".stl (binary STL) and .ast (ASCII STL)"},
+      {{"weld", in, "-o", folder.path("out.obj")}, "supported are .mnx, .mes, .tri, .stl, .ast, .kvx"},
+      {{"convert", in, folder.path("out")}, "supported are .mnx, .mes, .tri, .stl, .ast, .kvx"},
       {{"convert", in, folder.path("stl/.ast/out")}, "supported are"},
       {{"convert", in}, "OUT is required"},
   };

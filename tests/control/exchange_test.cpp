@@ -113,3 +113,83 @@ TEST(Exchange, SickEdgesOfAHostPool) {
   trEdgeConnectioncoPageArr none;
   EXPECT_EQ(trSickTriangles::find_sick_triangles(giTriBlock(), none, 0), 0);
 }
+
+// The host's triangles follow those that are there, under their own nodes, coloured as they are taken; the history is forgotten.
+TEST(Exchange, AppendAddsBehindWhatIsThere) {
+  CapturedOutput output;
+  HostPool pool;
+  for (int k = 0; k < 5; ++k) pool.colour(k, 10 * (k + 1));
+  trControl control;
+  control.action_append_triblock(pool);  // an empty mesh is filled
+  EXPECT_EQ(control.triblock().point(0).x, 1.0);
+  EXPECT_EQ(control.triblock().element_count(), 6);
+  pool.mask(0);
+  pool.set_triangle(1, 0, 1, 7);  // names a point that is not there
+  control.start_undo("edit");
+  control.triblock().delete_element(5);
+  control.finish_undo(1);
+  control.action_append_triblock(pool);
+  const trTriBlock& block = control.triblock();
+  ASSERT_EQ(block.element_count(), 9);
+  EXPECT_EQ(block.node_count(), 15);
+  EXPECT_EQ(block.element(6)[0], 8);
+  EXPECT_EQ(block.element(6)[2], 12);
+  EXPECT_EQ(block.get_element_colour(6), tr_encode_colour(giColour(30, 0, 0, 0)));
+  EXPECT_EQ(block.get_element_colour(8), tr_encode_colour(giColour(50, 0, 0, 0)));
+  EXPECT_EQ(control.undo_hist().current(), -1);
+  EXPECT_EQ(control.triblock_changed(), 0);
+}
+
+// What comes back is compact, whatever was deleted, with colours at their triangles; a mesh without colours gives no array of them.
+TEST(Exchange, GivesBackWhatIsLeft) {
+  CapturedOutput output;
+  HostPool pool;
+  trControl control;
+  control.action_fill_triblock(pool);
+  giTriBlock plain;
+  control.triblock().get_giTriBlock(plain);
+  giTriCols colours;
+  EXPECT_FALSE(plain.find(colours));
+  giNormArrcoFeature normals;
+  EXPECT_FALSE(plain.find(normals));
+
+  for (int k = 0; k < 4; ++k) pool.colour(k, k + 1);  // the fifth has none
+  control.action_fill_triblock(pool);
+  control.triblock().delete_element(2);
+  control.triblock().delete_node(4);
+  control.triblock().compute_node_normals();
+  giTriBlock out;
+  control.triblock().get_giTriBlock(out);
+  giNodeXYZ points;
+  giTriArrcoFeature triangles;
+  ASSERT_TRUE(out.find(points) && out.find(triangles) && out.find(colours));
+  EXPECT_EQ(points.data()->points.count(), 6);
+  EXPECT_TRUE(points.data()->box_stale);
+  ASSERT_EQ(triangles.data()->triangles.count(), 4);
+  EXPECT_EQ(colours.data()->count(), 4);
+  const giTriangle& last = triangles.data()->triangles[3];
+  EXPECT_EQ(last[2], 5);  // host point 6 moved down with its node
+  EXPECT_EQ((*colours.data())[1], giColour(3, 0, 0, 0));
+  EXPECT_EQ(points.data()->points[3].y, 0.0);
+}
+
+// Without gaps nothing is renumbered, so that node normals that are current come along, and a second call gives a second copy whose
+// triangles name the nodes of the first.
+TEST(Exchange, GivesBackNormalsAndDoesNotCountWhatTheHostHolds) {
+  CapturedOutput output;
+  HostPool pool;
+  trControl control;
+  control.action_fill_triblock(pool);
+  control.triblock().compute_node_normals();
+  giTriBlock out;
+  control.triblock().get_giTriBlock(out);
+  giNormArrcoFeature normals;
+  ASSERT_TRUE(out.find(normals));
+  EXPECT_EQ(normals.data()->normals.count(), 7);
+  EXPECT_EQ(normals.data()->normals[3].x(), control.triblock().node_normal(4).x());
+  control.triblock().get_giTriBlock(out);
+  giTriArrcoFeature triangles;
+  ASSERT_TRUE(out.find(triangles));
+  ASSERT_EQ(triangles.data()->triangles.count(), 10);
+  EXPECT_EQ(triangles.data()->triangles[7][2], triangles.data()->triangles[2][2]);
+}

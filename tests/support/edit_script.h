@@ -2,6 +2,7 @@
 
 #include <ostream>
 #include <type_traits>
+#include <vector>
 
 #include "oracles/literal_mesh.h"
 #include "support/random.h"
@@ -27,8 +28,16 @@ class EditScript {
 
   /// Makes one edit. Returns its name, or null when the chosen one does not apply.
   const char* step();
-  /// Number of the edits that there are.
+  /// Number of the edits of its own.
   static int edit_count();
+
+  /// An edit from outside: false where it does not apply.
+  struct ForeignEdit {
+    const char* name;
+    bool (*run)(EditScript& script);
+  };
+  /// Lets the script make these too. A literal mesh does not suffer them.
+  void add_edits(const std::vector<ForeignEdit>& foreign) { foreign_ = foreign; }
 
   trTriBlock block;
   Random random;
@@ -87,7 +96,9 @@ class EditScript {
   bool move_all();
   bool drop_collapsed();
   bool reverse_all();
+  bool slice();
 
   ScriptSetting setting_;
   LiteralMesh* literal_;
+  std::vector<ForeignEdit> foreign_;
 };

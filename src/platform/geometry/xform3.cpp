@@ -1,5 +1,7 @@
 #include "platform/geometry/xform3.h"
 
+#include <cmath>
+
 #include "platform/geometry/unit_vec3.h"
 
 namespace {
@@ -18,9 +20,42 @@ giVector3 turn_axis(const giUnitVec3& u, const giUnitVec3& v) {
 
 }  // namespace
 
+giXform3 giXform3::from_rows(const double (&rows)[3][4]) {
+  giXform3 x;
+  for (int i = 0; i < 3; ++i) {
+    for (int j = 0; j < 3; ++j) x.a_[i][j] = rows[i][j];
+    x.b_[i] = rows[i][3];
+  }
+  return x;
+}
+
 giXform3 giXform3::translation(const giVector3& by) {
   giXform3 x;
   for (int k = 0; k < 3; ++k) x.b_[k] = by[k];
+  return x;
+}
+
+giXform3 giXform3::scaling(double x, double y, double z) {
+  giXform3 map;
+  map.a_[0][0] = x;
+  map.a_[1][1] = y;
+  map.a_[2][2] = z;
+  return map;
+}
+
+// O. Rodrigues' formula; quarter and half turns are exact.
+giXform3 giXform3::turn(const giVector3& axis, double radians) {
+  const giVector3 u = giUnitVec3(axis).vector();
+  giXform3 x;
+  if (u.length_sq() == 0.0) return x;
+  const double quarters = radians / (0.5 * std::acos(-1.0));
+  const bool is_exact = quarters == std::floor(quarters);
+  const double s = is_exact && std::fmod(quarters, 2.0) == 0.0 ? 0.0 : is_exact ? std::round(std::sin(radians)) : std::sin(radians);
+  const double c = is_exact ? std::round(std::cos(radians)) : std::cos(radians);
+  const double cross[3][3] = {{0.0, -u.z(), u.y()}, {u.z(), 0.0, -u.x()}, {-u.y(), u.x(), 0.0}};
+  for (int i = 0; i < 3; ++i) {
+    for (int j = 0; j < 3; ++j) x.a_[i][j] = (i == j ? c : 0.0) + s * cross[i][j] + (1.0 - c) * u[i] * u[j];
+  }
   return x;
 }
 
@@ -68,16 +103,19 @@ giXform3 giXform3::then(const giXform3& next) const {
   return x;
 }
 
+double giXform3::cofactor(int i, int j) const {
+  const int r0 = (i + 1) % 3;
+  const int r1 = (i + 2) % 3;
+  const int c0 = (j + 1) % 3;
+  const int c1 = (j + 2) % 3;
+  return a_[r0][c0] * a_[r1][c1] - a_[r0][c1] * a_[r1][c0];
+}
+
+double giXform3::determinant() const { return a_[0][0] * cofactor(0, 0) + a_[0][1] * cofactor(0, 1) + a_[0][2] * cofactor(0, 2); }
+
 giXform3 giXform3::inverse() const {
   giXform3 x;
-  const auto cofactor = [this](int i, int j) {
-    const int r0 = (i + 1) % 3;
-    const int r1 = (i + 2) % 3;
-    const int c0 = (j + 1) % 3;
-    const int c1 = (j + 2) % 3;
-    return a_[r0][c0] * a_[r1][c1] - a_[r0][c1] * a_[r1][c0];
-  };
-  const double determinant = a_[0][0] * cofactor(0, 0) + a_[0][1] * cofactor(0, 1) + a_[0][2] * cofactor(0, 2);
+  const double determinant = this->determinant();
   for (int i = 0; i < 3; ++i) {
     for (int j = 0; j < 3; ++j) x.a_[i][j] = cofactor(j, i) / determinant;
   }

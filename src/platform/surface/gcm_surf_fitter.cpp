@@ -75,14 +75,16 @@ gcmSurfFitter::Result gcmSurfFitter::soften(FairingProblem& problem, const Limit
   double stiffness = first_stiffness;
   FairingProblem::Misfit stiffer{std::numeric_limits<double>::infinity(), 0.0};
   std::vector<double> stiffer_heights;
+  bool scatters = false;
   for (int k = 0; k < max_steps; ++k) {
     if (progress_feedback(100 * k / max_steps) != 0) return interrupted;
     const FairingProblem::Step step = problem.step(stiffness);
     if (step == FairingProblem::Step::failed) return bad_fit;
     if (step == FairingProblem::Step::lessened) continue;
     const FairingProblem::Misfit misfit = problem.boundary_misfit();
-    const bool scattered = stiffer.root_mean_square <= limits.greatest && stiffer.scatter > least_scatter;
-    if (scattered && misfit.root_mean_square > share_left_of_scatter * stiffer.root_mean_square) {
+    scatters = stiffer.scatter > least_scatter &&
+               misfit.root_mean_square > share_left_of_scatter * stiffer.root_mean_square;
+    if (scatters && stiffer.root_mean_square <= limits.greatest) {
       problem.set_heights(stiffer_heights);
       break;
     }
@@ -93,8 +95,7 @@ gcmSurfFitter::Result gcmSurfFitter::soften(FairingProblem& problem, const Limit
   }
   const FairingProblem::Misfit left = problem.boundary_misfit();
   // Steep waves through points that scatter are no sign of a surface that turns away.
-  if (left.root_mean_square > limits.greatest && left.scatter > least_scatter) return bad_fit;
-  if (problem.steepest_slope() > steepest_slope) return no_height_field;
+  if (problem.steepest_slope() > steepest_slope) return scatters ? bad_fit : no_height_field;
   return left.root_mean_square <= limits.greatest ? success : bad_fit;
 }
 

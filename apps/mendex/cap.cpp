@@ -1,0 +1,39 @@
+#include <memory>
+
+#include "arguments.h"
+#include "command_line.h"
+#include "hole_arguments.h"
+#include "verbs.h"
+
+namespace {
+
+struct CapArguments : HoleArguments {
+  std::string spacing = "auto";
+  bool is_curved = false;
+};
+
+std::string spacing_problem(const std::string& text) {
+  if (text == "auto") return "";
+  const auto numbers = numbers_in(text);
+  return numbers && numbers->size() == 1 && numbers->front() > 0.0 ? "" : "'" + text + "' is neither a length above 0 nor auto";
+}
+
+}  // namespace
+
+void add_cap_verb(CommandLine& line) {
+  const auto arguments = std::make_shared<CapArguments>();
+  CLI::App* verb = line.add_verb("cap", "Close holes with good triangles, flat or following the surface", [arguments](Session& session) {
+    const double spacing = arguments->spacing == "auto" ? 0.0 : numbers_in(arguments->spacing)->front();
+    return run_closing(session, *arguments, arguments->is_curved ? HoleMethod::curved : HoleMethod::flat, spacing);
+  });
+  add_hole_arguments(verb, *arguments);
+  verb->add_option("--spacing", arguments->spacing,
+                   "Distance between new nodes, in the units of the model; auto is the\n"
+                   "mean edge length of each hole")
+      ->check(CLI::Validator(spacing_problem, ""))
+      ->type_name("LENGTH|auto")
+      ->capture_default_str();
+  verb->add_flag("--curved", arguments->is_curved, "Put the new nodes on a smooth surface fitted to the mesh round the hole");
+  verb->footer("A hole that cannot be capped stays as it was, and the reason is told. Exit code 1 when a hole stays open.\n"
+               "For example:\n  mendex cap part.stl -o closed.stl --hole 0,2 --curved");
+}

@@ -1,0 +1,67 @@
+#include "command_line.h"
+
+#include <cstdio>
+#include <utility>
+
+#include "mesh_format.h"
+
+namespace {
+
+constexpr const char* exit_codes_help =
+    "Exit codes: 0 done, 1 defects found (check) or holes left (cap, fill), 2 wrong usage, 3 cannot read, 4 cannot write, 6 interrupted (of several files the highest).\n"
+    "Results go to standard output; warnings, errors and the progress bar go to standard error.";
+
+}  // namespace
+
+CommandLine::CommandLine()
+    : app_("Repair triangle meshes: read a broken STL file, tell what is wrong with it, merge its nodes, write it back.", "mendex") {
+  app_.require_subcommand(1);
+  app_.fallthrough();
+  app_.set_version_flag("--version", std::string("mendex ") + MENDEX_VERSION);
+  app_.add_flag("-q,--quiet", is_quiet_, "No progress bar and no summary; warnings and errors remain");
+  app_.add_flag("-v,--verbose", is_verbose_, "Show on standard error all that the library has to say");
+  app_.footer(std::string("Files: told by their content; written as their name says: ") + writable_extensions() + ".\n" + exit_codes_help +
+              "\n\nFor example:\n  mendex check part.stl\n  mendex weld part.stl -o fixed.stl --tol 0.001\n"
+              "  mendex convert part.stl part.ast");
+}
+
+CLI::App* CommandLine::add_verb(const char* name, const char* summary, Run run) {
+  verbs_.push_back({app_.add_subcommand(name, summary), std::move(run)});
+  return verbs_.back().app;
+}
+
+ExitCode CommandLine::explain(const CLI::ParseError& error) {
+  if (error.get_exit_code() != 0 && app_.get_subcommands().empty()) {
+    explain_missing_verb();
+    return ExitCode::wrong_usage;
+  }
+  return app_.exit(error) == 0 ? ExitCode::done : ExitCode::wrong_usage;
+}
+
+ExitCode CommandLine::run(Session& session) const {
+  session.is_quiet = is_quiet_;
+  if (is_quiet_) session.progress.silence();
+  if (is_verbose_) session.messages.set_verbose();
+  for (const Verb& verb : verbs_) {
+    if (verb.app->parsed()) return verb.run(session);
+  }
+  return ExitCode::wrong_usage;
+}
+
+std::string CommandLine::verb_names() const {
+  std::string names;
+  for (std::size_t k = 0; k < verbs_.size(); ++k) {
+    names += (k == 0 ? "" : k + 1 == verbs_.size() ? " and " : ", ") + verbs_[k].app->get_name();
+  }
+  return names;
+}
+
+void CommandLine::explain_missing_verb() const {
+  const std::vector<std::string> words = app_.remaining();
+  if (words.empty()) {
+    std::fputs(app_.help().c_str(), stderr);
+  } else {
+    std::fprintf(stderr, "mendex: '%s' is none of %s\nRun with --help for more information.\n", printable(words.front()).c_str(),
+                 verb_names().c_str());
+  }
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "failure.h"
+#include "session.h"
+
+/// The command line: which verbs there are, and the one that was given.
+class CommandLine {
+ public:
+  using Run = std::function<ExitCode(Session&)>;
+
+  CommandLine();
+
+  /// Adds a verb, whose options its caller adds to what is returned. `run` is called when the verb was given and its options hold good.
+  CLI::App* add_verb(const char* name, const char* summary, Run run);
+
+  /// Throws what CLI11 throws.
+  void parse(int argc, char** argv) { app_.parse(argc, argv); }
+  /// Shows help, version or what was wrong.
+  ExitCode explain(const CLI::ParseError& error);
+  /// Does what the verb that was given stands for.
+  ExitCode run(Session& session) const;
+
+ private:
+  struct Verb {
+    CLI::App* app;
+    Run run;
+  };
+
+  void explain_missing_verb() const;
+  std::string verb_names() const;
+
+  CLI::App app_;
+  bool is_quiet_ = false;
+  bool is_verbose_ = false;
+  std::vector<Verb> verbs_;
+};

@@ -1,0 +1,11 @@
+// Feeds the reader of KVX files. The first two bytes of an input choose how the file behind them is read.
+
+#include "format_input.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  if (const char* fault = fault_of_format_input(FuzzedFormat::kvx, FormatInput(data, size))) {
+    std::fprintf(stderr, "%s\n", fault);
+    std::abort();
+  }
+  return 0;
+}

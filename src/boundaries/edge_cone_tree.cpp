@@ -1,0 +1,71 @@
+#include "boundaries/edge_cone_tree.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr double right_angle = 1.5707963267948966;
+// What rounding can take from a bound: angles, and the squared height that comes out of a difference of squares.
+constexpr double angle_slack = 1e-7;
+constexpr double height_slack = 1e-14;
+
+// Angle between the lines along two unit vectors, 0 to a right angle.
+double line_angle(const giVector3& u, const giVector3& v) { return std::atan2(u.cross(v).length(), std::fabs(u.dot(v))); }
+
+}  // namespace
+
+EdgeConeTree::Cone EdgeConeTree::cone_of(const giPoint3& a, const giPoint3& b) {
+  Cone cone;
+  cone.centre = gi_interpolate(a, b, 0.5);
+  cone.shortest = a.distance(b);
+  cone.radius = 0.5 * cone.shortest * (1.0 + 1e-9);
+  cone.axis = b - a;
+  cone.axis.make_unit();
+  return cone;
+}
+
+EdgeConeTree::Cone EdgeConeTree::joined(const Cone& a, const Cone& b) {
+  Cone cone;
+  cone.centre = gi_interpolate(a.centre, b.centre, 0.5);
+  cone.radius = std::max(cone.centre.distance(a.centre) + a.radius, cone.centre.distance(b.centre) + b.radius) * (1.0 + 1e-9);
+  cone.axis = a.axis.dot(b.axis) < 0.0 ? a.axis - b.axis : a.axis + b.axis;
+  cone.axis.make_unit();
+  cone.spread = std::max(line_angle(cone.axis, a.axis) + a.spread, line_angle(cone.axis, b.axis) + b.spread);
+  cone.shortest = std::min(a.shortest, b.shortest);
+  return cone;
+}
+
+// Every comparison is false where something is not a number, and then nothing is passed over.
+bool EdgeConeTree::is_beyond(const Cone& cone, const giPoint3& p, double tol) {
+  const double d = p.distance(cone.centre);
+  if (!(d > cone.radius) || !std::isfinite(d)) return false;
+  giVector3 towards = p - cone.centre;
+  towards.make_unit();
+  const double outside = line_angle(towards, cone.axis) - cone.spread - std::asin(cone.radius / d) - angle_slack;
+  if (!(outside > 0.0)) return false;
+  const double longest = std::max(2.0 * cone.radius, d + cone.radius);
+  const double least = cone.shortest * (d - cone.radius) * std::sin(std::min(outside, right_angle)) / longest;
+  return least * least * (1.0 - 1e-9) - height_slack * longest * longest > tol * tol;
+}
+
+void EdgeConeTree::build(std::vector<Cone> leaves) {
+  while (leaf_count_ < leaves.size()) leaf_count_ *= 2;
+  cones_.resize(2 * leaf_count_);
+  active_.assign(2 * leaf_count_, 0);
+  for (std::size_t k = 0; k < leaves.size(); ++k) {
+    cones_[leaf_count_ + k] = leaves[k];
+    active_[leaf_count_ + k] = static_cast<int>(std::min(edges_a_leaf, edges_.size() - k * edges_a_leaf));
+  }
+  for (std::size_t n = leaf_count_ - 1; n >= 1; --n) {
+    active_[n] = active_[2 * n] + active_[2 * n + 1];
+    cones_[n] = active_[2 * n + 1] == 0 ? cones_[2 * n] : joined(cones_[2 * n], cones_[2 * n + 1]);
+  }
+}
+
+void EdgeConeTree::deactivate(int k) {
+  const auto at = static_cast<std::size_t>(k);
+  if (!is_active_[at]) return;
+  is_active_[at] = 0;
+  for (std::size_t n = leaf_count_ + at / edges_a_leaf; n >= 1; n /= 2) --active_[n];
+}

@@ -1,0 +1,85 @@
+// Stopping the readers and writers of the formats other than STL at every poll.
+
+#include <gtest/gtest.h>
+
+#include "formats/format_files.h"
+#include "support/interrupting_handler.h"
+#include "support/random.h"
+#include "support/validator.h"
+
+namespace {
+
+void fill_small(trTriBlock& mesh) {
+  Random random(8);
+  fill(mesh, {12, 7, 2, 3}, random);
+}
+
+bool has_closing_message(const InterruptingHandler& handler) {
+  return std::any_of(handler.messages.begin(), handler.messages.end(), [](const std::string& text) { return text.rfind("Finished", 0) == 0; });
+}
+
+}  // namespace
+
+TEST(FormatInterruption, AReaderKeepsWhatItHasRead) {
+  trTriBlock source;
+  fill_small(source);
+  for (const Format* format : formats) {
+    const std::string bytes = write_format(*format, source).bytes;
+    int nodes = 0;
+    int stopped = 0;
+    for (int k = 1;; ++k) {
+      SCOPED_TRACE(testing::Message() << format->name << ", poll " << k);
+      trTriBlock mesh;
+      int polls = 0;
+      {
+        InterruptingHandler handler(k);
+        const int result = read_format(*format, mesh, bytes, {1, 0, 0, 1}).result;
+        polls = handler.polls;
+        EXPECT_EQ(result, polls < k);
+        EXPECT_EQ(has_closing_message(handler), polls < k);
+      }
+      EXPECT_TRUE(is_sound(mesh));
+      EXPECT_GE(mesh.valid_nodes(), nodes);
+      nodes = mesh.valid_nodes();
+      if (polls < k) break;
+      ++stopped;
+    }
+    EXPECT_GE(stopped, nodes);
+  }
+}
+
+// What was written is the beginning of the whole file, except that triangle files begin with counts, which may have been stopped and read
+// 0 then, and that a KVX file is marked as unfinished until its end.
+TEST(FormatInterruption, AWriterLeavesAFileCutShort) {
+  trTriBlock mesh;
+  fill_small(mesh);
+  for (const Format* format : formats) {
+    for (const int rwrite : {0, 1}) {
+      const std::string whole = write_format(*format, mesh, rwrite).bytes;
+      int stopped = 0;
+      for (int k = 1;; ++k) {
+        SCOPED_TRACE(testing::Message() << format->name << ", rwrite " << rwrite << ", poll " << k);
+        mesh.normals_built = 0;
+        InterruptingHandler handler(k);
+        const Written part = write_format(*format, mesh, rwrite);
+        const bool is_whole = handler.polls < k;
+        EXPECT_EQ(part.result, is_whole);
+        EXPECT_EQ(has_closing_message(handler), is_whole);
+        if (is_whole) {
+          EXPECT_TRUE(are_same(part.bytes, whole));
+          break;
+        }
+        ++stopped;
+        EXPECT_LE(part.bytes.size(), whole.size()) << "as long only where the last element is deleted";
+        if (format == &native_format || format == &mesh_format) {
+          EXPECT_EQ(whole.compare(0, part.bytes.size(), part.bytes), 0);
+        }
+        if (format == &kvx_format) {
+          trTriBlock none;
+          EXPECT_EQ(read_format(*format, none, part.bytes).result, 0);
+        }
+      }
+      EXPECT_GE(stopped, mesh.valid_elements());
+    }
+  }
+}
