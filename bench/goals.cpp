@@ -131,6 +131,8 @@ std::vector<GoalLine> judge_goals(const RunFacts& facts) {
   }
   judge.ratio("slice", "flat_parse", 10.0);
   judge.ratio("section", "flat_parse", 2.0);
+  judge.at_most("fit_surface, 10^4 points, seconds", 0.5,
+                facts.results.seconds("fit_surface", 10'000, FacetOrder::ordered));
   judge.growth(1.15);
   if (facts.memory) {
     judge.at_most("bytes a triangle, after reading", 220.0, facts.memory->after_reading);
