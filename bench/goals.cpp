@@ -118,6 +118,10 @@ std::vector<GoalLine> judge_goals(const RunFacts& facts) {
   judge.ratio("detect_cycles", "flat_parse", 1.0);
   judge.ratio("detect_cycles_unbuilt", "build_edges", 1.5);
   judge.ratio("detect_cycles_soup", "flat_parse", 20.0);
+  for (const char* measure : {"merge_boundary_strips", "superstitch_strips"}) judge.ratio(measure, "flat_parse", 3.5);
+  for (const char* measure : {"merge_boundary_soup", "superstitch_soup", "stitch_soup"}) {
+    judge.ratio(measure, "unduplicate_1e-6_edge", 100.0);
+  }
   judge.ratio("fill_1000_holes", "flat_parse", 1.0);
   judge.ratio("undo_merge", "flat_parse", 8.0);
   judge.ratio("redo_merge", "flat_parse", 8.0);

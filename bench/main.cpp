@@ -120,6 +120,7 @@ std::vector<Measure> all_measures() {
   add_merge_measures(list);
   add_topology_measures(list);
   add_cycles_measures(list);
+  add_stitch_measures(list);
   add_cap_measures(list);
   add_fill_measures(list);
   add_isect_measures(list);

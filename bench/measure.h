@@ -23,6 +23,7 @@ void add_isect_measures(std::vector<Measure>& list);
 void add_topology_measures(std::vector<Measure>& list);
 void add_cap_measures(std::vector<Measure>& list);
 void add_cycles_measures(std::vector<Measure>& list);
+void add_stitch_measures(std::vector<Measure>& list);
 void add_fill_measures(std::vector<Measure>& list);
 void add_undo_measures(std::vector<Measure>& list);
 void add_shapes_measures(std::vector<Measure>& list);
