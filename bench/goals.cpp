@@ -123,6 +123,8 @@ std::vector<GoalLine> judge_goals(const RunFacts& facts) {
     judge.ratio(measure, "unduplicate_1e-6_edge", 100.0);
   }
   judge.ratio("fill_1000_holes", "flat_parse", 1.0);
+  for (const char* measure : {"fill_triblock", "give_triblock"}) judge.ratio(measure, "flat_parse", 5.0);
+  judge.ratio("transform", "flat_parse", 3.0);
   judge.ratio("undo_merge", "flat_parse", 8.0);
   judge.ratio("redo_merge", "flat_parse", 8.0);
   judge.ratio("merge_journalled", "unduplicate_exact", 1.6);

@@ -25,6 +25,7 @@ void add_cap_measures(std::vector<Measure>& list);
 void add_cycles_measures(std::vector<Measure>& list);
 void add_stitch_measures(std::vector<Measure>& list);
 void add_fill_measures(std::vector<Measure>& list);
+void add_exchange_measures(std::vector<Measure>& list);
 void add_undo_measures(std::vector<Measure>& list);
 void add_shapes_measures(std::vector<Measure>& list);
 void add_slice_measures(std::vector<Measure>& list);
