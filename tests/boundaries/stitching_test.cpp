@@ -15,7 +15,7 @@
 namespace {
 
 constexpr double inf = std::numeric_limits<double>::infinity();
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+constexpr double not_a_number = std::numeric_limits<double>::quiet_NaN();
 
 using Pass = int (*)(trCycleArray&, double);
 
@@ -69,7 +69,7 @@ Shape random_boundaries(Random& random) {
     for (int k = 0; k < 3; ++k) p[k] += random.between(-jitter, jitter);
   }
   if (random.one_in(8)) {
-    const double odd[] = {inf, -inf, nan, 1e200, -1e300, 1e-170};
+    const double odd[] = {inf, -inf, not_a_number, 1e200, -1e300, 1e-170};
     for (int k = random.between(1, 3); k > 0; --k)
       shape.points[static_cast<std::size_t>(random.below(static_cast<int>(shape.points.size())))][random.below(3)] = odd[random.below(6)];
   }
@@ -80,7 +80,7 @@ Shape random_boundaries(Random& random) {
 }
 
 double random_tolerance(Random& random) {
-  const double odd[] = {0.0, -0.0, inf, nan, 1e200, 1e-200, 1e308, -1.0};
+  const double odd[] = {0.0, -0.0, inf, not_a_number, 1e200, 1e-200, 1e308, -1.0};
   if (random.one_in(10)) return odd[random.below(7)];
   return std::pow(10.0, random.between(-10.0, 1.0));
 }
@@ -176,7 +176,7 @@ TEST_P(StitchingAgainstItsRules, SameResultOnRandomBoundaries) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, StitchingAgainstItsRules, testing::ValuesIn(operations),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& case_info) { return std::string(case_info.param.name); });
 
 namespace {
 
@@ -243,7 +243,7 @@ TEST(Stitching, AddsASliverFromTheEdgeToTheNode) {
 
 // A height is never below 0, nor below what is not a number.
 TEST(Stitching, MatchesNothingWithoutATolerance) {
-  for (const double tol : {0.0, -0.0, -1.0, nan}) {
+  for (const double tol : {0.0, -0.0, -1.0, not_a_number}) {
     Square block;
     block.add_flap(0.5, 0);
     trCycleArray set(&block);
@@ -369,7 +369,7 @@ TEST(BoundaryMerging, KeepsTheNodeMetFirstAndAveragesAttributes) {
   EXPECT_EQ(block.node_data(3).values[0], 40);
   EXPECT_EQ(block.node(4).invalid, 1);
   EXPECT_EQ(set.unduplicate_nodes(0.0), 0);
-  EXPECT_EQ(set.unduplicate_nodes(nan), 0);
+  EXPECT_EQ(set.unduplicate_nodes(not_a_number), 0);
 }
 
 // The numbers of polls are those of the items walked, so that a host can stop it anywhere; what was done is sound, can be
