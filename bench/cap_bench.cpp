@@ -48,9 +48,10 @@ double time_cap_round(const Model& model) {
   return seconds;
 }
 
-// An edge for every hundred facets, 10^4 for a million, and a spacing far above their length.
+// An edge for every ten facets, 10^4 for 10^5, and a spacing far above their length: the nodes thin out towards the middle.
 double time_cap_rim(const Model& model) {
-  const Block block = open_cone(static_cast<int>(model.facets() / 100));
+  const int edges = static_cast<int>(std::min(model.facets(), most_nodes) / 10);
+  const Block block = open_cone(edges);
   return time_cap(*block, 0.125);
 }
 

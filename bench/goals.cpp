@@ -118,6 +118,10 @@ std::vector<GoalLine> judge_goals(const RunFacts& facts) {
   judge.ratio("detect_cycles", "flat_parse", 1.0);
   judge.ratio("detect_cycles_unbuilt", "build_edges", 1.5);
   judge.ratio("detect_cycles_soup", "flat_parse", 20.0);
+  for (const char* measure : {"merge_boundary_strips", "superstitch_strips"}) judge.ratio(measure, "flat_parse", 3.5);
+  for (const char* measure : {"merge_boundary_soup", "superstitch_soup", "stitch_soup"}) {
+    judge.ratio(measure, "unduplicate_1e-6_edge", 100.0);
+  }
   judge.ratio("fill_1000_holes", "flat_parse", 1.0);
   for (const char* measure : {"fill_triblock", "give_triblock"}) judge.ratio(measure, "flat_parse", 5.0);
   judge.ratio("transform", "flat_parse", 3.0);
@@ -131,6 +135,10 @@ std::vector<GoalLine> judge_goals(const RunFacts& facts) {
     judge.at_most("seconds, cap_round of " + std::to_string(nodes) + " nodes", limit,
                   facts.results.seconds("cap_round", nodes, FacetOrder::ordered));
   }
+  judge.ratio("slice", "flat_parse", 10.0);
+  judge.ratio("section", "flat_parse", 2.0);
+  judge.at_most("fit_surface, 10^4 points, seconds", 0.5,
+                facts.results.seconds("fit_surface", 10'000, FacetOrder::ordered));
   judge.growth(1.15);
   if (facts.memory) {
     judge.at_most("bytes a triangle, after reading", 220.0, facts.memory->after_reading);

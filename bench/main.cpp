@@ -120,12 +120,15 @@ std::vector<Measure> all_measures() {
   add_merge_measures(list);
   add_topology_measures(list);
   add_cycles_measures(list);
+  add_stitch_measures(list);
   add_cap_measures(list);
   add_fill_measures(list);
   add_isect_measures(list);
   add_shapes_measures(list);
   add_sick_measures(list);
   add_exchange_measures(list);
+  add_slice_measures(list);
+  add_surface_measures(list);
   add_undo_measures(list);
   return list;
 }

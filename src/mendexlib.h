@@ -54,6 +54,7 @@
 #include "mesh/tri_data.h"
 #include "platform/common/binary_flags.h"
 #include "platform/common/cc_math.h"
+#include "platform/common/plane_fit.h"
 #include "platform/common/undo_history_data.h"
 #include "platform/common/workplane.h"
 #include "platform/common/workplane_list.h"

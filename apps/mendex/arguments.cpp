@@ -53,3 +53,12 @@ void add_input(CLI::App* verb, std::string& path) {
 void add_output(CLI::App* verb, std::string& path) {
   verb->add_option("-o,--output", path, "File to write, in the format of its name; it may be IN itself")->required()->type_name("PATH");
 }
+
+void add_axis(CLI::App* verb, char& axis) {
+  verb->add_option("--axis", axis, "Axis across which the plane lies")
+      ->check(CLI::IsMember({"x", "y", "z"}))
+      ->type_name("x|y|z")
+      ->capture_default_str();
+}
+
+gi_Axis axis_of(char name) { return name == 'x' ? gi_x_axis : (name == 'y' ? gi_y_axis : gi_z_axis); }

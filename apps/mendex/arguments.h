@@ -1,6 +1,7 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <mendexlib.h>
 
 #include <optional>
 #include <string>
@@ -27,3 +28,8 @@ CLI::Option* add_count(CLI::App* verb, const char* name, int& count, int least, 
 void add_input(CLI::App* verb, std::string& path);
 /// Adds -o with the file to be written.
 void add_output(CLI::App* verb, std::string& path);
+/// Adds --axis with x, y or z.
+void add_axis(CLI::App* verb, char& axis);
+
+/// The axis of that name.
+gi_Axis axis_of(char name);

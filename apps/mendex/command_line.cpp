@@ -8,7 +8,7 @@
 namespace {
 
 constexpr const char* exit_codes_help =
-    "Exit codes: 0 done, 1 defects found (check), 2 wrong usage, 3 cannot read, 4 cannot write, 6 interrupted (of several files the highest).\n"
+    "Exit codes: 0 done, 1 defects found (check) or holes left (cap, fill), 2 wrong usage, 3 cannot read, 4 cannot write, 6 interrupted (of several files the highest).\n"
     "Results go to standard output; warnings, errors and the progress bar go to standard error.";
 
 }  // namespace

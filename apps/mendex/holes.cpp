@@ -24,23 +24,6 @@ FreeEdges free_edges_of(const std::vector<FoundBoundary>& boundaries) {
   return edges;
 }
 
-const char* reason_of(at2PlaneError error) {
-  switch (error) {
-    case at2_success: return "no plane, or no surface, can be fitted to it";
-    case at2_bad_length: return "the spacing is not usable";
-    case at2_not_finite: return "it has coordinates that are not finite";
-    case at2_repeated_node: return "it passes a node twice";
-    case at2_zero_area: return "seen flat it has no area";
-    case at2_coincident_nodes: return "seen flat two of its nodes coincide";
-    case at2_touching_loops: return "seen flat it touches itself";
-    case at2_crossing_loops: return "seen flat it crosses itself";
-    case at2_wrong_direction: return "seen flat it runs round the wrong way";
-    case at2_too_many_nodes: return "the spacing asks for more than ten million nodes";
-    case at2_no_memory: return "there is not enough memory";
-    default: return "it cannot be triangulated";
-  }
-}
-
 // Closes the chosen boundaries of one controller.
 class HoleCloser {
  public:
@@ -169,6 +152,23 @@ class HoleCloser {
 };
 
 }  // namespace
+
+const char* reason_of(at2PlaneError error) {
+  switch (error) {
+    case at2_success: return "no plane, or no surface, can be fitted to it";
+    case at2_bad_length: return "the spacing is not usable";
+    case at2_not_finite: return "it has coordinates that are not finite";
+    case at2_repeated_node: return "it passes a node twice";
+    case at2_zero_area: return "seen flat it has no area";
+    case at2_coincident_nodes: return "seen flat two of its nodes coincide";
+    case at2_touching_loops: return "seen flat it touches itself";
+    case at2_crossing_loops: return "seen flat it crosses itself";
+    case at2_wrong_direction: return "seen flat it runs round the wrong way";
+    case at2_too_many_nodes: return "the spacing asks for more than ten million nodes";
+    case at2_no_memory: return "there is not enough memory";
+    default: return "it cannot be triangulated";
+  }
+}
 
 int ClosedHoles::closed() const {
   return static_cast<int>(std::count_if(outcomes.begin(), outcomes.end(), [](const HoleOutcome& o) { return o.refused.empty(); }));

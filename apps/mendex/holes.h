@@ -51,6 +51,9 @@ struct ClosedHoles {
   int refused() const { return static_cast<int>(outcomes.size()) - closed(); }
 };
 
+/// Why an area could not be triangulated, in words that go on after "it stays open: ".
+const char* reason_of(at2PlaneError error);
+
 /// Closes boundaries of the controller's mesh, in an undo bracket. A boundary that fails stays as it was.
 /// Throws when a number or node is not to be found, or on interruption, and then has taken everything back.
 /// @param spacing  of new nodes, model units; 0: the mean length of each boundary's edges

@@ -23,6 +23,8 @@ void add_verbs(CommandLine& line) {
   add_swap_verb(line);
   add_transform_verb(line);
   add_renumber_verb(line);
+  add_slice_verb(line);
+  add_section_verb(line);
   add_convert_verb(line);
   add_formats_verb(line);
 }

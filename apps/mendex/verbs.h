@@ -18,6 +18,8 @@ void add_orient_verb(CommandLine& line);   // turn triangles over
 void add_swap_verb(CommandLine& line);     // better diagonals
 void add_transform_verb(CommandLine& line);  // scale, turn, move
 void add_renumber_verb(CommandLine& line);   // close the gaps in the numbers
+void add_slice_verb(CommandLine& line);    // keep one side of a plane
+void add_section_verb(CommandLine& line);  // outlines of cuts
 void add_convert_verb(CommandLine& line);  // read and write in the format that the output's name asks for
 void add_formats_verb(CommandLine& line);  // what can be read and written
 

@@ -2,6 +2,7 @@
 
 #include "boundaries/cycle_array.h"
 #include "boundaries/cycle_it.h"
+#include "boundaries/free_edge.h"
 #include "platform/spatial/point_index.h"
 #include "progress/progress.h"
 
@@ -26,7 +27,7 @@ bool trCycleArray::merge_boundary_nodes(double tol, intcoPageArr& map) {
     for (trCycleIT it(&cycles.at(i)); ++it;) {
       if (tr_interrupt()) return has_merged;
       const int n = it.s_node();
-      if (block->node(n).invalid) continue;
+      if (!has_boundary_node(*block, n) || block->node(n).invalid) continue;
       const int k = kept.find_or_add(block->point(n), n);
       if (k == -1 || k == n) continue;
       block->average_node_data(k, n);

@@ -106,7 +106,8 @@ int trCycleArray::cap_holes(double spacing, double, at2PlaneError& error, const 
 }
 
 int trCycleArray::cap_hole(int progress_index, int id, double spacing, int curvature, at2PlaneError& error) {
-  const bool is_live = block != nullptr && reset_ == resets_ && id >= 0 && id < cycles.count() && cycles.at(id).start >= 0;
+  const bool is_live =
+      block != nullptr && reset_ == resets_ && id >= 0 && id < cycles.count() && cycles.at(id).start >= 0;
   if (!is_live || !has_valid_nodes(cycles.at(id))) return 0;
   if (!(spacing > 0.0)) {
     error = at2_bad_length;
@@ -138,7 +139,8 @@ int trCycleArray::cycle_fit_plane(const trCycle& cycle, giPoint3& origin, giVect
   return failure == 0;
 }
 
-int trCycleArray::cap_cycle(int id, const giPoint3& origin, const giVector3& normal, double spacing, at2PlaneError& error) {
+int trCycleArray::cap_cycle(int id, const giPoint3& origin, const giVector3& normal, double spacing,
+                            at2PlaneError& error) {
   error = cap_in_plane(cycles.at(id), origin, normal, spacing);
   return error == at2_success;
 }

@@ -96,6 +96,7 @@ class MENDEX_EXPORT trCycleArray {
   int fill_holes(const int& curvature);
   /// Closes each cycle, or its arc, by triangles in the plane fitted to it with nodes at about `spacing`, model units.
   /// With `curvature` the new nodes lie on a surface fitted to the mesh round the hole. A hole that fails stays open.
+  /// New nodes inside a hole drop all node attributes of the block, for good.
   /// @param second_tol  not used
   /// @param error       receives that of the last cycle tried that came so far as to be triangulated; 0 for none
   /// @return 1 when a cycle was tried; 0 also when interrupted

@@ -9,26 +9,40 @@ constexpr double right_angle = 1.5707963267948966;
 // What rounding can take from a bound: angles, and the squared height that comes out of a difference of squares.
 constexpr double angle_slack = 1e-7;
 constexpr double height_slack = 1e-14;
+constexpr double place_slack = 1e-15;  // of a centre, relative to its coordinates
+// Squares below lose digits, or are 0.
+constexpr double least_square = 1e-290;
+
+bool is_finite(const giPoint3& p) { return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z); }
+
+double rounding_at(const giPoint3& p) { return place_slack * std::max({std::fabs(p.x), std::fabs(p.y), std::fabs(p.z)}); }
 
 // Angle between the lines along two unit vectors, 0 to a right angle.
 double line_angle(const giVector3& u, const giVector3& v) { return std::atan2(u.cross(v).length(), std::fabs(u.dot(v))); }
 
 }  // namespace
 
+// What is not finite makes no height: such an edge bounds the place of its finite end alone, and limits no height.
 EdgeConeTree::Cone EdgeConeTree::cone_of(const giPoint3& a, const giPoint3& b) {
   Cone cone;
-  cone.centre = gi_interpolate(a, b, 0.5);
-  cone.shortest = a.distance(b);
-  cone.radius = 0.5 * cone.shortest * (1.0 + 1e-9);
+  const bool has_start = is_finite(a), has_end = is_finite(b);
+  if (!has_start && !has_end) return cone;
+  cone.shortest = has_start && has_end ? a.distance(b) : HUGE_VAL;
+  cone.centre = has_start && has_end ? gi_interpolate(a, b, 0.5) : has_start ? a : b;
+  cone.radius = rounding_at(cone.centre);
+  if (!has_start || !has_end) return cone;
+  cone.radius = (cone.radius + 0.5 * cone.shortest) * (1.0 + 1e-9);
   cone.axis = b - a;
   cone.axis.make_unit();
   return cone;
 }
 
 EdgeConeTree::Cone EdgeConeTree::joined(const Cone& a, const Cone& b) {
+  if (a.is_empty() || b.is_empty()) return a.is_empty() ? b : a;
   Cone cone;
   cone.centre = gi_interpolate(a.centre, b.centre, 0.5);
-  cone.radius = std::max(cone.centre.distance(a.centre) + a.radius, cone.centre.distance(b.centre) + b.radius) * (1.0 + 1e-9);
+  const double reach = std::max(cone.centre.distance(a.centre) + a.radius, cone.centre.distance(b.centre) + b.radius);
+  cone.radius = (reach + rounding_at(cone.centre)) * (1.0 + 1e-9);
   cone.axis = a.axis.dot(b.axis) < 0.0 ? a.axis - b.axis : a.axis + b.axis;
   cone.axis.make_unit();
   cone.spread = std::max(line_angle(cone.axis, a.axis) + a.spread, line_angle(cone.axis, b.axis) + b.spread);
@@ -37,16 +51,18 @@ EdgeConeTree::Cone EdgeConeTree::joined(const Cone& a, const Cone& b) {
 }
 
 // Every comparison is false where something is not a number, and then nothing is passed over.
-bool EdgeConeTree::is_beyond(const Cone& cone, const giPoint3& p, double tol) {
+bool EdgeConeTree::is_beyond(const Cone& cone, const giPoint3& p, double reach, double tol) {
+  if (cone.is_empty()) return true;
   const double d = p.distance(cone.centre);
-  if (!(d > cone.radius) || !std::isfinite(d)) return false;
+  const double r = cone.radius + reach;
+  if (!(d > r) || !std::isfinite(d)) return false;
   giVector3 towards = p - cone.centre;
   towards.make_unit();
-  const double outside = line_angle(towards, cone.axis) - cone.spread - std::asin(cone.radius / d) - angle_slack;
+  const double outside = line_angle(towards, cone.axis) - cone.spread - std::asin(r / d) - angle_slack;
   if (!(outside > 0.0)) return false;
-  const double longest = std::max(2.0 * cone.radius, d + cone.radius);
-  const double least = cone.shortest * (d - cone.radius) * std::sin(std::min(outside, right_angle)) / longest;
-  return least * least * (1.0 - 1e-9) - height_slack * longest * longest > tol * tol;
+  const double longest = std::max(2.0 * cone.radius, d + r);
+  const double least = cone.shortest * (d - r) * std::sin(std::min(outside, right_angle)) / longest;
+  return least * least * (1.0 - 1e-9) - height_slack * longest * longest - least_square > tol * tol;
 }
 
 void EdgeConeTree::build(std::vector<Cone> leaves) {

@@ -13,8 +13,8 @@ class MENDEX_EXPORT trPlaneFitCycle : public ccPlaneFit {
 
   /// Number of points. Cost: O(edges).
   int size() const override;
-  /// Position of the start node of edge i, counted from 0; the origin beyond the last. Holds until the block grows or is
-  /// cleared. Cost: O(1) for the edge of the last call and the one behind it, else O(edges).
+  /// Position of the start node of edge i, counted from 0; the origin beyond the last. Holds until the block grows or
+  /// is cleared. Cost: O(1) for the edge of the last call and the one behind it, else O(edges).
   const giPoint3& data_point(int i) const override;
   /// Moves the iterator to edge i.
   void set_iter(int i);

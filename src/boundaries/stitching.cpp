@@ -8,87 +8,177 @@
 #include "boundaries/cycle_array.h"
 #include "boundaries/cycle_it.h"
 #include "boundaries/edge_cone_tree.h"
+#include "boundaries/free_edge.h"
 #include "mesh/aspect_utils.h"
-#include "platform/spatial/box_tree.h"
+#include "platform/spatial/live_tree.h"
 #include "progress/progress.h"
 
 namespace {
 
 // Cycles up to this many edges are searched edge by edge.
 constexpr int largest_plain_cycle = 32;
-// A tolerance from which the boxes of searches overflow: every cycle is looked at then.
-constexpr double farthest = 1e150;
+// When a cycle meets more others than this, they are tried one after the other instead of being gathered beforehand.
+constexpr std::size_t most_gathered = 256;
 constexpr double rounding = 1e-12;
 
 struct Triple {
   int node, start, end;
 };
 
+bool overlap(const giBox3& a, const giBox3& b) {
+  for (int k = 0; k < 3; ++k) {
+    if (!(a.min()[k] <= b.max()[k] && b.min()[k] <= a.max()[k])) return false;
+  }
+  return true;
+}
+
+// Holds all boxes that cross `box` within tol.
+giBox3 surroundings(giBox3 box, double tol) {
+  double size = tol;
+  for (int k = 0; k < 3; ++k) size = std::max({size, std::fabs(box.min()[k]), std::fabs(box.max()[k])});
+  box.grow(2.0 * tol + rounding * size);
+  return box;
+}
+
 // Pairs nodes with edges, each once. Cycles are gone through in their order, and for each the others that it meets in theirs; of the
-// edges of one cycle a node takes the first that will do.
+// edges of one cycle a node takes the first that will do. Cycles without edges left are not looked at again, and a cycle is done with
+// when it has no nodes left.
 class StitchMatcher {
  public:
   StitchMatcher(trTriBlock& block, trCyclecoPageArr& cycles, double tol)
-      : block_(block), cycles_(cycles), tol_(tol), boxes_(boxes_of(cycles)), trees_(static_cast<std::size_t>(cycles.count())) {}
+      : block_(block), cycles_(cycles), tol_(tol), facts_(facts_of(cycles)), boxes_(boxes_of(cycles)) {
+    for (int j = 0; j <= cycles.count(); ++j) next_live_.push_back(j);
+    for (int j = 0; j < cycles.count(); ++j) {
+      if (facts(j).edges_left == 0) drop(j);
+    }
+  }
 
   std::vector<Triple> match() {
     for (int i = 0; i < cycles_.count() && !tr_interrupt(); ++i) {
-      if (cycles_.at(i).start == -1) continue;
-      for (const int j : cycles_near(i)) {
-        if (tr_interrupt()) break;
-        if (j == i || cycles_.at(i).box().crosses(cycles_.at(j).box(), tol_)) match_cycles(i, j);
-      }
+      nodes_left_ = live_nodes(i);
+      if (nodes_left_ > 0) match_cycle(i);
     }
     return std::move(found_);
   }
 
  private:
+  struct Facts {
+    int edges = 0;
+    int edges_left = 0;  // those not cancelled
+    std::unique_ptr<EdgeConeTree> tree;
+  };
+
+  Facts& facts(int j) { return facts_[static_cast<std::size_t>(j)]; }
+
+  static std::vector<Facts> facts_of(const trCyclecoPageArr& cycles) {
+    std::vector<Facts> all(static_cast<std::size_t>(cycles.count()));
+    for (int j = 0; j < cycles.count(); ++j) {
+      Facts& facts = all[static_cast<std::size_t>(j)];
+      for (trCycleIT it(&cycles.at(j)); ++it; ++facts.edges) facts.edges_left += !it.edge_cancelled();
+    }
+    return all;
+  }
+
   static std::vector<giBox3> boxes_of(const trCyclecoPageArr& cycles) {
     std::vector<giBox3> boxes;
-    for (int i = 0; i < cycles.count(); ++i) boxes.push_back(cycles.at(i).box());
+    for (int j = 0; j < cycles.count(); ++j) boxes.push_back(cycles.at(j).box());
     return boxes;
   }
 
-  // The live cycles that may meet cycle i, itself among them, ascending.
-  const std::vector<int>& cycles_near(int i) {
-    near_.clear();
-    if (tol_ < farthest) {
-      giBox3 box = cycles_.at(i).box();
-      double size = tol_;
-      for (int k = 0; k < 3; ++k) size = std::max({size, std::fabs(box.min()[k]), std::fabs(box.max()[k])});
-      box.grow(2.0 * tol_ + rounding * size);
-      boxes_.visit_crossing(box, [&](int j) { near_.push_back(j); });
-      near_.push_back(i);  // whose box may hold nothing that can be compared
-      std::sort(near_.begin(), near_.end());
-      near_.erase(std::unique(near_.begin(), near_.end()), near_.end());
-    } else {
-      for (int j = 0; j < cycles_.count(); ++j) near_.push_back(j);
+  int live_nodes(int i) const {
+    int n = 0;
+    for (trCycleIT it(&cycles_.at(i)); ++it;) n += !it.node_cancelled();
+    return n;
+  }
+
+  // Takes a cycle whose edges are used up out of the searches.
+  void drop(int j) {
+    boxes_.remove(j);
+    next_live_[static_cast<std::size_t>(j)] = j + 1;
+  }
+
+  // The first cycle from j on that has edges left; the number of cycles when there is none.
+  int next_live(int j) {
+    int end = j;
+    while (next_live_[static_cast<std::size_t>(end)] != end) end = next_live_[static_cast<std::size_t>(end)];
+    while (j != end) {
+      int& next = next_live_[static_cast<std::size_t>(j)];
+      j = next;
+      next = end;
     }
-    near_.erase(std::remove_if(near_.begin(), near_.end(), [this](int j) { return cycles_.at(j).start == -1; }), near_.end());
-    return near_;
+    return end;
+  }
+
+  void match_cycle(int i) {
+    if (!gather_near(i)) {
+      for (int j = next_live(0); j < cycles_.count() && nodes_left_ > 0 && !tr_interrupt(); j = next_live(j + 1)) match_cycles(i, j);
+      return;
+    }
+    for (const int j : near_) {
+      if (nodes_left_ == 0 || tr_interrupt()) return;
+      match_cycles(i, j);
+    }
+  }
+
+  // Gathers the cycles that may meet cycle i, itself among them, ascending; false when there are too many. Its own box may hold
+  // something that does not compare.
+  bool gather_near(int i) {
+    near_.assign(1, i);
+    const giBox3 query = surroundings(cycles_.at(i).box(), tol_);
+    if (!overlap(query, query)) return !(tol_ > 0.0 && std::isinf(tol_));
+    const bool is_whole = boxes_.visit([&](const giBox3& box) { return !overlap(query, box); },
+                                       [&](int j) {
+                                         if (j != i) near_.push_back(j);
+                                         return near_.size() <= most_gathered;
+                                       });
+    std::sort(near_.begin(), near_.end());
+    return is_whole;
   }
 
   void match_cycles(int i, int j) {
-    for (trCycleIT it(&cycles_.at(i)); ++it;) {
-      if (it.node_cancelled()) continue;
-      if (!match_node(it.s_node(), j)) continue;
-      it.cancel_node();
+    if (i != j && !cycles_.at(i).box().crosses(cycles_.at(j).box(), tol_)) return;
+    if (is_long(i) && !is_long(j)) return match_near_short(i, j);
+    for (trCycleIT it(&cycles_.at(i)); ++it && facts(j).edges_left > 0;) {
+      if (!it.node_cancelled()) match_node(it.s_node(), j);
+    }
+  }
+
+  // Of the nodes of a long cycle only those that may make a low triangle with an edge of the short one.
+  void match_near_short(int i, int j) {
+    const EdgeConeTree& nodes = tree_of(i);
+    starts_.clear();
+    for (trCycleIT it(&cycles_.at(j)); ++it;) {
+      if (it.edge_cancelled() || !has_boundary_node(block_, it.s_node()) || !has_boundary_node(block_, it.e_node())) continue;
+      nodes.visit_starts(block_.point(it.s_node()), block_.point(it.e_node()), tol_, [this](int k) { starts_.push_back(k); });
+    }
+    std::sort(starts_.begin(), starts_.end());
+    starts_.erase(std::unique(starts_.begin(), starts_.end()), starts_.end());
+    for (const int k : starts_) {
+      const int n = nodes.edge(k).start;
+      if (block_.node(n).side != 0) match_node(n, j);
     }
   }
 
   bool makes_low_triangle(int n, int s, int e) const {
-    return n != s && n != e && s != e && trAspectUtils::triangle_height(block_.point(s), block_.point(e), block_.point(n)).is_below(tol_);
+    if (n == s || n == e || s == e) return false;
+    return trAspectUtils::triangle_height(block_.point(s), block_.point(e), block_.point(n)).value() < tol_;
   }
 
-  bool match_node(int n, int j) {
-    EdgeConeTree* const tree = tree_of(j);
-    return tree == nullptr ? match_in_walk(n, j) : match_in_tree(n, *tree);
+  void match_node(int n, int j) {
+    if (!has_boundary_node(block_, n)) return;
+    const bool is_matched = is_long(j) ? match_in_tree(n, tree_of(j)) : match_in_walk(n, j);
+    if (!is_matched) return;
+    block_.node(n).side = 0;
+    --nodes_left_;
+    if (--facts(j).edges_left == 0) drop(j);
   }
 
   bool match_in_walk(int n, int j) {
     for (trCycleIT it(&cycles_.at(j)); ++it;) {
-      if (it.edge_cancelled() || !makes_low_triangle(n, it.s_node(), it.e_node())) continue;
-      found_.push_back({n, it.s_node(), it.e_node()});
+      const int s = it.s_node(), e = it.e_node();
+      if (it.edge_cancelled() || !has_boundary_node(block_, s) || !has_boundary_node(block_, e)) continue;
+      if (!makes_low_triangle(n, s, e)) continue;
+      found_.push_back({n, s, e});
       it.cancel_edge();
       return true;
     }
@@ -96,51 +186,46 @@ class StitchMatcher {
   }
 
   bool match_in_tree(int n, EdgeConeTree& tree) {
-    const int k = tree.first(block_.point(n), tol_, [&](const EdgeConeTree::Edge& e) { return makes_low_triangle(n, e.start, e.end); });
+    const int k = tree.first(block_.point(n), tol_, [&](const EdgeConeTree::Edge& e) {
+      return trCycle::rep.at(e.entry).active && makes_low_triangle(n, e.start, e.end);
+    });
     if (k < 0) return false;
     const EdgeConeTree::Edge edge = tree.edge(k);
     found_.push_back({n, edge.start, edge.end});
     tree.deactivate(k);
-    if (edge.entry >= 0) trCycle::rep.at(edge.entry).active = 0;
+    trCycle::rep.at(edge.entry).active = 0;
     return true;
   }
 
-  // Of a cycle with many edges; made when it is first looked at.
-  EdgeConeTree* tree_of(int j) {
-    std::unique_ptr<EdgeConeTree>& tree = trees_[static_cast<std::size_t>(j)];
-    if (tree != nullptr || !is_long(j)) return tree.get();
+  bool is_long(int j) { return facts(j).edges > largest_plain_cycle; }
+
+  // Of a long cycle; made when it is first needed.
+  EdgeConeTree& tree_of(int j) {
+    std::unique_ptr<EdgeConeTree>& tree = facts(j).tree;
+    if (tree != nullptr) return *tree;
     std::vector<EdgeConeTree::Edge> edges;
     for (trCycleIT it(&cycles_.at(j)); ++it;) {
-      if (!it.edge_cancelled()) edges.push_back({it.s_node(), it.e_node(), it.cur});
+      const int s = it.s_node(), e = it.e_node();
+      if (has_boundary_node(block_, s)) edges.push_back({s, has_boundary_node(block_, e) ? e : s, it.cur});
     }
-    if (edges.empty()) return nullptr;
     tree = std::make_unique<EdgeConeTree>(std::move(edges), [this](int node) { return block_.point(node); });
-    return tree.get();
-  }
-
-  bool is_long(int j) const {
-    int edges = 0;
-    for (trCycleIT it(&cycles_.at(j)); ++it;) {
-      if (++edges > largest_plain_cycle) return true;
+    for (int k = 0; k < tree->count(); ++k) {
+      if (!trCycle::rep.at(tree->edge(k).entry).active) tree->deactivate(k);
     }
-    return false;
+    return *tree;
   }
 
   trTriBlock& block_;
   trCyclecoPageArr& cycles_;
   double tol_;
-  BoxTree boxes_;
-  std::vector<std::unique_ptr<EdgeConeTree>> trees_;  // by cycle
+  std::vector<Facts> facts_;  // by cycle
+  LiveTree<giBox3> boxes_;    // of the cycles that have edges left
+  std::vector<int> next_live_;  // by cycle: itself while it has edges left, else one on the way to the next that has
+  int nodes_left_ = 0;        // of the cycle in hand, or more
   std::vector<int> near_;
+  std::vector<int> starts_;
   std::vector<Triple> found_;
 };
-
-bool has_free_edge(const trTriBlock& block, int s, int e) {
-  for (trIntListIT it(block.node(s).a_edges); ++it;) {
-    if (it() == e) return true;
-  }
-  return false;
-}
 
 }  // namespace
 

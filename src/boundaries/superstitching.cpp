@@ -8,22 +8,61 @@
 #include "boundaries/array_it.h"
 #include "boundaries/cycle_array.h"
 #include "boundaries/cycle_it.h"
+#include "boundaries/free_edge.h"
 #include "mesh/loop_it.h"
-#include "platform/spatial/box_tree.h"
+#include "platform/spatial/live_tree.h"
 #include "progress/message.h"
 #include "progress/progress.h"
 
 namespace {
 
-// A tolerance from which the boxes of searches overflow: everything is looked at then.
-constexpr double farthest = 1e150;
 // Bounds of what rounding can do, relative to the numbers involved; generous, since they only decide what is looked at closely.
 constexpr double rounding = 1e-12;
-// Long edges are searched piece by piece, so that a slanting one does not take up what lies in its whole box.
-constexpr double edges_a_piece = 4.0;
-constexpr double most_pieces = 4096.0;
+constexpr double place_rounding = 4e-16;
+// Squares of lengths below this lose digits, or are 0.
+constexpr double least_length = 1e-150;
 
-bool is_finite(const giPoint3& p) { return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z); }
+// Turns down boxes in which no point lies on the edge from s to e, its ends left out, within the tolerance.
+class OffEdge {
+ public:
+  OffEdge(const giPoint3& s, const giPoint3& e, double tol) : start_(s), along_(e - s), length_sq_(along_.length_sq()), near_(s, s) {
+    double size = tol;
+    for (int k = 0; k < 3; ++k) size = std::max({size, std::fabs(s[k]), std::fabs(e[k])});
+    reach_ = tol + rounding * size + least_length;
+    near_.merge(e);
+    near_.grow(reach_);
+  }
+
+  // Where not, every point is off the edge.
+  bool is_regular() const { return length_sq_ > 0.0 && std::isfinite(length_sq_); }
+
+  // Comparisons are false where something overflows, and then nothing is turned down.
+  bool operator()(const giBox3& box) const {
+    double mid = 0.0, half = 0.0, size = 0.0, centre_sq = 0.0, radius_sq = 0.0;
+    for (int k = 0; k < 3; ++k) {
+      const double low = box.min()[k], high = box.max()[k];
+      if (high < near_.min()[k] || low > near_.max()[k]) return true;
+      const double c = 0.5 * low + 0.5 * high - start_[k];
+      const double h = 0.5 * high - 0.5 * low + place_rounding * (std::fabs(low) + std::fabs(high) + std::fabs(start_[k]));
+      mid += c * along_[k];
+      half += h * std::fabs(along_[k]);
+      size += std::fabs(c * along_[k]);
+      centre_sq += c * c;
+      radius_sq += h * h;
+    }
+    const double slack = rounding * (size + half + length_sq_) + least_length * least_length;
+    if (mid + half < -slack || mid - half > length_sq_ + slack) return true;
+    const double reach = std::sqrt(radius_sq) + reach_;
+    return centre_sq - mid * mid / length_sq_ > reach * reach + rounding * centre_sq;
+  }
+
+ private:
+  giPoint3 start_;
+  giVector3 along_;
+  double length_sq_;
+  double reach_ = 0.0;
+  giBox3 near_;
+};
 
 // A place on a cycle, in the order of the cycles and along each.
 struct Place {
@@ -34,90 +73,59 @@ struct Place {
 // The nodes of all live cycles, for finding those that may lie on an edge.
 class BoundaryNodes {
  public:
-  BoundaryNodes(const trTriBlock& block, const trCyclecoPageArr& cycles, double tol)
-      : block_(block), tol_(tol), places_(places_of(cycles)), tree_(boxes_of(block, places_)), piece_(edges_a_piece * mean_edge(cycles)) {}
+  BoundaryNodes(const trTriBlock& block, const trCyclecoPageArr& cycles)
+      : block_(block), places_(places_of(block, cycles)), tree_(points_of(block, places_)) {}
 
-  // The places near the edge, ascending; none that the exact test would take is missing.
-  const std::vector<int>& near(int s, int e) {
+  // The places near the edge, ascending; none that the exact test would take is missing, and none of them is cancelled.
+  const std::vector<int>& near(const OffEdge& is_off) {
     found_.clear();
-    if (tol_ < farthest) {
-      search(block_.point(s), block_.point(e));
-    } else {
-      for (int k = 0; k < static_cast<int>(places_.size()); ++k) found_.push_back(k);
-    }
+    cancelled_.clear();
+    tree_.visit(is_off, [this](int k) {
+      const bool is_cancelled = block_.node(place(k).node).side == 0;
+      (is_cancelled ? cancelled_ : found_).push_back(k);
+      return true;
+    });
+    for (const int k : cancelled_) tree_.remove(k);
+    std::sort(found_.begin(), found_.end());
     return found_;
   }
 
   const Place& place(int k) const { return places_[static_cast<std::size_t>(k)]; }
+  void remove(int k) { tree_.remove(k); }
 
  private:
-  static std::vector<Place> places_of(const trCyclecoPageArr& cycles) {
+  // What lies at no finite place lies on no edge.
+  static std::vector<Place> places_of(const trTriBlock& block, const trCyclecoPageArr& cycles) {
     std::vector<Place> places;
     for (int j = 0; j < cycles.count(); ++j) {
-      for (trCycleIT it(&cycles.at(j)); ++it;) places.push_back({j, it.s_node()});
+      for (trCycleIT it(&cycles.at(j)); ++it;) {
+        if (has_boundary_node(block, it.s_node()) && is_finite(block.point(it.s_node()))) places.push_back({j, it.s_node()});
+      }
     }
     return places;
   }
 
-  // Nodes without a finite place lie on no edge: their boxes are empty.
-  static std::vector<giBox3> boxes_of(const trTriBlock& block, const std::vector<Place>& places) {
-    std::vector<giBox3> boxes(places.size());
-    for (std::size_t k = 0; k < places.size(); ++k) {
-      const giPoint3& p = block.point(places[k].node);
-      if (is_finite(p)) boxes[k].merge(p);
-    }
-    return boxes;
+  static std::vector<giPoint3> points_of(const trTriBlock& block, const std::vector<Place>& places) {
+    std::vector<giPoint3> points;
+    points.reserve(places.size());
+    for (const Place& place : places) points.push_back(block.point(place.node));
+    return points;
   }
 
-  double mean_edge(const trCyclecoPageArr& cycles) const {
-    double sum = 0.0;
-    int edges = 0;
-    for (int j = 0; j < cycles.count(); ++j) {
-      for (trCycleIT it(&cycles.at(j)); ++it; ++edges) {
-        const double length = block_.point(it.s_node()).distance(block_.point(it.e_node()));
-        if (std::isfinite(length)) sum += length;
-      }
-    }
-    return edges == 0 ? 0.0 : sum / edges;
-  }
-
-  void search(const giPoint3& a, const giPoint3& b) {
-    const double length = a.distance(b);
-    if (!std::isfinite(length)) return;
-    const double step = piece_ + tol_;
-    const int pieces = step > 0.0 ? static_cast<int>(std::min(most_pieces, std::floor(length / step) + 1.0)) : 1;
-    giPoint3 from = a;
-    for (int k = 1; k <= pieces; ++k) {
-      const giPoint3 to = k == pieces ? b : gi_interpolate(a, b, static_cast<double>(k) / pieces);
-      search_box(from, to);
-      from = to;
-    }
-    if (pieces > 1 || found_.size() > 1) std::sort(found_.begin(), found_.end());
-    found_.erase(std::unique(found_.begin(), found_.end()), found_.end());
-  }
-
-  void search_box(const giPoint3& from, const giPoint3& to) {
-    giBox3 box(from, from);
-    box.merge(to);
-    double size = tol_;
-    for (int k = 0; k < 3; ++k) size = std::max({size, std::fabs(from[k]), std::fabs(to[k])});
-    box.grow(tol_ + rounding * size);
-    tree_.visit_crossing(box, [this](int k) { found_.push_back(k); });
-  }
+  static bool is_finite(const giPoint3& p) { return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z); }
 
   const trTriBlock& block_;
-  double tol_;
   std::vector<Place> places_;
-  BoxTree tree_;
-  double piece_;
+  LiveTree<giPoint3> tree_;  // of the places; those found cancelled are taken out
   std::vector<int> found_;
+  std::vector<int> cancelled_;
 };
 
 // One pass over all edges.
 class EdgeSplitter {
  public:
   EdgeSplitter(trTriBlock& block, trCyclecoPageArr& cycles, double tol)
-      : block_(block), cycles_(cycles), tol_(tol), nodes_(block, cycles, tol), limit_element_(block.element_count()) {}
+      : block_(block), cycles_(cycles), tol_(tol), nodes_(block, cycles), limit_element_(block.element_count()) {}
 
   // `format` takes the number of edges that were visited, of all of them.
   void split_all(const char* format, int edges) {
@@ -126,7 +134,7 @@ class EdgeSplitter {
         if (tr_interrupt()) return;
         if (visited_ % 100 == 0) tr_report_progress(format, visited_, visited_ * 100.0 / edges);
         ++visited_;
-        if (it.edge_cancelled() || !has_free_edge(it.s_node(), it.e_node())) continue;
+        if (it.edge_cancelled() || !is_free(it.s_node(), it.e_node())) continue;
         find_nodes(i, it);
         if (on_nodes_.count() > 0) split(it.s_node(), it.e_node());
       }
@@ -136,11 +144,8 @@ class EdgeSplitter {
   bool has_split() const { return deleted_ != 0 && created_ != 0; }
 
  private:
-  bool has_free_edge(int s, int e) const {
-    for (trIntListIT it(block_.node(s).a_edges); ++it;) {
-      if (it() == e) return true;
-    }
-    return false;
+  bool is_free(int s, int e) const {
+    return has_boundary_node(block_, s) && has_boundary_node(block_, e) && has_free_edge(block_, s, e);
   }
 
   // The nodes on the current edge of cycle i. They, and the edge when there are any, are used up; so no node is found twice.
@@ -148,7 +153,9 @@ class EdgeSplitter {
     on_nodes_.clear(0);
     on_params_.clear(0);
     const int s = it.s_node(), e = it.e_node();
-    for (const int k : nodes_.near(s, e)) {
+    const OffEdge is_off(block_.point(s), block_.point(e), tol_);
+    if (!(tol_ > 0.0) || !is_off.is_regular()) return;
+    for (const int k : nodes_.near(is_off)) {
       const Place& place = nodes_.place(k);
       if (place.cycle != i && !cycles_.at(i).box().crosses(cycles_.at(place.cycle).box(), tol_)) continue;
       double par = 0.0;
@@ -157,6 +164,7 @@ class EdgeSplitter {
       on_params_[on_params_.count()] = par;
       it.cancel_edge();
       block_.node(place.node).side = 0;
+      nodes_.remove(k);
     }
   }
 

@@ -53,7 +53,9 @@ giPoint2 trTriPlane::position(int node) {
   return giPoint2(p.x, p.y);
 }
 
-int trTriPlane::make_node(giPoint2 p) { return block->generate_node(from_plane.apply(giPoint3(p.x, p.y, 0.0)), normal, 1); }
+int trTriPlane::make_node(giPoint2 p) {
+  return block->generate_node(from_plane.apply(giPoint3(p.x, p.y, 0.0)), normal, 1);
+}
 
 void trTriPlane::make_triangle(int a, int b, int c) { block->generate(a, b, c); }
 

@@ -14,8 +14,8 @@ class MENDEX_EXPORT trTriPlane : public at2Plane {
   /// @param distance of new nodes, model units; checked by the triangulation
   /// @param at       a point of the plane
   /// @param up       of length 1; the triangles turn counter-clockwise when seen against it. Within 1e-4 of the z axis or
-  ///                 its opposite the plane is not tilted: it is parallel to the axes x and y, and coordinates keep their
-  ///                 bits but for the origin.
+  ///                 its opposite the plane is not tilted: it is parallel to the axes x and y, and coordinates keep
+  ///                 their bits but for the origin.
   trTriPlane(trTriBlock* of, double distance, const giPoint3& at, const giVector3& up);
 
   /// Fills the area between the edges in `pairs`; to be called once. The block is untouched but for success. Half-way,

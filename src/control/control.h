@@ -176,7 +176,8 @@ class MENDEX_EXPORT trControl {
   int action_cap(double spacing, at2PlaneError& error, const int& curvature) const;
   /// The same, each boundary in an undo bracket of its own, "fill_hole": call it outside any. Boundaries that failed are selected again,
   /// with their picks. `error` is that of the one that failed, 6 when several did, 0 where none came so far as to be triangulated.
-  /// Interrupted, it takes all of them back. 1 when any was closed.
+  /// A spacing that is not above 0 is refused as at2_bad_length. Interrupted, it takes all of them back; without the full history,
+  /// the last. 1 when any was closed.
   int action_cap_ext(double spacing, int curvature, at2PlaneError& error);
   /// Selects the boundaries whose start nodes are keys of the table, with the picks of the saved cycles that they map to.
   void restore_selection_data(const intintcoTable& start_nodes, const trCycleArray& saved);

@@ -128,11 +128,13 @@ void trTriBlock::split_element(int e, int axis, double value, intcoPageArr& plan
   }
 }
 
-// Computed from the lower node to the higher one, so that both elements of an edge get the same point to the last bit.
+// Computed from the lower node to the higher one, so that both elements of an edge get the same point to the last bit; from the
+// higher one where the cut is that node itself, which it then meets exactly.
 int trTriBlock::cut_edge(int a, int b, int axis, double value, double tol) {
   const int low = std::min(a, b);
   const int high = std::max(a, b);
   const double from = pcoord(node_in_workplane(low), axis);
   const double to = pcoord(node_in_workplane(high), axis);
-  return interpolate_node(low, high, crossing(from, to, value, tol));
+  const double t = crossing(from, to, value, tol);
+  return t == 1.0 ? interpolate_node(high, low, 0.0) : interpolate_node(low, high, t);
 }

@@ -7,6 +7,40 @@ namespace {
 
 double edge_length(const trTriBlock& block, int a, int b) { return (block.point(b) - block.point(a)).length(); }
 
+int position_of(const trElement& t, int node) {
+  int k = 0;
+  while (k < 3 && t[k] != node) ++k;
+  return k;
+}
+
+int corner_after(const trElement& t, int node) { return t[(position_of(t, node) + 1) % 3]; }
+
+bool runs(const trTriBlock& block, int e, int from, int to) {
+  const trElement& t = block.element(e);
+  const int k = position_of(t, to);
+  return t.valid() && k < 3 && t[(k + 2) % 3] == from && t[(k + 1) % 3] != 0;
+}
+
+// The newest element, in the list of `to`, that has the directed edge; 0 without one. The lists of both ends are walked side by side,
+// and the shorter decides where it names at most one: an edge at the hub of a great many elements costs no more than another.
+int element_on_edge(const trTriBlock& block, int from, int to) {
+  trIntListIT at_to(block.node(to).elements);
+  trIntListIT at_from(block.node(from).elements);
+  int found = 0;
+  int last = 0;
+  bool both = true;
+  while (++at_to) {
+    if (runs(block, at_to(), from, to)) return at_to();
+    if (!both) continue;
+    both = ++at_from;
+    if (!both && found < 2) return last;
+    if (!both || !runs(block, at_from(), from, to)) continue;
+    ++found;
+    last = at_from();
+  }
+  return 0;
+}
+
 // The corners of (a, b, c), rotated so that the longest edge comes first.
 struct LongestFirst {
   int p, q, r;
@@ -36,14 +70,14 @@ int apex_opposite_longest(const double length[3]) {
 
 int trTriBlock::generate3(int a, int b, int c) {
   const LongestFirst t = longest_edge_first(*this, a, b, c);
-  trLoopIT around(this, t.p);
-  while (++around) {
-    const int s = around.next_node();
-    if (around.prev_node() != t.q || s == 0) continue;
-    if (!trAspectUtils::check_dela(point(s), point(t.p), point(t.q), point(t.r))) break;
-    delete_element(around());
-    generate(s, t.q, t.r);
-    return generate(t.r, t.p, s);
+  const int across = element_on_edge(*this, t.q, t.p);
+  if (across != 0) {
+    const int s = corner_after(element(across), t.p);
+    if (trAspectUtils::check_dela(point(s), point(t.p), point(t.q), point(t.r))) {
+      delete_element(across);
+      generate(s, t.q, t.r);
+      return generate(t.r, t.p, s);
+    }
   }
   return generate(t.p, t.q, t.r);
 }

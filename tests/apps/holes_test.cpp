@@ -115,7 +115,7 @@ TEST(MendexHoles, ChosenByNumberBySizeAndByNodes) {
   EXPECT_EQ(small["not_chosen"], 1);
   EXPECT_EQ(check(out)["boundary_sizes"], Json::array({16}));
   const Json nodes = check(file)["found"]["boundaries"][1]["nodes"];
-  const std::string ends = nodes[0].dump() + "," + nodes[4].dump();
+  const std::string ends = nodes[2].dump() + "," + nodes[6].dump();  // round a corner: straight on there is no area
   for (const char* verb : {"fill", "cap"}) {
     const Json part = close({verb, file, "-o", out, "--between", ends});
     EXPECT_EQ(part["holes"].size(), 1u);

@@ -41,6 +41,7 @@ TEST(Readme, ShowsRealOutput) {
   const std::vector<std::vector<std::string>> commands = {
       {"weld", "samples/torus_collapsed.stl", "-o", "fixed.stl"},
       {"check", "samples/open_box.ast"},
+      {"cap", "samples/open_box.ast", "-o", "closed.stl", "--spacing", "5"},
       {"info", "samples/bracket_soup.stl"},
       {"info", "samples/bracket_soup.stl", "--json"},
   };

@@ -4,8 +4,8 @@
 
 #include <limits>
 
-#include "boundaries/bowls.h"
 #include "boundaries/boundary_shapes.h"
+#include "boundaries/bowls.h"
 #include "boundaries/plane_fit_cycle.h"
 #include "boundaries/tri_plane.h"
 #include "progress/progress.h"
@@ -35,8 +35,8 @@ void pick(const trCycleArray& set, int id, const std::vector<int>& nodes) {
 }
 
 struct Cap {
-  double area = 0.0;         // of the elements from `first` on
-  double least_facing = 1.0; // of their unit normals along `up`
+  double area = 0.0;          // of the elements from `first` on
+  double least_facing = 1.0;  // of their unit normals along `up`
 };
 
 Cap cap_of(const trTriBlock& block, int first, const giVector3& up) {
@@ -156,10 +156,9 @@ TEST(Capping, ExtremesOfSpacing) {
   const struct {
     double spacing;
     at2PlaneError error;
-  } cases[] = {{1e300, at2_success},     {inf, at2_success},
-               {1e-9, at2_too_many_nodes}, {5e-324, at2_too_many_nodes},
-               {0.0, at2_bad_length},    {-1.0, at2_bad_length},
-               {-inf, at2_bad_length},   {std::nan(""), at2_bad_length}};
+  } cases[] = {
+      {1e300, at2_success},  {inf, at2_success},     {1e-9, at2_too_many_nodes}, {5e-324, at2_too_many_nodes},
+      {0.0, at2_bad_length}, {-1.0, at2_bad_length}, {-inf, at2_bad_length},     {std::nan(""), at2_bad_length}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.spacing);
     BlockOf block(bowl(round_outline(20)));
@@ -347,7 +346,8 @@ Shape holed_surface(Height height) {
   constexpr int around = 32, rings = 4;
   Shape shape;
   for (int r = 0; r <= rings; ++r) {
-    for (const giPoint2& p : round_outline(around, 1.0 + 0.6 * r / rings)) shape.points.emplace_back(p.x, p.y, height(p.x, p.y));
+    for (const giPoint2& p : round_outline(around, 1.0 + 0.6 * r / rings))
+      shape.points.emplace_back(p.x, p.y, height(p.x, p.y));
   }
   for (int r = 0; r < rings; ++r) {
     for (int k = 0; k < around; ++k) {
@@ -477,8 +477,8 @@ TEST(TriPlane, FramesAndBack) {
   const struct {
     giVector3 normal;
     int tilt;  // 0: none, 1: upside down, 2: any
-  } cases[] = {{{0, 0, 1}, 0},         {{0.9e-4, 0, 1}, 0}, {{0, -0.9e-4, -1}, 1}, {{1e-5, 0, -1}, 1},
-               {{1.1e-4, 0, 1}, 2},    {{0, 1.1e-4, -1}, 2}, {{1, 0, 0}, 2}, {{-2, 3, -6}, 2}};
+  } cases[] = {{{0, 0, 1}, 0},      {{0.9e-4, 0, 1}, 0},  {{0, -0.9e-4, -1}, 1}, {{1e-5, 0, -1}, 1},
+               {{1.1e-4, 0, 1}, 2}, {{0, 1.1e-4, -1}, 2}, {{1, 0, 0}, 2},        {{-2, 3, -6}, 2}};
   for (auto c : cases) {
     c.normal.make_unit();
     const trTriPlane plane(&block, 1.0, at, c.normal);

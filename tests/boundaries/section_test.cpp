@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cfloat>
+#include <chrono>
 
 #include "boundaries/boundary_shapes.h"
 #include "boundaries/section.h"
@@ -102,6 +103,82 @@ TEST(Section, OfAClosedMeshAreLoopsThatNameTheirFirstPointTwice) {
   section.section(gi_z_axis, 3.0);
   EXPECT_EQ(section.n_boundaries(), 0) << "nothing is crossed";
   EXPECT_EQ(section.points.count(), 0);
+}
+
+// Every element that has corners on both sides gives one segment, and every segment is one step of one loop.
+TEST(Section, OfAClosedMeshUsesEachSegmentOnce) {
+  Random random(5);
+  for (int round = 0; round < 20; ++round) {
+    BlockOf block(shuffled(bumpy_sphere(2000), random.bits()));
+    OpenedSection section(&block);
+    const gi_Axis axis = static_cast<gi_Axis>(random.below(3));
+    const double value = random.between(-0.7, 0.7);
+    section.section(axis, value);
+    int crossed = 0;
+    for (int e = 1; e < block.element_count(); ++e) {
+      int below = 0;
+      for (int k = 0; k < 3; ++k) below += block.point(block.element(e)[k])[axis] < value - 1e-5;
+      crossed += below % 3 != 0;
+    }
+    int steps = 0;
+    std::set<int> starts;
+    for (const auto& chain : chains_of(section)) {
+      ASSERT_EQ(chain.front(), chain.back());
+      steps += static_cast<int>(chain.size()) - 1;
+      starts.insert(chain.begin(), chain.end() - 1);
+    }
+    ASSERT_GT(crossed, 50);
+    ASSERT_EQ(section.edge_start.count(), crossed);
+    ASSERT_EQ(steps, crossed);
+    ASSERT_EQ(static_cast<int>(starts.size()), crossed) << "no loop passes a point twice";
+    for (int e = 0; e < crossed; ++e) ASSERT_TRUE(section.edge_cancelled(e)) << "tracing uses segments up";
+  }
+}
+
+TEST(Section, OfASphereAreCirclesOfTheRightLength) {
+  BlockOf block(sphere(200));
+  trSection section(&block);
+  const double pi = std::acos(-1.0);
+  for (const gi_Axis axis : {gi_x_axis, gi_y_axis, gi_z_axis}) {
+    for (const double height : {-0.9, -0.37, 0.01, 0.6}) {
+      section.section(axis, height);
+      ASSERT_EQ(section.n_boundaries(), 1);
+      const double circle = 2 * pi * std::sqrt(1 - height * height);
+      EXPECT_NEAR(length_of(section, 0), circle, 2e-3);
+      EXPECT_LT(length_of(section, 0), circle) << "the mesh lies inside the sphere";
+    }
+  }
+}
+
+// Very many separate teeth; very many pages of a book, all segments of which start at its spine; and one long zigzag, which
+// is a single chain. A search along the segments for each chain, or for each step, would take minutes.
+TEST(Section, OfVeryManySegments) {
+  constexpr int many = 100000;
+  const auto start = std::chrono::steady_clock::now();
+  Shape comb, book{{{0, 0, -1}, {0, 0, 1}}, {}}, zigzag;
+  for (int k = 0; k < many; ++k) {
+    comb.points.insert(comb.points.end(), {giPoint3(k, 0, -1), giPoint3(k, 1, 1), giPoint3(k, 0, 1)});
+    comb.triangles.push_back({3 * k, 3 * k + 1, 3 * k + 2});
+    const double angle = 6.28 * k / many;
+    book.points.emplace_back(1e4 * std::cos(angle), 1e4 * std::sin(angle), 1);
+    book.triangles.push_back({0, 1, k + 2});
+    zigzag.points.insert(zigzag.points.end(), {giPoint3(k, k % 2, -1), giPoint3(k, k % 2, 1)});
+    if (k > 0) zigzag.triangles.insert(zigzag.triangles.end(), {{2 * k - 2, 2 * k, 2 * k - 1}, {2 * k - 1, 2 * k, 2 * k + 1}});
+  }
+  const struct {
+    const Shape& shape;
+    int chains;
+    int points;
+  } cases[] = {{comb, many, 2}, {book, many, 2}, {zigzag, 1, 2 * many - 1}};
+  for (const auto& c : cases) {
+    BlockOf block(shuffled(c.shape, 3));
+    trSection section(&block);
+    section.section(gi_z_axis, 0);
+    ASSERT_EQ(section.n_boundaries(), c.chains);
+    EXPECT_EQ(section.n_boundary_points(0), c.points);
+    EXPECT_EQ(section.n_boundary_points(c.chains - 1), c.points);
+  }
+  EXPECT_LT(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count(), 30.0);
 }
 
 TEST(Section, OfAnOpenStripIsAChainFromEndToEnd) {

@@ -81,8 +81,8 @@ TEST(ActionCap, RefusesASpacingThatIsNotPositive) {
   }
 }
 
-// The host opens the bracket, and the action closes it when nothing was tried; the host's own closing then finds none open and leaves
-// the operation before alone.
+// The host opens the bracket, and the action closes it when nothing was tried; the host's own closing then finds none
+// open and leaves the operation before alone.
 TEST(ActionCap, ClosesTheBracketOfTheHostWhenNothingWasTried) {
   CapturedOutput output;
   Host host({square, square});
@@ -155,8 +155,8 @@ TEST(ActionCapExt, EachHoleIsAStepOfItsOwn) {
   EXPECT_TRUE(is_sound(host.triblock()));
 }
 
-// One failure gives its own error, several give 6; one that has no plane was never triangulated and counts as error 0, so that the
-// next failure is still the first.
+// One failure gives its own error, several give 6; one that has no plane was never triangulated and counts as error 0,
+// so that the next failure is still the first.
 TEST(ActionCapExt, ErrorsOfFailures) {
   const struct {
     std::vector<Outline> rims;
@@ -274,7 +274,8 @@ TEST(ActionCapExt, SeveralControllers) {
   EXPECT_TRUE(is_sound(two.triblock()));
 }
 
-// Only the picks of what was saved are used: its cycles were discarded since. Start nodes that begin no cycle are passed over.
+// Only the picks of what was saved are used: its cycles were discarded since. Start nodes that begin no cycle are
+// passed over.
 TEST(Selection, SavedAndRestored) {
   CapturedOutput output;
   Host host({square, square});

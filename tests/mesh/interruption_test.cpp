@@ -71,6 +71,8 @@ const std::vector<Operation>& operations() {
        [](const trTriBlock& b) { return b.normals_built == 0; }, none, nodes()},
       {"unduplicate_nodes", [](trTriBlock& b) { return b.unduplicate_nodes(1e-6); }, 0,
        [](const trTriBlock& b) { return b.undup_tol == 0.0; }, dangling, nodes() + 2 * elements()},
+      {"slice", [](trTriBlock& b) { return b.slice(gi_x_axis, 0, 0.25, 1e-10); }, 0,
+       [](const trTriBlock& b) { return b.changed == 0 || b.edges_built == 0; }, dangling, 2 * nodes() + elements()},
       {"repeating", [](trTriBlock& b) { return b.repeating(); }, 0, [](const trTriBlock& b) { return b.changed == 0; },
        none, elements()},
       {"cancelling both", [](trTriBlock& b) { return b.cancelling(1); }, 0, anything, none, elements()},

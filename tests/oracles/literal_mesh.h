@@ -16,6 +16,7 @@ class LiteralMesh {
     int invalid = 1;
     std::vector<int> a_edges;   // front first
     std::vector<int> elements;  // front first
+    int side = 0;
   };
   struct Tuple {
     int weight = 0;
@@ -47,6 +48,7 @@ class LiteralMesh {
   void renumber();
   void transform(const giXform3& x);
   int unduplicate_nodes(double tol);
+  int slice(gi_Axis axis, int side, double value, double tol);
 
   void set_node_data(int i, const Tuple& tuple);
   void set_element_colour(int e, int colour);
@@ -87,6 +89,9 @@ class LiteralMesh {
   giPoint3 to_work(const giPoint3& p) const;
   giPoint3 to_world(const giPoint3& p) const;
   void alter();
+  int cut(int a, int b, gi_Axis axis, double value, double tol);
+  bool slice_one(int e, gi_Axis axis, double value, double tol, std::vector<int>& plane_nodes);
+  void merge_plane_nodes(const std::vector<int>& plane_nodes, double tol);
 };
 
 /// What differs between the block and the literal mesh, in words; empty when nothing does. Lists are compared in their

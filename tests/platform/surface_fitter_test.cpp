@@ -166,6 +166,20 @@ TEST(SurfFitter, FillsAPlaneFlat) {
   }
 }
 
+// Thirty times as long as wide, along the sphere: the narrow way gives the equations little to hold on to.
+TEST(SurfFitter, FillsASlot) {
+  const auto slot = [](double a, double b) { return on_sphere(1.5 * a, 0.05 * b); };
+  const HolePoints points = hole_points(slot, 200);
+  zrkSurfPtr fitted;
+  ASSERT_EQ(0, fit(points, fitted));
+  for (const double a : {-0.9, -0.4, 0.0, 0.7}) {
+    const giPoint3 truth = slot(a, 0.1);
+    giPoint3 q;
+    ASSERT_EQ(0, fitted->closest_point(truth, q));
+    EXPECT_LT(q.distance(truth), 2e-3 * half_angle) << a;
+  }
+}
+
 // Scatter of 5 % of an edge: a surface through every point would leave the rim at angles of many degrees and bulge by half of the
 // flat cap's error.
 TEST(SurfFitter, DoesNotFollowScatter) {

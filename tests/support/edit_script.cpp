@@ -201,6 +201,18 @@ bool EditScript::reverse_all() {
   return true;
 }
 
+// Through a node, or beside one, so that all ways occur in which a triangle can lie to the plane.
+bool EditScript::slice() {
+  const int i = some_live_node();
+  if (i == 0 || !random.one_in(4)) return false;
+  const gi_Axis axis = static_cast<gi_Axis>(random.below(3));
+  const int side = random.below(2);
+  const double beside[] = {0.0, 0.0, 0.25, -0.25, 1e-11};
+  const double value = block.check_use_workplane(block.point(i))[axis] + beside[random.below(5)];
+  on_both([&](auto& mesh) { return mesh.slice(axis, side, value, 1e-10); });
+  return true;
+}
+
 const EditScript::NamedEdit EditScript::edits[] = {
     {"generate", &EditScript::generate_somewhere},
     {"twin", &EditScript::repeat_or_cancel_one},
@@ -220,6 +232,7 @@ const EditScript::NamedEdit EditScript::edits[] = {
     {"transform", &EditScript::move_all},
     {"collapsed", &EditScript::drop_collapsed},
     {"reverse", &EditScript::reverse_all},
+    {"slice", &EditScript::slice},
 };
 
 int EditScript::edit_count() { return static_cast<int>(std::size(edits)); }

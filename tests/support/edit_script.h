@@ -96,6 +96,7 @@ class EditScript {
   bool move_all();
   bool drop_collapsed();
   bool reverse_all();
+  bool slice();
 
   ScriptSetting setting_;
   LiteralMesh* literal_;

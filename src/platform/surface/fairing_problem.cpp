@@ -123,7 +123,7 @@ void FairingProblem::gather(const std::vector<double>& heights, int i, int j, do
 
 double FairingProblem::residual(const std::vector<double>& heights, int sample) const {
   const SampleBasis& basis = bases_[static_cast<std::size_t>(sample)];
-  double values[16];
+  double values[16] = {};
   gather(heights, basis.i, basis.j, values);
   double z = 0.0;
   for (int k = 0; k < 16; ++k) z += basis.weight[k] * values[k];
@@ -134,7 +134,7 @@ double FairingProblem::objective(const std::vector<double>& heights, double stif
   double misfit = 0.0;
   for (int k = 0; k < samples_.count(); ++k) misfit += residual(heights, k) * residual(heights, k);
   double energy = 0.0;
-  double values[16];
+  double values[16] = {};
   for (const Place& place : places_) {
     if (place.node == 0) gather(heights, place.i, place.j, values);
     const HeightDerivatives z = derivatives_of(values, nodes_[place.node]);
@@ -157,7 +157,7 @@ void FairingProblem::add_samples() {
 
 void FairingProblem::add_fairing(double stiffness) {
   Block block;
-  double values[16];
+  double values[16] = {};
   for (Place& place : places_) {
     if (place.node == 0) {
       block = Block();
@@ -218,7 +218,7 @@ double FairingProblem::slope(int sample) const {
   const SampleBasis& basis = bases_[static_cast<std::size_t>(sample)];
   const CubicBasis bu(u_, basis.i, p.u);
   const CubicBasis bv(v_, basis.j, p.v);
-  double values[16];
+  double values[16] = {};
   gather(heights_, basis.i, basis.j, values);
   double zu = 0.0;
   double zv = 0.0;

@@ -21,7 +21,9 @@ struct FitSamples {
   };
 
   State state = State::too_few;
-  giWorkplane3 plane;            ///< through the middle of the points; z across, x along their greatest extent
+  /// Through the middle of the points; z across them, x along their greatest extent. Where the hole is seen from the edge that way,
+  /// z is across the hole.
+  giWorkplane3 plane;
   double scale = 1.0;            ///< model units in one unit of the samples
   std::vector<FitSample> points; ///< those of the ring, then those of the boundary in their order
   int boundary_start = 0;        ///< number of the first boundary point
@@ -29,6 +31,7 @@ struct FitSamples {
   int count() const { return static_cast<int>(points.size()); }
 };
 
+/// Ring points farther away from the boundary than about its own extent are drawn near.
 FitSamples make_fit_samples(const giPoint3coPageArr& ring, const giPoint3coPageArr& boundary);
 
 /// The corners of the convex hull of the samples' places in the plane, counter-clockwise.

@@ -20,14 +20,15 @@ class MENDEX_EXPORT gcmSurfFitter {
 
   virtual ~gcmSurfFitter();
 
-  /// Fits a bicubic B-spline height field over the best-fit plane of all points.
+  /// Fits a bicubic B-spline height field over the best-fit plane of all points; over the plane that faces the hole where the
+  /// best-fit plane sees it from the edge.
   ///
   /// The surface passes the points closely; where there are none its curvature changes as little as it can. A hole in a plane, a
-  /// sphere or a circular cylinder is filled with the same shape. Knots are as far apart as the boundary points, with at least 8
-  /// and at most 40 spans each way; the stiffness is the greatest that leaves the boundary points in place. Neither the unit of
-  /// length nor the distance from the origin matters.
-  /// @param ring      points of the mesh round the hole; may be empty
-  /// @param boundary  points of the hole's boundary, in their order along it
+  /// sphere or a circular cylinder is filled with the same shape. Knots are about as far apart as the boundary points, with at most
+  /// 40 spans each way; the stiffness is the greatest that leaves the boundary points in place. Neither the unit of length nor the
+  /// distance from the origin matters.
+  /// @param ring      points of the mesh round the hole; may be empty; of points far away only the direction counts
+  /// @param boundary  points of the hole's boundary, in their order along it; where there are none, those of the ring are
   /// @param surface   the fitted surface, a `zrkNurbSurf`; left alone unless the result is 0
   /// @return          0 for success
   /// Cost: O(n) for n points, and at most about half a second for the surface.
@@ -38,5 +39,10 @@ class MENDEX_EXPORT gcmSurfFitter {
   virtual int progress_feedback(int percent);
 
  private:
-  Result soften(FairingProblem& problem, double close_enough);
+  /// Root mean square of what is left at the boundary points.
+  struct Limits {
+    double close_enough;
+    double greatest;
+  };
+  Result soften(FairingProblem& problem, const Limits& limits);
 };

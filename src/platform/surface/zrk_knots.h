@@ -14,5 +14,10 @@ struct zrkKnots {
   int controls() const { return spans + 3; }
   double clamped(double t) const { return std::min(std::max(t, start), end()); }
   /// The span that holds t, which must lie between `start` and `end()`; its number is that of its first control value.
-  int span(double t) const { return std::min(std::max(static_cast<int>((t - start) / step), 0), spans - 1); }
+  /// Any other t, and what is no number, gets the first or the last.
+  int span(double t) const {
+    const double s = (t - start) / step;
+    if (!(s > 0.0)) return 0;
+    return s < spans - 1 ? static_cast<int>(s) : spans - 1;
+  }
 };

@@ -53,6 +53,7 @@ struct zrkNurbSurf::Line {
 };
 
 zrkNurbSurf::zrkNurbSurf(const Frame& frame, std::vector<double> heights) : frame_(frame), heights_(std::move(heights)) {
+  heights_.resize(static_cast<std::size_t>(frame_.u.controls() * frame_.v.controls()));
   // The B-splines add up to one and are nowhere negative: the surface lies between its control values.
   const auto [low, high] = std::minmax_element(heights_.begin(), heights_.end());
   lowest_ = *low;
@@ -257,7 +258,7 @@ int zrkNurbSurf::project(const giPoint3& p, const giVector3& direction, giPoint3
 
   const double u_spans = std::fabs(line.t1 - line.t0) * std::fabs(line.d.u) / frame_.u.step;
   const double v_spans = std::fabs(line.t1 - line.t0) * std::fabs(line.d.v) / frame_.v.step;
-  const int pieces = 1 + static_cast<int>(samples_per_span * std::min(u_spans + v_spans, 1e5));
+  const int pieces = 1 + static_cast<int>(samples_per_span * std::min(1e5, u_spans + v_spans));
   double best = DBL_MAX;
   double t = line.t0;
   double f = above(line, t);

@@ -20,7 +20,8 @@ class MENDEX_EXPORT zrkNurbSurf : public zrkSurf {
     zrkKnots v;
   };
 
-  /// @param heights  control values, those of one v in a row: (i, j) at j * u.controls() + i; u.controls() * v.controls() of them
+  /// @param heights  control values, those of one v in a row: (i, j) at j * u.controls() + i; u.controls() * v.controls() of them,
+  ///                 missing ones are 0
   zrkNurbSurf(const Frame& frame, std::vector<double> heights);
   ~zrkNurbSurf() override;
 
@@ -32,7 +33,7 @@ class MENDEX_EXPORT zrkNurbSurf : public zrkSurf {
 
   /// q = the point of the surface closest to p. The search starts at the better of p's foot and the best point of a coarse grid,
   /// never leaves the knots and never moves away from p; it may end in a closest point of the neighbourhood only.
-  /// @return 0; -1 where p is not finite, and then q is left alone. Cost: bounded, typically a microsecond.
+  /// @return 0; -1 where p is not finite or its distance squared is not, and then q is left alone. Cost: bounded, typically a microsecond.
   int closest_point(const giPoint3& p, giPoint3& q) const override;
   /// q = where the line through p along `direction` (either way, any length but 0) meets the surface nearest to p. Two meetings
   /// closer together than a quarter of a knot span may be missed.

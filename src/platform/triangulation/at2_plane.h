@@ -41,7 +41,7 @@ enum at2PlaneError {
 /// the area between the loops exactly.
 ///
 /// Local spacing at a point p: let l(v) be the length of the shorter of the two edges at a node v. It is `spacing`, but
-/// at most l(v) + d(v, p) / 4 for each v, and, where those do not lower it, at least l(v) - 3 d(v, p) / 2. (The slopes
+/// at most l(v) + d(v, p) / 4 for each v (to within a fifteenth), and, where those do not lower it, at least l(v) - 3 d(v, p) / 2. (The slopes
 /// 1/4 and 3/2 are those of `grading` = `spacing`; they are in proportion to spacing / grading, which counts as at
 /// least 1/8 and at most 8.) Interior nodes are about the local spacing apart, and none is nearer to an edge than half
 /// of it. They are refused, none being made, from a spacing that is at least the diagonal of the box. Where no edge is

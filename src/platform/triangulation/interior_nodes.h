@@ -19,6 +19,6 @@ bool insert_grid_points(PlanarMesh& mesh, const SpacingField& field, const std::
 at2PlaneError refine_triangles(PlanarMesh& mesh, const SpacingField& field, WorkMeter& meter);
 
 /// Moves nodes from `first` on towards the middle of their neighbours where that makes the sharpest angle around them
-/// less sharp, a few rounds. None comes nearer to the boundary than half the local spacing. False when the work shall
-/// stop.
+/// less sharp, a few rounds. None comes nearer to the boundary than half the local spacing, nor to another node than
+/// that where it was not as near before. False when the work shall stop.
 bool smooth_nodes(PlanarMesh& mesh, const SpacingField& field, int first, WorkMeter& meter);

@@ -59,13 +59,29 @@ class Smoother {
     }
     for (const double step : {1.0, 0.5, 0.2}) {
       const giPoint2 p = snapped(giPoint2(old.x + step * (middle.x - old.x), old.y + step * (middle.y - old.y)));
-      if (worst_shape(p, good_enough) <= worth_while * old_shape || !field_.is_clear(p, 0.5 * field_.at(p))) continue;
+      if (worst_shape(p, good_enough) <= worth_while * old_shape || !keeps_distance(old, p)) continue;
       mesh_.move(node, p);
       mesh_.restore_around(node);
       active_[static_cast<std::size_t>(node)] = 1;
       for (const int neighbour : ring_) active_[static_cast<std::size_t>(neighbour)] = 1;
       return;
     }
+  }
+
+  // From the boundary always, from neighbours unless they are as near already.
+  bool keeps_distance(const giPoint2& old, const giPoint2& p) const {
+    const double least = 0.5 * field_.at(p);
+    if (!field_.is_clear(p, least)) return false;
+    return nearest_neighbour_sq(p) >= std::min(least * least, nearest_neighbour_sq(old));
+  }
+
+  double nearest_neighbour_sq(const giPoint2& p) const {
+    double nearest_sq = HUGE_VAL;
+    for (const int neighbour : ring_) {
+      const double dx = mesh_.point(neighbour).x - p.x, dy = mesh_.point(neighbour).y - p.y;
+      nearest_sq = std::min(nearest_sq, dx * dx + dy * dy);
+    }
+    return nearest_sq;
   }
 
   void collect_ring(int node) {

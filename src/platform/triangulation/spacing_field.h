@@ -23,7 +23,7 @@ class SpacingField {
   double spacing() const { return spacing_; }
   /// No more than any local spacing.
   double least() const { return least_; }
-  /// The local spacing at p.
+  /// The local spacing at p, up to a fifteenth larger where shorter edges lower it.
   double at(const giPoint2& p) const;
   /// Whether no edge is nearer to p than `distance`.
   bool is_clear(const giPoint2& p, double distance) const;

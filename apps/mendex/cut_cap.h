@@ -1,0 +1,21 @@
+#pragma once
+
+#include <mendexlib.h>
+
+/// A plane across an axis.
+struct CutPlane {
+  gi_Axis axis;
+  double at;
+  bool keeps_above;  // which side of it the mesh lies
+};
+
+/// What became of the boundaries in a plane.
+struct CutCap {
+  int loops = 0;      // found there
+  int triangles = 0;  // made to close them
+  at2PlaneError error = at2_success;  // why they stay open
+};
+
+/// Closes the boundaries of the controller's mesh that lie in the plane, all together, so that a loop inside another one is a hole of
+/// the area. No nodes are made. All stay open when the area cannot be triangulated. Edits go to the open undo record.
+CutCap cap_cut(trControl& control, const CutPlane& plane);
