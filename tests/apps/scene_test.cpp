@@ -87,7 +87,8 @@ TEST_F(MendexScene, CarriesColours) {
   for (const std::string to : scenes) {
     const std::string path = folder_.path("b." + to);
     convert(first, path);
-    if (to != "off") EXPECT_EQ(text_of(path), expected) << to;
+    if (to == "off") continue;
+    EXPECT_EQ(text_of(path), expected) << to;
   }
 }
 
