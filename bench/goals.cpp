@@ -123,6 +123,8 @@ std::vector<GoalLine> judge_goals(const RunFacts& facts) {
     judge.ratio(measure, "unduplicate_1e-6_edge", 100.0);
   }
   judge.ratio("fill_1000_holes", "flat_parse", 1.0);
+  for (const char* measure : {"fill_triblock", "give_triblock"}) judge.ratio(measure, "flat_parse", 5.0);
+  judge.ratio("transform", "flat_parse", 3.0);
   judge.ratio("undo_merge", "flat_parse", 8.0);
   judge.ratio("redo_merge", "flat_parse", 8.0);
   judge.ratio("merge_journalled", "unduplicate_exact", 1.6);
@@ -137,6 +139,8 @@ std::vector<GoalLine> judge_goals(const RunFacts& facts) {
                 facts.results.seconds("fit_surface", 10'000, FacetOrder::ordered));
   judge.ratio("slice", "flat_parse", 10.0);
   judge.ratio("section", "flat_parse", 2.0);
+  judge.at_most("fit_surface, 10^4 points, seconds", 0.5,
+                facts.results.seconds("fit_surface", 10'000, FacetOrder::ordered));
   judge.growth(1.15);
   if (facts.memory) {
     judge.at_most("bytes a triangle, after reading", 220.0, facts.memory->after_reading);

@@ -126,6 +126,7 @@ std::vector<Measure> all_measures() {
   add_isect_measures(list);
   add_shapes_measures(list);
   add_sick_measures(list);
+  add_exchange_measures(list);
   add_slice_measures(list);
   add_surface_measures(list);
   add_undo_measures(list);

@@ -25,10 +25,12 @@ void add_cap_measures(std::vector<Measure>& list);
 void add_cycles_measures(std::vector<Measure>& list);
 void add_stitch_measures(std::vector<Measure>& list);
 void add_fill_measures(std::vector<Measure>& list);
+void add_exchange_measures(std::vector<Measure>& list);
 void add_undo_measures(std::vector<Measure>& list);
 void add_shapes_measures(std::vector<Measure>& list);
 void add_surface_measures(std::vector<Measure>& list);
 void add_slice_measures(std::vector<Measure>& list);
+void add_surface_measures(std::vector<Measure>& list);
 
 /// All of them, in the order in which a round runs them.
 std::vector<Measure> all_measures();

@@ -6,6 +6,7 @@
 #include "command_line.h"
 #include "mesh_reader.h"
 #include "mesh_writer.h"
+#include "scene_file.h"
 #include "verbs.h"
 
 MeshFormat output_format(const std::string& path) {
@@ -69,10 +70,15 @@ ExitCode run_convert(Session& session, const ConvertOptions& options) {
 
 ExitCode run_formats() {
   for (const MeshFormat format : all_formats) {
-    std::printf("  .%-5s %-14s %s\n", extension_of(format), name_of(format), contents_of(format));
+    if (is_available(format)) std::printf("  .%-5s %-14s %s\n", extension_of(format), name_of(format), contents_of(format));
   }
   std::printf("Each is read and written. The format of a file that is read is told by its content, of one that is\n"
               "written by its name.\n");
+  if (has_scene_importer()) {
+    std::printf("Read only, by their names: 3ds, amf, dxf, fbx, lwo, x, x3d and others that the importer of scenes knows.\n");
+  } else {
+    std::printf("This build has no importer of scenes, and lacks .obj, .ply, .off, .3mf, .gltf, .glb and .dae.\n");
+  }
   return ExitCode::done;
 }
 

@@ -1,5 +1,8 @@
 #include "mesh_format.h"
 
+#include "scene_file.h"
+#include "scene_signature.h"
+
 namespace {
 
 struct FormatTraits {
@@ -16,6 +19,14 @@ constexpr FormatTraits format_traits[] = {
     {"binary STL", "stl", "single precision; three nodes a triangle"},
     {"ASCII STL", "ast", "text, 7 digits; three nodes a triangle"},
     {"KVX", "kvx", "to the bit; three nodes a triangle"},
+    {"OBJ", "obj", "text; read in single precision; colours of vertices"},
+    {"PLY", "ply", "binary; read in single precision; colours of vertices"},
+    {"OFF", "off", "text; read in single precision; colours are written, not read"},
+    {"3MF", "3mf", "text in a zip file; read in single precision; an object for each colour"},
+    {"glTF", "gltf", "single precision; a part for each colour"},
+    {"binary glTF", "glb", "single precision; a part for each colour"},
+    {"COLLADA", "dae", "text, single precision; a part for each colour"},
+    {"scene", "", "what the importer finds in it"},
 };
 
 const FormatTraits& traits_of(MeshFormat format) { return format_traits[static_cast<std::size_t>(format)]; }
@@ -61,6 +72,8 @@ bool is_mesh_file(std::string_view head) {
 
 }  // namespace
 
+bool is_available(MeshFormat format) { return !is_scene(format) || has_scene_importer(); }
+
 const char* name_of(MeshFormat format) { return traits_of(format).name; }
 
 const char* extension_of(MeshFormat format) { return traits_of(format).extension; }
@@ -71,20 +84,25 @@ int decimals_of(MeshFormat format) {
 
 const char* contents_of(MeshFormat format) { return traits_of(format).contents; }
 
-std::optional<MeshFormat> format_of_extension(const std::string& path) {
+std::string extension_in(const std::string& path) {
   const std::size_t name = path.rfind('/') + 1;  // 0 without a slash
   const std::size_t dot = path.rfind('.');
-  if (dot == std::string::npos || dot < name) return {};
-  const std::string extension = lower(path.substr(dot));
+  return dot == std::string::npos || dot < name ? "" : lower(path.substr(dot + 1));
+}
+
+std::optional<MeshFormat> format_of_extension(const std::string& path) {
+  const std::string extension = extension_in(path);
   for (const MeshFormat format : all_formats) {
-    if (extension.compare(1, std::string::npos, extension_of(format)) == 0) return format;
+    if (extension == extension_of(format) && is_available(format)) return format;
   }
   return {};
 }
 
 std::string writable_extensions() {
   std::string text;
-  for (const MeshFormat format : all_formats) text += (text.empty() ? "." : ", .") + std::string(extension_of(format));
+  for (const MeshFormat format : all_formats) {
+    if (is_available(format)) text += (text.empty() ? "." : ", .") + std::string(extension_of(format));
+  }
   return text;
 }
 
@@ -94,17 +112,28 @@ std::uint32_t promised_facets(std::string_view head) {
   return count;
 }
 
-std::optional<MeshFormat> format_of_content(std::string_view head, std::optional<std::uint64_t> size) {
+// A file whose name is that of a scene; STL and the library's own formats are told by their content alone.
+static std::optional<MeshFormat> scene_of_name(const std::string& path) {
+  const std::optional<MeshFormat> format = format_of_extension(path);
+  if (format) return is_scene(*format) ? format : std::nullopt;
+  if (is_scene_extension(extension_in(path))) return MeshFormat::other_scene;
+  return {};
+}
+
+std::optional<MeshFormat> format_of_file(const FileFacts& file) {
+  const std::string_view head = file.head;
   if (starts_with(head, "MENDEX native file")) return MeshFormat::native;
   if (starts_with(head, "KVX\r\n\x1a\n")) return MeshFormat::kvx;
   if (is_mesh_file(head)) return MeshFormat::mesh_file;
   if (is_triangle_file(head)) return MeshFormat::triangle_file;
   const bool has_header = head.size() >= binary_stl_header_bytes;
-  if (has_header && size &&
-      *size == binary_stl_header_bytes + binary_stl_facet_bytes * std::uint64_t{promised_facets(head)}) {
+  if (has_header && file.size &&
+      *file.size == binary_stl_header_bytes + binary_stl_facet_bytes * std::uint64_t{promised_facets(head)}) {
     return MeshFormat::binary_stl;
   }
+  if (const std::optional<MeshFormat> scene = scene_of_signature(head)) return scene;
   if (is_ascii_stl(head)) return MeshFormat::ascii_stl;
+  if (const std::optional<MeshFormat> scene = scene_of_name(file.path)) return scene;
   // A text of another kind: the four bytes of a plausible count would have to hold a zero.
   if (!has_header || head.find('\0') == std::string_view::npos) return {};
   return MeshFormat::binary_stl;

@@ -5,6 +5,7 @@
 #include "failure.h"
 #include "input_file.h"
 #include "interruption.h"
+#include "scene_exchange.h"
 
 namespace {
 
@@ -19,6 +20,7 @@ bool read_facets(Session& session, InputFile& file, MeshFormat format, const Rea
     case MeshFormat::binary_stl: return reader.read_stl(request.first_facet, request.last_facet) != 0;
     case MeshFormat::ascii_stl: return reader.read_ast(request.first_facet, request.last_facet) != 0;
     case MeshFormat::kvx: return reader.read_kvx() != 0;
+    default: return false;
   }
   return false;
 }
@@ -59,8 +61,14 @@ ReadOutcome read_mesh(Session& session, const ReadRequest& request) {
   const int before = triangles_in(session);
   const std::size_t warnings = session.messages.warnings().size();
   InputFile file(path);
-  const std::optional<MeshFormat> format = format_of_content(file.head(), file.size());
+  const std::optional<MeshFormat> format = format_of_file({file.head(), file.size(), path});
   if (!format) throw Failure(ExitCode::cannot_read, "is neither STL, binary or ASCII, nor a mesh in another known format");
+  if (is_scene(*format)) {
+    session.progress.begin("reading " + path);
+    read_scene_mesh(session, file, request, *format);
+    session.progress.begin("");
+    return {*format, true};
+  }
   if (*format == MeshFormat::binary_stl) {
     session.progress.begin("reading " + path);
   } else {

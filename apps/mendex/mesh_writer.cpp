@@ -4,10 +4,12 @@
 
 #include <cmath>
 #include <cstdio>
+#include <memory>
 
 #include "failure.h"
 #include "interruption.h"
 #include "safe_output.h"
+#include "scene_exchange.h"
 #include "written_file_check.h"
 
 namespace {
@@ -24,6 +26,7 @@ bool write_elements(const trTriBlock& mesh, FILE* stream, const WriteRequest& re
     case MeshFormat::binary_stl: return writer.write_stl(request.is_positive) != 0;
     case MeshFormat::ascii_stl: return writer.write_ast(request.is_positive) != 0;
     case MeshFormat::kvx: return writer.write_kvx() != 0;
+    default: return false;
   }
   return false;
 }
@@ -47,12 +50,8 @@ bool is_one_file(const std::string& a, const std::string& b) {
          of_a.st_ino == of_b.st_ino;
 }
 
-}  // namespace
-
-void write_mesh(Session& session, const WriteRequest& request) {
-  session.messages.set_file(request.path);
-  session.progress.begin("writing " + request.path);
-  SafeOutput output(request.path);
+// Writes the mesh and reads back what was written.
+void write_own_format(Session& session, SafeOutput& output, const WriteRequest& request) {
   const bool is_written = write_elements(session.mesh, output.stream(), request);
   Interruption::check();
   output.check();
@@ -66,6 +65,34 @@ void write_mesh(Session& session, const WriteRequest& request) {
   }
   warn_of_coarse_decimals(session, request.format);
   if (check.has_overflow()) session.messages.warning("coordinates too large for the format were written as infinite");
+}
+
+// The same through the exchange of meshes with a host.
+void write_scene_format(Session& session, SafeOutput& output, MeshFormat format) {
+  const SceneMesh scene = scene_of_mesh(session, format);
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(output.stream(), std::fclose);
+  write_scene(scene, format, stream.get());
+  const bool is_flushed = std::fflush(stream.get()) == 0;
+  Interruption::check();
+  output.check();
+  if (!is_flushed) throw Failure(ExitCode::cannot_write, "cannot be written");
+  if (!reads_back(scene, format, output.descriptor())) {
+    throw Failure(ExitCode::cannot_write,
+                  "what was written reads back differently, as do coordinates too large for single precision; the file is left as it was");
+  }
+}
+
+}  // namespace
+
+void write_mesh(Session& session, const WriteRequest& request) {
+  session.messages.set_file(request.path);
+  session.progress.begin("writing " + request.path);
+  SafeOutput output(request.path);
+  if (is_scene(request.format)) {
+    write_scene_format(session, output, request.format);
+  } else {
+    write_own_format(session, output, request);
+  }
   // Whoever replaces his only copy must not lose both to a power cut; for other files the wait would double the time of
   // a run.
   if (is_one_file(request.path, request.input)) output.flush_to_disk();

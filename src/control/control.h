@@ -238,6 +238,7 @@ class MENDEX_EXPORT trControl {
   static const char* extension_of(trFileType type);
   std::FILE* search_reader_file(const utString& name, utString& found, trFileType& type);
   void delete_listed(trElementList& list);
+  void take_host_mesh(coFeaturePool& pool);
   void append_mesh(coFeaturePool& pool);
   void select_failed(const intcoSet& failed);
 

@@ -18,6 +18,7 @@ class HostMesh {
 
   int point_count() const { return points_.valid() ? points_.data()->points.count() : 0; }
   const giPoint3& point(int k) const { return points_.data()->points.at(k); }
+  const giPoint3coPageArr* points() const { return points_.valid() ? &points_.data()->points : nullptr; }
   int triangle_count() const { return triangles_.valid() ? triangles_.data()->triangles.count() : 0; }
   const giTriangle& triangle(int k) const { return triangles_.data()->triangles.at(k); }
   // Triangles that the host masked, or that name points it does not have, stay with the host.
@@ -40,15 +41,9 @@ class HostMesh {
 void trControl::action_fill_triblock(coFeaturePool& pool) {
   triblock_.clear();
   const HostMesh host(pool);
-  for (int k = 0; k < host.point_count(); ++k) triblock_.set_node(k + 1, host.point(k));
+  take_host_mesh(pool);
   // The reserved slot of the coordinates, so that a box over the whole array is that of the host's points; node 0 stays invalid.
   if (host.point_count() > 0) (*triblock_.points_)[0] = host.point(0);
-  int element = 0;
-  for (int k = 0; k < host.triangle_count(); ++k) {
-    if (!host.is_taken(k)) continue;
-    const giTriangle& t = host.triangle(k);
-    triblock_.set_element(++element, t[0] + 1, t[1] + 1, t[2] + 1);
-  }
   action_fill_triblock_colours(pool);
   undo_hist_.reset("");
   triblock_changed_ = 0;
@@ -66,16 +61,22 @@ void trControl::action_append_triblock(coFeaturePool& pool) {
   triangle_update(1);
 }
 
-void trControl::append_mesh(coFeaturePool& pool) {
+// The host's points and triangles behind those that there are.
+void trControl::take_host_mesh(coFeaturePool& pool) {
   const HostMesh host(pool);
-  const int first_node = triblock_.node_count(), first_element = triblock_.element_count();
-  for (int k = 0; k < host.point_count(); ++k) triblock_.set_node(first_node + k, host.point(k));
-  int element = first_element;
+  const int first_node = triblock_.node_count();
+  if (host.points() != nullptr) triblock_.append_points(*host.points());
+  triblock_.begin_triangles();
   for (int k = 0; k < host.triangle_count(); ++k) {
     if (!host.is_taken(k)) continue;
     const giTriangle& t = host.triangle(k);
-    triblock_.set_element(element++, first_node + t[0], first_node + t[1], first_node + t[2]);
+    triblock_.append_triangle(first_node + t[0], first_node + t[1], first_node + t[2]);
   }
+}
+
+void trControl::append_mesh(coFeaturePool& pool) {
+  const int first_element = triblock_.element_count();
+  take_host_mesh(pool);
   action_append_triblock_colours(pool, first_element);
 }
 

@@ -150,3 +150,40 @@ void trTriBlock::append_facet(const giPoint3 corners[3]) {
   edit_count_ += 4;
   ++geometry_revision_;
 }
+
+// Exactly `set_node` of the next numbers, at the cost of a copy where no record and no edges have to follow.
+void trTriBlock::append_points(const giPoint3coPageArr& points) {
+  const int first = node_count();
+  if (undo != nullptr || edges_built) {
+    for (int k = 0; k < points.count(); ++k) set_node(first + k, points.at(k));
+    return;
+  }
+  for (int k = 0; k < points.count(); ++k) {
+    giPoint3& p = (*points_)[first + k];
+    trNode& fresh = (*nodes_)[first + k];
+    p = storable(points.at(k));
+    fresh.coords = &p;
+    fresh.invalid = 0;
+    fresh.a_edges.clear();
+    fresh.d_edges.clear();
+    fresh.elements.clear();
+  }
+  edit_count_ += points.count();
+  undup_tol = 0.0;
+  box_.reset();
+  ++geometry_revision_;
+}
+
+// A mesh from outside makes the element lists stale in the end; they need not follow each triangle.
+void trTriBlock::begin_triangles() { elements_referenced = 0; }
+
+// Exactly `set_element` of the next number.
+void trTriBlock::append_triangle(int a, int b, int c) {
+  const int e = element_count();
+  if (undo != nullptr || edges_built) {
+    set_element(e, a, b, c);
+    return;
+  }
+  (*elements_)[e] = trElement(a, b, c);
+  ++edit_count_;
+}

@@ -293,6 +293,9 @@ class MENDEX_EXPORT trTriBlock : public trMeshArrays {
   bool merge_plane_nodes(const intcoPageArr& plane_nodes, double tol);
   int cut_edge(int a, int b, int axis, double value, double tol);
   void enter_in_lists(int e) const;
+  void append_points(const giPoint3coPageArr& points);
+  void begin_triangles();
+  void append_triangle(int a, int b, int c);
   void give_nodes(giTriBlock& out) const;
   void give_elements(giTriBlock& out) const;
   void give_colours(giTriBlock& out) const;

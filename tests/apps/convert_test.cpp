@@ -124,6 +124,6 @@ TEST(MendexConvert, ListsFormatsAndRefusesWrongArguments) {
            {"--stl-range", "0:5"}, {"--stl-range", "7:3"}, {"--stl-range", "5"}, {"--smooth", "maybe"}}) {
     EXPECT_EQ(run_mendex({"convert", in, out, wrong[0], wrong[1]}).exit_code, 2) << wrong[1];
   }
-  EXPECT_EQ(run_mendex({"convert", in, folder.path("out.obj")}).exit_code, 2);
+  EXPECT_EQ(run_mendex({"convert", in, folder.path("out.xyz")}).exit_code, 2);
   EXPECT_TRUE(folder.names().empty());
 }

@@ -193,3 +193,31 @@ TEST(Exchange, GivesBackNormalsAndDoesNotCountWhatTheHostHolds) {
   ASSERT_EQ(triangles.data()->triangles.count(), 10);
   EXPECT_EQ(triangles.data()->triangles[7][2], triangles.data()->triangles[2][2]);
 }
+
+// What is derived from the mesh when the host's comes, edges, element lists or an open record, makes no difference to the result.
+TEST(Exchange, ComesToMeshesInAnyState) {
+  CapturedOutput output;
+  HostPool pool;
+  trControl plain;
+  plain.action_fill_triblock(pool);
+  plain.action_append_triblock(pool);
+  for (const bool is_recorded : {false, true}) {
+    trControl control;
+    control.action_fill_triblock(pool);
+    EXPECT_EQ(control.cycles().num_boundaries(), plain.cycles().num_boundaries() / 2);
+    control.triblock().reference_elements();
+    if (is_recorded) control.start_undo("open");
+    control.action_append_triblock(pool);
+    EXPECT_TRUE(is_sound(control.triblock()));
+    ASSERT_EQ(control.triblock().element_count(), 11);
+    for (int k = 0; k < 3; ++k) EXPECT_EQ(control.triblock().element(10)[k], plain.triblock().element(10)[k]);
+    EXPECT_EQ(control.cycles().num_boundaries(), plain.cycles().num_boundaries());
+    EXPECT_EQ(control.undo_hist().current(), -1);
+  }
+}
+
+// White and opaque is packed as the number that stands for no colour.
+TEST(Exchange, OpaqueWhiteIsNoColour) {
+  EXPECT_EQ(tr_encode_colour(giColour(255, 255, 255, 255)), NO_COLOUR);
+  EXPECT_EQ(tr_decode_colour(NO_COLOUR), giColour(255, 255, 255, 255));
+}
