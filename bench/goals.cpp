@@ -135,8 +135,6 @@ std::vector<GoalLine> judge_goals(const RunFacts& facts) {
     judge.at_most("seconds, cap_round of " + std::to_string(nodes) + " nodes", limit,
                   facts.results.seconds("cap_round", nodes, FacetOrder::ordered));
   }
-  judge.at_most("fit_surface, 10^4 points, seconds", 0.5,
-                facts.results.seconds("fit_surface", 10'000, FacetOrder::ordered));
   judge.ratio("slice", "flat_parse", 10.0);
   judge.ratio("section", "flat_parse", 2.0);
   judge.at_most("fit_surface, 10^4 points, seconds", 0.5,

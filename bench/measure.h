@@ -28,7 +28,6 @@ void add_fill_measures(std::vector<Measure>& list);
 void add_exchange_measures(std::vector<Measure>& list);
 void add_undo_measures(std::vector<Measure>& list);
 void add_shapes_measures(std::vector<Measure>& list);
-void add_surface_measures(std::vector<Measure>& list);
 void add_slice_measures(std::vector<Measure>& list);
 void add_surface_measures(std::vector<Measure>& list);
 
