@@ -167,7 +167,7 @@ TEST(MendexUsage, WrongArgumentsEndWithTwoAndTouchNothing) {
       {{"info"}, "FILE is required"},
       {{"info", in, "--frob"}, "--frob"},
       {{"weld", in}, "--output is required"},
-      {{"weld", in, "-o", out, "--tol", "-1"}, "'-1' is not a number from 0 up"},
+      {{"weld", in, "-o", out, "--tol", "-1"}, "'-1' is not a length from 0 up"},
       {{"weld", in, "-o", out, "--tol", "nan"}, "'nan' is not"},
       {{"weld", in, "-o", out, "--tol", "inf"}, "'inf' is not"},
       {{"weld", in, "-o", out, "--tol", "1mm"}, "'1mm' is not"},
