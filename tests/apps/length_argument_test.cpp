@@ -65,7 +65,7 @@ TEST(LengthArgument, RefusesSharesWithoutAFiniteValue) {
   EXPECT_TRUE(std::isfinite(resolved("1e", holed)));
 }
 
-// The open box of 3 by 2 by 1 is made of unit squares: median side 1, diagonal sqrt 14.
+// The open box is made of squares of 10: the median side is 10.
 TEST(MendexLengths, TellTheLengthThatWasUsed) {
   const TestFolder folder;
   const std::string in = sample("open_box.ast"), out = folder.path("out.stl");
@@ -77,19 +77,19 @@ TEST(MendexLengths, TellTheLengthThatWasUsed) {
   }
   const double diagonal = std::sqrt(diagonal_sq);
   EXPECT_NEAR(report_of({"weld", in, "-o", out, "--json", "--tol", "1e-5d"})["tolerance"].get<double>(), 1e-5 * diagonal, 1e-12);
-  EXPECT_DOUBLE_EQ(report_of({"weld", in, "-o", out, "--json", "--tol", "0.25e"})["tolerance"].get<double>(), 0.25);
-  EXPECT_DOUBLE_EQ(report_of({"check", in, "--json", "--small", "0.5e", "--weld", "0.125e"})["limits"]["small"].get<double>(), 0.5);
-  EXPECT_DOUBLE_EQ(report_of({"check", in, "--json", "--weld", "0.125e"})["limits"]["weld"].get<double>(), 0.125);
+  EXPECT_DOUBLE_EQ(report_of({"weld", in, "-o", out, "--json", "--tol", "0.25e"})["tolerance"].get<double>(), 2.5);
+  EXPECT_DOUBLE_EQ(report_of({"check", in, "--json", "--small", "0.5e", "--weld", "0.125e"})["limits"]["small"].get<double>(), 5.0);
+  EXPECT_DOUBLE_EQ(report_of({"check", in, "--json", "--weld", "0.125e"})["limits"]["weld"].get<double>(), 1.25);
   const Json cleaned = report_of({"clean", in, "-o", out, "--json", "--small", "0.01e", "--weld", "0.02e"});
-  EXPECT_DOUBLE_EQ(cleaned["weld"].get<double>(), 0.02);
-  EXPECT_DOUBLE_EQ(cleaned["done"][2]["limit"].get<double>(), 0.01);
+  EXPECT_DOUBLE_EQ(cleaned["weld"].get<double>(), 0.2);
+  EXPECT_DOUBLE_EQ(cleaned["done"][2]["limit"].get<double>(), 0.1);
   const Json capped = report_of({"cap", in, "-o", out, "--json", "--spacing", "2e", "--weld", "0.02e"});
-  EXPECT_DOUBLE_EQ(capped["weld"].get<double>(), 0.02);
-  EXPECT_DOUBLE_EQ(capped["holes"][0]["spacing"].get<double>(), 2.0);
-  const Json stitched = report_of({"stitch", in, "-o", out, "--json", "--tol", "0.001e..0.01/0.002e"});
+  EXPECT_DOUBLE_EQ(capped["weld"].get<double>(), 0.2);
+  EXPECT_DOUBLE_EQ(capped["holes"][0]["spacing"].get<double>(), 20.0);
+  const Json stitched = report_of({"stitch", in, "-o", out, "--json", "--tol", "0.0001e..0.01/0.0002e"});
   EXPECT_EQ(stitched["tolerance_used"], Json::parse(R"({"from": 0.001, "to": 0.01, "step": 0.002})"));
-  EXPECT_NE(run_mendex({"weld", in, "-o", out, "--tol", "0.25e"}).output.find("  tolerance 0.25\n"), std::string::npos);
+  EXPECT_NE(run_mendex({"weld", in, "-o", out, "--tol", "0.25e"}).output.find("  tolerance 2.5\n"), std::string::npos);
   const ProcessResult falling = run_mendex({"stitch", in, "-o", out, "--tol", "0.5e..0.1/0.01"});
   EXPECT_EQ(falling.exit_code, 2);
-  EXPECT_NE(falling.errors.find("is 0.5..0.1/0.01 for this model, which is not a ladder"), std::string::npos) << falling.errors;
+  EXPECT_NE(falling.errors.find("is 5..0.1/0.01 for this model, which is not a ladder"), std::string::npos) << falling.errors;
 }

@@ -171,7 +171,7 @@ TEST(MendexUsage, WrongArgumentsEndWithTwoAndTouchNothing) {
       {{"weld", in, "-o", out, "--tol", "nan"}, "'nan' is not"},
       {{"weld", in, "-o", out, "--tol", "inf"}, "'inf' is not"},
       {{"weld", in, "-o", out, "--tol", "1mm"}, "'1mm' is not"},
-      {{"weld", in, "-o", folder.path("out.obj")}, "supported are .mnx, .mes, .tri, .stl, .ast, .kvx"},
+      {{"weld", in, "-o", folder.path("out.step")}, "supported are .mnx, .mes, .tri, .stl, .ast, .kvx"},
       {{"convert", in, folder.path("out")}, "supported are .mnx, .mes, .tri, .stl, .ast, .kvx"},
       {{"convert", in, folder.path("stl/.ast/out")}, "supported are"},
       {{"convert", in}, "OUT is required"},
