@@ -49,6 +49,7 @@ std::string text_of_closing(const HoleAccount& account) {
     triangles += outcome.triangles;
     nodes += outcome.nodes;
   }
+  if (account.tolerance != exact_copies) text += formatted("  merged up to %.6g apart\n", account.tolerance);
   if (!holes.outcomes.empty()) text += table_of_holes(account);
   text += formatted("  %d of %s %s, %s and %s added", holes.closed(),
                     counted(static_cast<long long>(holes.outcomes.size()), "hole", "holes").c_str(), verb_of(account.method),
@@ -79,6 +80,7 @@ std::string json_of_closing(const Session& session, const HoleAccount& account) 
                   {"output", account.output},
                   {"output_format", name_of(account.written)},
                   {"method", name_of(account.method)},
+                  {"weld", number(account.tolerance)},
                   {"holes", list},
                   {"closed", account.holes.closed()},
                   {"refused", account.holes.refused()},
