@@ -38,6 +38,7 @@ CommandShell::CommandShell(Session& of, Manner manner) : session(of), control(of
 CommandShell::~CommandShell() { session.messages.set_listener(nullptr); }
 
 void CommandShell::execute(const std::string& line) {
+  session.messages.set_file("");
   const std::vector<std::string> words = words_of(line);
   if (words.empty()) return;
   const ShellCommand* const command = find_shell_command(words.front());
@@ -45,13 +46,13 @@ void CommandShell::execute(const std::string& line) {
     throw Failure(ExitCode::wrong_usage, "there is no command '" + words.front().substr(0, 60) + "'; help lists those that there are");
   }
   if (is_typed()) forget_interruption();
-  session.messages.set_file("");
   session.messages.forget_warnings();
   complaint_.clear();
   shows_results_ = false;
   ShellWords arguments(*command, words);
   const ShellCommand::Action action = command->parse(*this, arguments);
   arguments.expect_end();
+  session.progress.start_over();
   session.progress.begin(command->name);
   if (command->is_edit) {
     edit(record_name(words), action);

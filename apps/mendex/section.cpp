@@ -96,6 +96,7 @@ void add_section_verb(CommandLine& line) {
       ->check(CLI::Validator(places_problem, ""))
       ->type_name("LENGTH[,LENGTH...]");
   verb->add_flag("--json", arguments->is_json, "Print one JSON object with the number of points and the length of each outline");
-  verb->footer("Where the mesh is closed, outlines are. Nothing is merged first: ends of outlines within 1e-5 of each other are one.\n"
-               "For example:\n  mendex section part.stl --axis z --at 0.5,5,9.5 -o part.svg");
+  line.set_notes(verb,
+                 "Where the mesh is closed, outlines are. Nothing is merged first: ends of outlines within 1e-5 of each other are one.",
+                 "mendex section part.stl --axis z --at 0.5,5,9.5 -o part.svg");
 }
