@@ -94,13 +94,14 @@ void CommandShell::edit(const std::string& name, const ShellCommand::Action& act
   }
   control.finish_undo(1);
   if (control.undo_hist().current() != record || !control.undo_hist().full_history()) is_changed = true;
-  if (is_typed()) note(counts_text("triangles", triangles, mesh.valid_elements()) + "," + counts_text("nodes", nodes, mesh.valid_nodes()) + "\n");
+  if (!is_typed()) return;
+  note(counts_text("triangles", triangles, mesh.valid_elements()) + "," + counts_text("nodes", nodes, mesh.valid_nodes()) + "\n");
 }
 
 // The lists may have been searched in the middle of the edit, and its selection have been used up. Boundaries are found in the same order
 // as before, since the mesh is the same.
 void CommandShell::take_back(const intcoSet& selection) {
-  control.finish_undo(0);
+  if (mesh.undo != nullptr) control.finish_undo(0);
   if (is_typed()) forget_interruption();
   control.triangle_update(1);
   control.cycles().clear_selection_list();
@@ -129,6 +130,8 @@ void CommandShell::write_through(const std::string& path, const std::function<vo
 }
 
 void CommandShell::mesh_was_replaced(const std::string& name) {
+  file = name;
+  is_changed = false;
   control.cycles().clear_selection_list();
   control.undo_hist().reset(utString(name));
   control.triangle_update(1);

@@ -38,7 +38,8 @@ class CommandShell {
   /// Writes a file that takes the place of its target when it is complete. The writer closes the stream.
   void write_through(const std::string& path, const std::function<void(std::FILE*)>& writer);
   /// Brings the controller up to date after its mesh was replaced: nothing of what was before can be undone.
-  void mesh_was_replaced(const std::string& file);
+  /// @param name  the file that it is from; empty where it is empty
+  void mesh_was_replaced(const std::string& name);
 
   Session& session;
   HostControl& control;

@@ -51,9 +51,10 @@ std::vector<std::string> completions(const std::string& before) {
     candidates = keywords_of(*command);
   }
   const std::string typed = before.substr(start);
+  const bool means_file = typed.empty() && command != nullptr && std::string(command->arguments).compare(0, 4, "FILE") == 0;
   std::vector<std::string> fitting;
   for (const std::string& candidate : candidates) {
-    if (candidate.compare(0, typed.size(), typed) == 0 && (!typed.empty() || name.empty() || *command->arguments != 'F')) fitting.push_back(candidate);
+    if (candidate.compare(0, typed.size(), typed) == 0 && !means_file) fitting.push_back(candidate);
   }
   return fitting;
 }

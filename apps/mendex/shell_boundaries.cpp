@@ -17,6 +17,10 @@ using Action = ShellCommand::Action;
 
 constexpr int most_passes = 1000000;
 
+[[noreturn]] void no_boundary(int number) {
+  throw Failure(ExitCode::wrong_usage, "there is no boundary " + std::to_string(number) + "; boundaries lists those that there are");
+}
+
 // --- listing and selecting --------------------------------------------------------------------------------------------------------------
 
 void list_boundaries(CommandShell& shell) {
@@ -31,7 +35,21 @@ void list_boundaries(CommandShell& shell) {
   shell.result("  " + counted(static_cast<long long>(found.size()), "boundary", "boundaries") + "\n");
 }
 
+void list_nodes(CommandShell& shell, const std::vector<int>& numbers) {
+  const std::vector<FoundBoundary> found = find_boundaries(shell.control.cycles());
+  for (const int number : numbers) {
+    if (number >= static_cast<int>(found.size())) no_boundary(number);
+    std::string text = std::to_string(number) + " has the nodes";
+    for (const int node : found[static_cast<std::size_t>(number)].nodes) text += " " + std::to_string(node);
+    shell.result(text + "\n");
+  }
+}
+
 Action parse_boundaries(CommandShell& shell, ShellWords& words) {
+  if (words.has_number()) {
+    const std::vector<int> numbers = words.counts("numbers of boundaries");
+    return [&shell, numbers] { list_nodes(shell, numbers); };
+  }
   const std::string path = words.is_empty() ? "" : words.text("a file");
   return [&shell, path] {
     if (path.empty()) return list_boundaries(shell);
@@ -46,9 +64,7 @@ intcoSet boundaries_of(CommandShell& shell, const std::vector<int>& numbers) {
   intcoSet set;
   for (int k = 0; numbers.empty() && k < count; ++k) set.add(k);
   for (const int number : numbers) {
-    if (number >= count) {
-      throw Failure(ExitCode::wrong_usage, "there is no boundary " + std::to_string(number) + "; boundaries lists those that there are");
-    }
+    if (number >= count) no_boundary(number);
     set.add(number);
   }
   return set;
@@ -166,16 +182,17 @@ Action parse_auto_stitch(CommandShell& shell, ShellWords& words) {
 
 // --- closing ------------------------------------------------------------------------------------------------------------------------------
 
-void expect_selection(const CommandShell& shell) {
-  if (shell.control.cycles().selection.count() != 0) return;
+// Whether there is anything to close. Of a mesh without boundaries none can be selected, and scripts go on.
+bool has_selection(CommandShell& shell) {
+  if (shell.control.cycles().selection.count() != 0) return true;
+  if (shell.control.cycles().num_boundaries() == 0) return false;
   throw Failure(ExitCode::defects_found, "no boundary is selected; select all, or those that boundaries lists");
 }
 
 Action parse_fill(CommandShell& shell, ShellWords& words) {
   const int is_curved = words.take("curved");
   return [&shell, is_curved] {
-    expect_selection(shell);
-    shell.control.action_fill(is_curved);
+    if (has_selection(shell)) shell.control.action_fill(is_curved);
   };
 }
 
@@ -225,7 +242,7 @@ Action capper(CommandShell& shell, ShellWords& words, bool is_extended) {
   if (!words.is_empty() && !words.take("auto")) capping.spacing = words.positive("a distance between nodes");
   capping.is_curved = words.take("curved");
   return [&shell, capping, is_extended] {
-    expect_selection(shell);
+    if (!has_selection(shell)) return;
     const double spacing = capping.spacing > 0.0 ? capping.spacing : mean_edge_length(shell);
     is_extended ? cap_each(shell, spacing, capping.is_curved) : cap(shell, spacing, capping.is_curved);
   };
@@ -238,21 +255,37 @@ Action parse_cap_ext(CommandShell& shell, ShellWords& words) { return capper(she
 
 ShellCommandGroup shell_boundary_commands() {
   return {"Boundaries",
-          {{"boundaries", nullptr, "[FILE]", "List the boundaries, those selected with a star, or draw them into a picture file", "boundaries", false,
-            parse_boundaries},
-           {"select", "select_cycles", "all|N... [at NODE NODE [NODE]]", "Select boundaries for fill and cap, or the part of one between nodes", "select 0",
-            false, parse_select},
-           {"unselect", "unselect_cycles", "[all|N...]", "Take boundaries out of the selection", "unselect all", false, parse_unselect},
-           {"bundup", "undup_boundaries", "TOL", "Merge nodes of boundaries up to TOL apart", "bundup 0.001", true, parse_bundup},
-           {"stitch", nullptr, "TOL", "Join nodes of boundaries to edges in line with them by thin triangles", "stitch 0.001", true, parse_stitch},
-           {"staple", "superstitch", "TOL", "Split edges of boundaries where nodes of boundaries lie on them", "staple 0.001", true, parse_staple},
-           {"astaple", nullptr, "TOL [PASSES]", "The same until a pass changes nothing", "astaple 0.001", true, parse_astaple},
-           {"auto_stitch", nullptr, "single TOL|repeat TOL|multi FIRST LAST STEP [passes N] [merge] [orient] [cancel] [target N]",
-            "Merge, clean and staple boundaries: once, in several passes, or so for each of a range of tolerances",
-            "auto_stitch multi 0.001 0.05 0.005 orient", true, parse_auto_stitch},
-           {"fill", nullptr, "[curved]", "Close the selected boundaries by a triangle, two, or a fan", "fill", true, parse_fill},
-           {"cap", nullptr, "[SPACING|auto] [curved]", "Close the selected boundaries by triangles with nodes at a spacing: all of them or none",
-            "cap 5", true, parse_cap},
-           {"cap_ext", nullptr, "[SPACING|auto] [curved]", "The same for those that can be closed, each to be undone by itself", "cap_ext auto", false,
-            parse_cap_ext}}};
+         {{"boundaries", nullptr, "[N...|FILE]",
+           "List the boundaries, those selected with a star, or the nodes of some, or draw all into a .pic file",
+           "boundaries", false, parse_boundaries},
+          {"select", "select_cycles", "all|N... [at NODE NODE [NODE]]",
+           "Select boundaries for fill and cap, or the part of one between nodes",
+           "select 0", false, parse_select},
+          {"unselect", "unselect_cycles", "[all|N...]",
+           "Take boundaries out of the selection",
+           "unselect all", false, parse_unselect},
+          {"bundup", "undup_boundaries", "TOL",
+           "Merge nodes of boundaries up to TOL apart",
+           "bundup 0.001", true, parse_bundup},
+          {"stitch", nullptr, "TOL",
+           "Join nodes of boundaries to edges in line with them by thin triangles",
+           "stitch 0.001", true, parse_stitch},
+          {"staple", "superstitch", "TOL",
+           "Split edges of boundaries where nodes of boundaries lie on them",
+           "staple 0.001", true, parse_staple},
+          {"astaple", nullptr, "TOL [PASSES]",
+           "The same until a pass changes nothing",
+           "astaple 0.001", true, parse_astaple},
+          {"auto_stitch", nullptr, "single TOL|repeat TOL|multi FIRST LAST STEP [passes N] [merge] [orient] [cancel] [target N]",
+           "Merge, clean and staple boundaries: once, in several passes, or so for each of a range of tolerances",
+           "auto_stitch multi 0.001 0.05 0.005 orient", true, parse_auto_stitch},
+          {"fill", nullptr, "[curved]",
+           "Close the selected boundaries by a triangle, two, or a fan",
+           "fill", true, parse_fill},
+          {"cap", nullptr, "[SPACING|auto] [curved]",
+           "Close the selected boundaries by triangles with nodes at a spacing: all of them or none",
+           "cap 5", true, parse_cap},
+          {"cap_ext", nullptr, "[SPACING|auto] [curved]",
+           "The same for those that can be closed, each to be undone by itself",
+           "cap_ext auto", false, parse_cap_ext}}};
 }

@@ -93,9 +93,11 @@ Action parse_sick(CommandShell& shell, ShellWords&) {
 }
 
 Action parse_delete(CommandShell& shell, ShellWords& words) {
-  constexpr Action (*parsers[])(CommandShell&, ShellWords&) = {parse_sick,       parse_height,       parse_aspect,       parse_repeating, parse_cancelling,
-                                                        parse_overlapping, parse_intersecting, parse_overhanging, parse_fins};
-  return parsers[words.choice({"sick", "small", "thin", "repeated", "cancelling", "overlapping", "intersecting", "overhanging", "fins"})](shell, words);
+  constexpr Action (*parsers[])(CommandShell&, ShellWords&) = {parse_sick,        parse_height,       parse_aspect,
+                                                               parse_repeating,   parse_cancelling,   parse_overlapping,
+                                                               parse_intersecting, parse_overhanging, parse_fins};
+  const int kind = words.choice({"sick", "small", "thin", "repeated", "cancelling", "overlapping", "intersecting", "overhanging", "fins"});
+  return parsers[kind](shell, words);
 }
 
 // --- cutting and moving ---------------------------------------------------------------------------------------------------------------
@@ -145,28 +147,56 @@ Action parse_transform(CommandShell& shell, ShellWords& words) {
 }  // namespace
 
 ShellCommandGroup shell_edit_commands() {
-  return {
-      "Repairs",
-      {{"undup", nullptr, "[TOL]", "Merge nodes up to TOL apart; without it exact copies only", "undup 1e-6", true, parse_undup},
-       {"delete", nullptr, "sick|small|thin|repeated|cancelling|overlapping|intersecting|overhanging|fins [LIMIT]",
-        "Delete triangles of one kind; what is small, thin ... is told by LIMIT or by limits", "delete small 0.001", true, parse_delete},
-       {"height", nullptr, "[LENGTH]", "Delete triangles of less height over their longest edge", "height 0.001", true, parse_height},
-       {"aspect", nullptr, "[RATIO]", "Delete triangles of a smaller ratio of height to longest edge", "aspect 0.01", true, parse_aspect},
-       {"cancelling", nullptr, "[both|one]", "Delete triangles back to back with another, or one of each two, then repeated ones", "cancelling", true,
-        parse_cancelling},
-       {"repeating", nullptr, "", "Delete copies of triangles", "repeating", true, parse_repeating},
-       {"overlapping", nullptr, "[DEG]", "Delete neighbours that enclose less than DEG degrees", "overlapping 2.5", true, parse_overlapping},
-       {"intersecting", nullptr, "[LIMIT]", "Delete triangles that cut others; LIMIT is the size of the boxes of the search", "intersecting", true,
-        parse_intersecting},
-       {"overhanging", nullptr, "[X Y Z]", "Delete triangles that face away from a direction", "overhanging 0 0 1", true, parse_overhanging},
-       {"cure", nullptr, "[all|but-two]", "Delete the triangles of edges that more than two share: all, or all but the two largest", "cure but-two", true,
-        parse_cure},
-       {"fins", nullptr, "", "Delete loose flaps on edges of more than two triangles", "fins", true, parse_fins},
-       {"orient", nullptr, "", "Turn triangles over until neighbours agree and the top faces up", "orient", true, parse_orient},
-       {"reverse", nullptr, "", "Turn all triangles over", "reverse", true, parse_reverse},
-       {"swap", nullptr, "RATIO [PASSES]", "Swap edges of triangles below a ratio of height to longest edge", "swap 0.1 10", true, parse_swap},
-       {"slice", nullptr, "x|y|z above|below VALUE", "Keep what lies above, or below, a plane across an axis", "slice z above 5", true, parse_slice},
-       {"transform", "transform_triangles", "scale F|scale X Y Z|turn X Y Z DEG|move X Y Z|matrix A11 ... A34",
-        "Map the mesh; after a map that mirrors, reverse it", "transform scale 25.4", true, parse_transform},
-       {"renumber", nullptr, "", "Close the gaps in the numbers of nodes and triangles", "renumber", true, parse_renumber}}};
+  return {"Repairs",
+         {{"undup", nullptr, "[TOL]",
+           "Merge nodes up to TOL apart; without it exact copies only",
+           "undup 1e-6", true, parse_undup},
+          {"delete", nullptr, "sick|small|thin|repeated|cancelling|overlapping|intersecting|overhanging|fins [LIMIT]",
+           "Delete triangles of one kind; what is small, thin ... is told by LIMIT or by limits",
+           "delete small 0.001", true, parse_delete},
+          {"height", nullptr, "[LENGTH]",
+           "Delete triangles of less height over their longest edge",
+           "height 0.001", true, parse_height},
+          {"aspect", nullptr, "[RATIO]",
+           "Delete triangles of a smaller ratio of height to longest edge",
+           "aspect 0.01", true, parse_aspect},
+          {"cancelling", nullptr, "[both|one]",
+           "Delete triangles back to back with another, or one of each two, then repeated ones",
+           "cancelling", true, parse_cancelling},
+          {"repeating", nullptr, "",
+           "Delete copies of triangles",
+           "repeating", true, parse_repeating},
+          {"overlapping", nullptr, "[DEG]",
+           "Delete neighbours that enclose less than DEG degrees",
+           "overlapping 2.5", true, parse_overlapping},
+          {"intersecting", nullptr, "[LIMIT]",
+           "Delete triangles that cut others; LIMIT is the size of the boxes of the search",
+           "intersecting", true, parse_intersecting},
+          {"overhanging", nullptr, "[X Y Z]",
+           "Delete triangles that face away from a direction",
+           "overhanging 0 0 1", true, parse_overhanging},
+          {"cure", nullptr, "[all|but-two]",
+           "Delete the triangles of edges that more than two share: all, or all but the two largest",
+           "cure but-two", true, parse_cure},
+          {"fins", nullptr, "",
+           "Delete loose flaps on edges of more than two triangles",
+           "fins", true, parse_fins},
+          {"orient", nullptr, "",
+           "Turn triangles over until neighbours agree and the top faces up",
+           "orient", true, parse_orient},
+          {"reverse", nullptr, "",
+           "Turn all triangles over",
+           "reverse", true, parse_reverse},
+          {"swap", nullptr, "RATIO [PASSES]",
+           "Swap edges of triangles below a ratio of height to longest edge",
+           "swap 0.1 10", true, parse_swap},
+          {"slice", nullptr, "x|y|z above|below VALUE",
+           "Keep what lies above, or below, a plane across an axis",
+           "slice z above 5", true, parse_slice},
+          {"transform", "transform_triangles", "scale F|scale X Y Z|turn X Y Z DEG|move X Y Z|matrix A11 ... A34",
+           "Map the mesh; after a map that mirrors, reverse it",
+           "transform scale 25.4", true, parse_transform},
+          {"renumber", nullptr, "",
+           "Close the gaps in the numbers of nodes and triangles",
+           "renumber", true, parse_renumber}}};
 }

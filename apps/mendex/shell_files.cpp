@@ -2,7 +2,6 @@
 
 #include <mendexlib.h>
 
-#include "interruption.h"
 #include "mesh_reader.h"
 #include "mesh_writer.h"
 #include "script_run.h"
@@ -24,20 +23,19 @@ ReadRequest request_of(const CommandShell& shell, const std::string& path, bool 
   return request;
 }
 
-// Nothing is changed by a file that cannot be opened or is no mesh. One that breaks off within what a reader needs, and an interrupted
-// read, leave an empty mesh.
+// Nothing is changed by a file that cannot be opened or is no mesh. One that gives nothing, and an interrupted read, leave an empty mesh.
 void read(CommandShell& shell, const std::string& path) {
-  const int nodes = shell.mesh.node_count();
+  bool is_replaced = false;
+  ReadRequest request = request_of(shell, path, false);
+  request.replaces = &is_replaced;
   try {
-    shell.read = read_mesh(shell.session, request_of(shell, path, false));
+    shell.read = read_mesh(shell.session, request);
   } catch (...) {
-    if (Interruption::requested()) shell.mesh.clear();
-    const bool is_emptied = shell.mesh.valid_elements() == 0 && nodes != shell.mesh.node_count();
-    if (is_emptied || Interruption::requested()) shell.mesh_was_replaced("");
+    if (!is_replaced) throw;
+    shell.mesh.clear();
+    shell.mesh_was_replaced("");
     throw;
   }
-  shell.file = path;
-  shell.is_changed = false;
   shell.mesh_was_replaced(path);
   shell.note("  " + std::string(name_of(shell.read.format)) + (shell.read.is_complete ? "" : ", damaged") + ": " +
              counted(shell.mesh.valid_elements(), "triangle", "triangles") + "\n");
@@ -89,11 +87,19 @@ Action parse_run(CommandShell& shell, ShellWords& words) {
 
 ShellCommandGroup shell_file_commands() {
   return {"Files",
-          {{"read", nullptr, "FILE", "Replace the mesh by that of a file; what was done before cannot be undone any more", "read part.stl", false, parse_read},
-           {"append", nullptr, "FILE", "Add the mesh of a file", "append lid.stl", true, parse_append},
-           {"write", nullptr, "FILE [positive]", "Write the mesh in the format of the name; positive moves STL to where no coordinate is negative",
-            "write fixed.stl", false, parse_write},
-           {"rwrite", nullptr, "FILE [positive]", "The same with nodes and triangles numbered anew where the format has numbers", "rwrite fixed.mnx", false,
-            parse_rwrite},
-           {"run", nullptr, "SCRIPT", "Do what a script says, line by line", "run weld.mx", false, parse_run}}};
+         {{"read", nullptr, "FILE",
+           "Replace the mesh by that of a file; what was done before cannot be undone any more",
+           "read part.stl", false, parse_read},
+          {"append", nullptr, "FILE",
+           "Add the mesh of a file",
+           "append lid.stl", true, parse_append},
+          {"write", nullptr, "FILE [positive]",
+           "Write the mesh in the format of the name; positive moves STL to where no coordinate is negative",
+           "write fixed.stl", false, parse_write},
+          {"rwrite", nullptr, "FILE [positive]",
+           "The same with nodes and triangles numbered anew where the format has numbers",
+           "rwrite fixed.mnx", false, parse_rwrite},
+          {"run", nullptr, "SCRIPT",
+           "Do what a script says, line by line",
+           "run weld.mx", false, parse_run}}};
 }

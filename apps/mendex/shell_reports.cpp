@@ -83,7 +83,8 @@ Action parse_section(CommandShell& shell, ShellWords& words) {
     Interruption::check();
     const SectionAt& cut = drawing.cuts.front();
     if (!path.empty()) return write_sections(shell.session, path, drawing);
-    shell.result(counted(static_cast<long long>(cut.lines.size()), "polyline", "polylines") + formatted(", %d closed, length %.9g\n", cut.closed(), cut.length()));
+    shell.result(counted(static_cast<long long>(cut.lines.size()), "polyline", "polylines") +
+                 formatted(", %d closed, length %.9g\n", cut.closed(), cut.length()));
   };
 }
 
@@ -91,11 +92,16 @@ Action parse_section(CommandShell& shell, ShellWords& words) {
 
 ShellCommandGroup shell_report_commands() {
   return {"Reports",
-          {{"info", nullptr, "[full] [TOL] [FILE]", "Statistics, full ones with shapes compared with TOL; register commands go to FILE", "info full", false,
-            parse_info},
-           {"check", nullptr, "[strict]", "Tell what is wrong with the mesh; strict fails where anything is", "check", false, parse_check},
-           {"find", nullptr, "sick|small|thin|overlapping|intersecting|overhanging", "List the numbers of triangles of one kind, as told by limits", "find thin",
-            false, parse_find},
-           {"section", nullptr, "x|y|z VALUE [FILE]", "Cut with a plane across an axis, and write the outlines to FILE (.svg, .json, .pic)",
-            "section z 5 cut.svg", false, parse_section}}};
+         {{"info", nullptr, "[full] [TOL] [FILE]",
+           "Statistics, full ones with shapes compared with TOL; register commands go to FILE",
+           "info full", false, parse_info},
+          {"check", nullptr, "[strict]",
+           "Tell what is wrong with the mesh; strict fails where anything is",
+           "check", false, parse_check},
+          {"find", nullptr, "sick|small|thin|overlapping|intersecting|overhanging",
+           "List the numbers of triangles of one kind, as told by limits",
+           "find thin", false, parse_find},
+          {"section", nullptr, "x|y|z VALUE [FILE]",
+           "Cut with a plane across an axis, and write the outlines to FILE (.svg, .json, .pic)",
+           "section z 5 cut.svg", false, parse_section}}};
 }

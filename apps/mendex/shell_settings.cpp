@@ -95,9 +95,11 @@ std::string text_of_all() {
   for (const ShellCommandGroup& group : shell_commands()) {
     text += std::string(text.empty() ? "" : "\n") + group.title + "\n";
     for (const ShellCommand& command : group.commands) {
-      const std::string usage = usage_of(command);
+      std::string usage = usage_of(command);
       constexpr std::size_t column = 32;
-      text += "  " + usage + (usage.size() < column ? std::string(column - usage.size(), ' ') : "\n" + std::string(column + 2, ' ')) + command.help + "\n";
+      if (usage.size() >= column) usage += "\n" + std::string(column + 2, ' ');
+      if (usage.size() < column) usage.resize(column, ' ');
+      text += "  " + usage + command.help + "\n";
     }
   }
   return text + "\nhelp NAME tells more of one. A # begins a comment; names with blanks are 'quoted'.\n";
@@ -128,29 +130,45 @@ Action parse_quit(CommandShell& shell, ShellWords&) {
 
 ShellCommandGroup shell_undo_commands() {
   return {"Undo",
-          {{"undo", nullptr, "[N|all]", "Take back the last operation, or the last N", "undo 2", false, parse_undo},
-           {"redo", nullptr, "[N|all]", "Do again what was taken back", "redo", false, parse_redo},
-           {"history", nullptr, "[FILE]", "List the operations that can be undone and done again, on screen or to a file", "history", false, parse_history},
-           {"undomode", nullptr, "[on|off|toggle]", "Whether all operations can be undone, or only the last; a change forgets them", "undomode off", false,
-            parse_flag<&trControl::action_undomode, &trControl::print_undomode>}}};
+         {{"undo", nullptr, "[N|all]",
+           "Take back the last operation, or the last N",
+           "undo 2", false, parse_undo},
+          {"redo", nullptr, "[N|all]",
+           "Do again what was taken back",
+           "redo", false, parse_redo},
+          {"history", nullptr, "[FILE]",
+           "List the operations that can be undone and done again, on screen or to a file",
+           "history", false, parse_history},
+          {"undomode", nullptr, "[on|off|toggle]",
+           "Whether all operations can be undone, or only the last; a change forgets them",
+           "undomode off", false, parse_flag<&trControl::action_undomode, &trControl::print_undomode>}}};
 }
 
 ShellCommandGroup shell_setting_commands() {
   return {"Settings, told without an argument",
-          {{"limits", nullptr, "[small LENGTH|thin RATIO|overlapping DEG|overhanging X Y Z]", "What counts as small, thin ... for check, find and delete",
-            "limits thin 0.01", false, parse_limits},
-           {"preserve", nullptr, "[on|off|toggle]", "Whether attributes of nodes are read; off deletes those of the mesh", "preserve on", false,
-            parse_flag<&trControl::action_preserve, &trControl::print_preserve>},
-           {"trismooth", nullptr, "[on|off|toggle]", "Whether triangle files get shared vertices with averaged normals", "trismooth off", false,
-            parse_flag<&trControl::action_trismooth, &trControl::print_trismooth>},
-           {"stlrange", nullptr, "[FIRST [LAST]]", "Which triangles of STL files are read, counted from 1; 0 as the last stands for all", "stlrange 1 1000",
-            false, parse_stlrange},
-           {"verbose", nullptr, "[on|off|toggle]", "Whether reports are in full", "verbose on", false,
-            parse_flag<&trControl::action_verbose, &trControl::print_verbose>}}};
+         {{"limits", nullptr, "[small LENGTH|thin RATIO|overlapping DEG|overhanging X Y Z]",
+           "What counts as small, thin ... for check, find and delete",
+           "limits thin 0.01", false, parse_limits},
+          {"preserve", nullptr, "[on|off|toggle]",
+           "Whether attributes of nodes are read; off deletes those of the mesh",
+           "preserve on", false, parse_flag<&trControl::action_preserve, &trControl::print_preserve>},
+          {"trismooth", nullptr, "[on|off|toggle]",
+           "Whether triangle files get shared vertices with averaged normals",
+           "trismooth off", false, parse_flag<&trControl::action_trismooth, &trControl::print_trismooth>},
+          {"stlrange", nullptr, "[FIRST [LAST]]",
+           "Which triangles of STL files are read, counted from 1; 0 as the last stands for all",
+           "stlrange 1 1000", false, parse_stlrange},
+          {"verbose", nullptr, "[on|off|toggle]",
+           "Whether reports are in full",
+           "verbose on", false, parse_flag<&trControl::action_verbose, &trControl::print_verbose>}}};
 }
 
 ShellCommandGroup shell_own_commands() {
   return {"The shell",
-          {{"help", "?", "[NAME]", "List the commands, or explain one", "help cap", false, parse_help},
-           {"quit", "exit", "", "Leave the shell, or the script", "quit", false, parse_quit}}};
+         {{"help", "?", "[NAME]",
+           "List the commands, or explain one",
+           "help cap", false, parse_help},
+          {"quit", "exit", "",
+           "Leave the shell, or the script",
+           "quit", false, parse_quit}}};
 }

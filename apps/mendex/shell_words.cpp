@@ -52,7 +52,8 @@ double ShellWords::positive(const char* what) {
 int ShellWords::count(const char* what, int least, int most) {
   const double value = number(what);
   if (!is_whole(value, least, most)) {
-    refuse(in_quotes(words_[at_ - 1]) + " is not a whole number from " + std::to_string(least) + (most == INT_MAX ? " up" : " to " + std::to_string(most)));
+    const std::string upper = most == INT_MAX ? " up" : " to " + std::to_string(most);
+    refuse(in_quotes(words_[at_ - 1]) + " is not a whole number from " + std::to_string(least) + upper);
   }
   return static_cast<int>(value);
 }

@@ -92,8 +92,8 @@ TEST(MendexRun, PrintsResultsOnlyAndWritesWhatItMade) {
   EXPECT_EQ(run_mendex({"check", path}).exit_code, 0);
   EXPECT_EQ(test.output(box + "boundaries\n"), "  0            10 edges, length 100, round (15 10 10)\n  1 boundary\n");
   EXPECT_EQ(test.output(box + "select 0\nboundaries\nunselect all\n").front(), '*');
-  EXPECT_EQ(test.output(box + "section z 5\nfind thin\nlimits thin 0.9\nfind thin\nverbose\n").substr(0, 50),
-            "1 polyline, 1 closed, length 100\n0 triangles\n32 trian");
+  EXPECT_EQ(test.output(box + "section z 5\nfind thin\nlimits thin 0.9\nfind thin\nverbose\n").substr(0, 49),
+            "1 polyline, 1 closed, length 100\n0 triangles\n32 t");
   EXPECT_NE(test.output(torus + "info full\n").find("Min element height"), std::string::npos);
 }
 
@@ -114,7 +114,14 @@ TEST(MendexRun, EditsAsTheActionsDo) {
   EXPECT_EQ(counts(box + "select all\nfill"), (Counts{42, 23, 0}));
   EXPECT_EQ(counts(box + "select all\ncap 5"), (Counts{66, 35, 0}));
   EXPECT_EQ(counts(box + "select all\ncap_ext auto\nundo"), (Counts{32, 22, 1}));
-  EXPECT_EQ(counts(box + "select 0 at 1 2\ncap 100\nundo all"), (Counts{32, 96, 32}));
+  const std::string nodes = test.output(box + "boundaries 0\n");
+  std::istringstream picks(nodes.substr(nodes.find("nodes") + 5));
+  int first = 0, second = 0, third = 0;
+  picks >> first >> second >> third;
+  const std::string arc = box + "select 0 at " + std::to_string(first) + " " + std::to_string(third) + "\nfill";
+  EXPECT_EQ(counts(arc), (Counts{33, 22, 1}));
+  EXPECT_EQ(counts(arc + "\nundo all"), (Counts{32, 96, 32}));
+  EXPECT_EQ(counts(torus + "undup\nselect all\nfill\ncap 5\ncap_ext"), (Counts{320, 160, 0}));
   EXPECT_EQ(counts(box + "slice z below 5\nselect 0\nunselect 0"), counts(box + "transform scale 2\nslice z below 10"));
   EXPECT_EQ(counts(box + "append bracket_soup.stl\nundo"), (Counts{32, 22, 1}));
   EXPECT_EQ(counts(box + "delete thin 0.9"), (Counts{0, 22, 0}));
@@ -199,7 +206,7 @@ TEST(MendexRun, TakesBackAnEditThatFails) {
   EXPECT_EQ(result.exit_code, 1);
   EXPECT_NE(result.errors.find("script.mx:4: a hole cannot be capped: "), std::string::npos) << result.errors;
   EXPECT_EQ(result.output.find("cap"), std::string::npos);
-  EXPECT_NE(result.output.find("*  0"), std::string::npos) << result.output;
+  EXPECT_NE(result.output.find("* 0 "), std::string::npos) << result.output;
 }
 
 TEST(MendexRun, ReadsFromAPipeAndFromScriptsWithinScripts) {
@@ -229,11 +236,11 @@ TEST(MendexRun, SurvivesScriptsThatNobodyMeant) {
     for (int k = 0; k < 9000; ++k) many += " 99999";
     return many;
   }()).exit_code, 2);
-  const std::vector<std::string> pieces = {"read",   "write",  "undup", "open_box.ast", "torus_collapsed.stl", "select", "all",    "cap",     "fill",   "undo",
-                                           "redo",   "1",      "-1",    "0.001",        "1e300",               "1e-300", "nan",    "99999999", "delete", "small",
-                                           "slice",  "z",      "above", "transform",    "scale",               "turn",   "cap_ext", "auto",   "curved", "history",
-                                           "staple", "orient", "swap",  "'",            "\"",                  "#",      "\\",     "\xff\xfe", "\x1b[2J", "\n",
-                                           "\n",     "\n",     "\n",    "undomode",     "off",                 "append", "renumber", "reverse", "info", "cancelling"};
+  const std::vector<std::string> pieces = {
+      "read", "write", "undup", "open_box.ast", "torus_collapsed.stl", "select", "all", "cap", "fill", "undo", "redo", "1", "-1", "0.001",
+      "1e300", "1e-300", "nan", "99999999", "delete", "small", "slice", "z", "above", "transform", "scale", "turn", "cap_ext", "auto",
+      "curved", "history", "staple", "orient", "swap", "'", "\"", "#", "\\", "\xff\xfe", "\x1b[2J", "\n", "\n", "\n", "undomode", "off",
+      "append", "renumber", "reverse", "info", "cancelling"};
   int effective = 0;
   for (unsigned seed = 1; seed <= 12; ++seed) {
     std::mt19937 random(seed);
@@ -245,6 +252,17 @@ TEST(MendexRun, SurvivesScriptsThatNobodyMeant) {
     effective += result.errors.size() > 1000;
   }
   EXPECT_GE(effective, 10);
+}
+
+// Whoever reads the results must not take half of them for all.
+TEST(MendexRun, EndsWhenItsResultsReachNobody) {
+  const ScriptTest test;
+  test.folder().write("script.mx", "help\nwrite never.stl\n");
+  ProcessSetup setup = mendex_setup({"run", "script.mx"});
+  setup.folder = test.folder().path("");
+  setup.output_file = "/dev/full";
+  EXPECT_EQ(run_process(setup).exit_code, 4);
+  EXPECT_FALSE(std::ifstream(test.folder().path("never.stl")).good());
 }
 
 TEST(MendexRun, StopsAtASignal) {
@@ -274,19 +292,20 @@ TEST(MendexShell, IsInterruptedAndGoesOn) {
   Process process(setup);
   if (!process.has_terminal()) GTEST_SKIP() << "no terminal";
   ASSERT_TRUE(process.waits_for("mendex> "));
-  process.type("undup\n");
+  process.type("append torus_collapsed.stl\n");
   ASSERT_TRUE(process.waits_for("mendex> "));
   process.type("garbage\x03");
   ASSERT_TRUE(process.waits_for("mendex> "));
   process.type("transform move 1 0 0\n");
   ASSERT_TRUE(process.waits_for("mendex> "));
-  process.type("auto_stitch multi 0 1e-9 1e-13 target 1000\n");
+  process.type("auto_stitch multi 1e-12 1e-9 1e-13 target 1000\n");  // merges copies at once, and then goes on for long
   ASSERT_TRUE(process.waits_for("%"));
   process.type("\x03");
+  ASSERT_TRUE(process.waits_for("AUTO UNDOING"));
   ASSERT_TRUE(process.waits_for("interrupted"));
   ASSERT_TRUE(process.waits_for("mendex> "));
   process.type("history\n");
-  ASSERT_TRUE(process.waits_for("  2  transform"));
+  ASSERT_TRUE(process.waits_for("  2  transform move 1 0 0               [1845 nodes, 0 elems]"));
   ASSERT_TRUE(process.waits_for("mendex> "));
   process.type("undo al\t\n");
   ASSERT_TRUE(process.waits_for("mendex> "));
