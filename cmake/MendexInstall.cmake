@@ -35,4 +35,7 @@ if(TARGET mendex-cli)
     "${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}" "${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}")
   set_target_properties(mendex-cli PROPERTIES INSTALL_RPATH "$ORIGIN/${mendex_lib_from_bin}")
   install(TARGETS mendex-cli)
+  install(FILES "${PROJECT_SOURCE_DIR}/docs/mendex.1" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1")
+  install(FILES "${PROJECT_SOURCE_DIR}/apps/mendex/completion/mendex.bash"
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" RENAME mendex)
 endif()

@@ -33,6 +33,7 @@ void add_cap_verb(CommandLine& line) {
       ->type_name("LENGTH|auto")
       ->capture_default_str();
   verb->add_flag("--curved", arguments->is_curved, "Put the new nodes on a smooth surface fitted to the mesh round the hole");
-  verb->footer("A hole that cannot be capped stays as it was, and the reason is told. Exit code 1 when a hole stays open.\n"
-               "For example:\n  mendex cap part.stl -o closed.stl --hole 0,2 --curved");
+  line.set_notes(verb,
+                 "A hole that cannot be capped stays as it was, and the reason is told. Exit code 1 when a hole stays open.",
+                 "mendex cap part.stl -o closed.stl --hole 0,2 --curved");
 }

@@ -71,7 +71,8 @@ void add_check_verb(CommandLine& line) {
                    "only exact copies merge; none leaves all triangles loose")
       ->check(CLI::Validator(weld_problem, ""))
       ->type_name("LENGTH|none");
-  verb->footer(
-      "A triangle's number is its place in the file. Lengths up to 1e-5 are as good as zero in the search for\n"
-      "intersections. Exit code 1 when a file has defects or is damaged.");
+  line.set_notes(verb,
+                 "A triangle's number is its place in the file. Lengths up to 1e-5 are as good as zero in the search for\n"
+                 "intersections. Exit code 1 when a file has defects or is damaged.",
+                 "mendex check part.stl --thin 0.01");
 }

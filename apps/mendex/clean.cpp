@@ -66,5 +66,7 @@ void add_clean_verb(CommandLine& line) {
       ->type_name("RATIO");
   CLI::Option* sick = verb->add_flag("--sick", arguments->deletes_sick, "Delete all triangles on edges that more than two share too");
   verb->add_flag("--sick-but-two", arguments->keeps_two, "Of these delete all but the two largest of each edge")->excludes(sick);
-  verb->footer("In this order: cancelling, repeated, small, thin, fins, sick. What is deleted may leave holes: see mendex fill.");
+  line.set_notes(verb,
+                 "In this order: cancelling, repeated, small, thin, fins, sick. What is deleted may leave holes: see mendex fill.",
+                 "mendex clean part.stl -o clean.stl --small 0.001");
 }

@@ -33,6 +33,10 @@ CLI::App* CommandLine::add_verb(const char* name, const char* summary, Run run) 
   return verbs_.back().app;
 }
 
+void CommandLine::set_notes(CLI::App* verb, const std::string& notes, const std::string& example) {
+  verb->footer(notes + (notes.empty() ? "" : "\n") + "For example:\n  " + example);
+}
+
 ExitCode CommandLine::explain(const CLI::ParseError& error) {
   if (error.get_exit_code() != 0 && app_.get_subcommands().empty()) {
     explain_missing_verb();

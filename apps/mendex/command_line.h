@@ -19,6 +19,9 @@ class CommandLine {
   /// Adds a verb, whose options its caller adds to what is returned. `run` is called when the verb was given and its options hold good.
   CLI::App* add_verb(const char* name, const char* summary, Run run);
 
+  /// What the help of a verb ends with: notes, which may be empty, and an example, a whole command.
+  static void set_notes(CLI::App* verb, const std::string& notes, const std::string& example);
+
   /// Throws what CLI11 throws.
   void parse(int argc, char** argv) { app_.parse(argc, argv); }
   /// Shows help, version or what was wrong.

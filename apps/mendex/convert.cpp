@@ -103,9 +103,12 @@ void add_convert_verb(CommandLine& line) {
       ->check(CLI::Validator(range_problem, ""))
       ->type_name("A:B");
   verb->add_flag("--positive", options->is_positive, "STL: move the model, by round amounts, to where no coordinate is negative");
-  verb->footer("What a format cannot hold is lost: mendex formats tells what each keeps.");
+  line.set_notes(verb,
+                 "What a format cannot hold is lost: mendex formats tells what each keeps.",
+                 "mendex convert part.stl part.mnx");
 }
 
 void add_formats_verb(CommandLine& line) {
-  line.add_verb("formats", "Tell what can be read and written", [](Session&) { return run_formats(); });
+  CLI::App* verb = line.add_verb("formats", "Tell what can be read and written", [](Session&) { return run_formats(); });
+  line.set_notes(verb, "", "mendex formats");
 }

@@ -116,7 +116,9 @@ void add_orient_verb(CommandLine& line) {
   });
   add_edit_arguments(verb, *arguments, true);
   verb->add_flag("--reverse", arguments->reverses, "Turn every triangle over instead, for a model that is inside out");
-  verb->footer("Each piece is oriented after its majority, then the whole model by its topmost triangle.");
+  line.set_notes(verb,
+                 "Each piece is oriented after its majority, then the whole model by its topmost triangle.",
+                 "mendex orient part.stl -o oriented.stl");
 }
 
 void add_swap_verb(CommandLine& line) {
@@ -127,6 +129,7 @@ void add_swap_verb(CommandLine& line) {
   add_edit_arguments(verb, *arguments, true);
   add_limit(verb, "--aspect", arguments->aspect, "RATIO", "Triangles are thin below this ratio of height to longest edge");
   add_count(verb, "--passes", arguments->passes, 1, "Passes at most")->capture_default_str();
+  line.set_notes(verb, "", "mendex swap part.stl -o better.stl --aspect 0.05");
 }
 
 void add_renumber_verb(CommandLine& line) {
@@ -135,7 +138,7 @@ void add_renumber_verb(CommandLine& line) {
     return run_edit(session, *arguments, "renumbering", [](trControl& control) { return renumber(control); });
   });
   add_edit_arguments(verb, *arguments, false);
-  verb->footer("Only .mnx and .mes files keep numbers.");
+  line.set_notes(verb, "Only .mnx and .mes files keep numbers.", "mendex renumber part.mnx -o dense.mnx");
 }
 
 void add_transform_verb(CommandLine& line) {
@@ -151,6 +154,7 @@ void add_transform_verb(CommandLine& line) {
   add("--turn", arguments->turn, turn_problem, "X,Y,Z,DEG", "Then: turn about an axis through the origin, counter-clockwise as seen\nfrom its tip");
   add("--move", arguments->move, three_problem, "X,Y,Z", "Then: move, in the units of the scaled model");
   add("--matrix", arguments->matrix, matrix_problem, "A11,A12,A13,B1,...", "Then: any map, three rows of four numbers");
-  verb->footer("A map that mirrors turns all triangles over, so that the outside stays outside.\n"
-               "For example:\n  mendex transform part.stl -o part_mm.stl --scale 25.4 --turn 1,0,0,90");
+  line.set_notes(verb,
+                 "A map that mirrors turns all triangles over, so that the outside stays outside.",
+                 "mendex transform part.stl -o part_mm.stl --scale 25.4 --turn 1,0,0,90");
 }

@@ -10,6 +10,7 @@ void add_fill_verb(CommandLine& line) {
     return run_closing(session, *arguments, HoleMethod::fan, LengthArgument());
   });
   add_hole_arguments(verb, *arguments);
-  verb->footer("For small holes; mendex cap makes better triangles over large ones. Exit code 1 when a hole stays open.\n"
-               "For example:\n  mendex fill part.stl -o closed.stl --max-edges 12");
+  line.set_notes(verb,
+                 "For small holes; mendex cap makes better triangles over large ones. Exit code 1 when a hole stays open.",
+                 "mendex fill part.stl -o closed.stl --max-edges 12");
 }

@@ -32,5 +32,7 @@ void add_info_verb(CommandLine& line) {
                                  [options](Session& session) { return run_info(session, *options); });
   verb->add_option("FILE", options->files, "Files to report on")->required()->type_name("PATH");
   verb->add_flag("--json", options->is_json, "One JSON object a file, each on one line");
-  verb->footer("Nothing is merged: an STL file has three nodes a triangle. Numbers that are not finite are null in JSON.");
+  line.set_notes(verb,
+                 "Nothing is merged: an STL file has three nodes a triangle. Numbers that are not finite are null in JSON.",
+                 "mendex info part.stl --json");
 }

@@ -16,9 +16,12 @@ std::atomic<bool> has_unfinished_file{false};
 }  // namespace
 
 std::atomic<int> Interruption::signals_{0};
+std::atomic<bool> Interruption::is_final_{false};
+std::atomic<bool> Interruption::bears_repetition_{false};
 
-void Interruption::on_signal(int) {
-  if (signals_.fetch_add(1) == 0) return;
+void Interruption::on_signal(int number) {
+  if (number != SIGINT) is_final_ = true;
+  if (signals_.fetch_add(1) == 0 || (bears_repetition_ && number == SIGINT)) return;
   if (has_unfinished_file) unlink(unfinished_file);
   _exit(static_cast<int>(ExitCode::interrupted));
 }

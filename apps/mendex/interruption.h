@@ -15,6 +15,13 @@ class Interruption {
 
   static bool requested() { return signals_.load(std::memory_order_relaxed) != 0; }
 
+  /// For a program that goes on when a piece of its work was stopped: the wish was followed.
+  static void forget() { signals_ = 0; }
+  /// Whether a signal came that asks for the end of the program rather than of what it is doing: not Ctrl-C.
+  static bool is_final() { return is_final_.load(std::memory_order_relaxed); }
+  /// From now on any number of Ctrl-C counts as one.
+  static void bear_repetition() { bears_repetition_ = true; }
+
   /// Throws when the user wants to stop.
   static void check();
 
@@ -22,6 +29,8 @@ class Interruption {
   static void set_unfinished_file(const std::string& path);
 
  private:
-  static void on_signal(int);
+  static void on_signal(int number);
   static std::atomic<int> signals_;
+  static std::atomic<bool> is_final_;
+  static std::atomic<bool> bears_repetition_;
 };

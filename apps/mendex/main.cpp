@@ -27,6 +27,8 @@ void add_verbs(CommandLine& line) {
   add_slice_verb(line);
   add_section_verb(line);
   add_convert_verb(line);
+  add_shell_verb(line);
+  add_run_verb(line);
   add_formats_verb(line);
 }
 

@@ -111,14 +111,16 @@ class Checker {
     std::sort(check_.intersecting.begin(), check_.intersecting.end());
   }
 
-  // Edits the mesh in an undo bracket, looks at what became of it and takes the edit back.
+  // Edits the mesh, looks at what became of it and takes the edit back. The record is not one of the controller's, whose history stays
+  // as it is.
   template <class Edit, class Look>
   void try_edit(const char* name, Edit edit, Look look) {
-    control_.start_undo(name);
+    trUndoHist history(&mesh_);
+    history.start(name);
     edit();
     const bool is_interrupted = tr_interrupt() != 0;
     if (!is_interrupted) look();
-    control_.finish_undo(0);
+    if (history.finish()) history.undo();
   }
 
   void find_repeated() {

@@ -57,12 +57,13 @@ void warn_of_surplus(Session& session, const InputFile& file, const ReadRequest&
 ReadOutcome read_mesh(Session& session, const ReadRequest& request) {
   const std::string& path = request.path;
   session.messages.set_file(path);
-  if (!request.is_appended) session.mesh.clear();  // a reader that fails on the header leaves the mesh as it was
-  const int before = triangles_in(session);
   const std::size_t warnings = session.messages.warnings().size();
   InputFile file(path);
   const std::optional<MeshFormat> format = format_of_file({file.head(), file.size(), path});
   if (!format) throw Failure(ExitCode::cannot_read, "is neither STL, binary or ASCII, nor a mesh in another known format");
+  if (!request.is_appended) session.mesh.clear();  // a reader that fails on the header leaves the mesh as it was
+  if (request.replaces != nullptr) *request.replaces = true;
+  const int before = triangles_in(session);
   if (is_scene(*format)) {
     session.progress.begin("reading " + path);
     read_scene_mesh(session, file, request, *format);

@@ -18,6 +18,7 @@ struct ReadRequest {
   bool keeps_attributes = false;  // node attributes that the file has
   int first_facet = 1;            // of STL, counted from 1
   int last_facet = 0;             // 0: up to the end
+  bool* replaces = nullptr;       // receives true as soon as the session's mesh is not what it was any more
 };
 
 /// Reads a file, whose format is told by its content, into the session's mesh.

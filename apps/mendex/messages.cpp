@@ -52,6 +52,8 @@ void Messages::put_line() {
   const bool is_warning = tells_damage && !Interruption::requested();
   if (is_warning) {
     warning(line);
+  } else if (listener_ && listener_(line)) {
+    return;
   } else if (is_verbose_ && !line.empty()) {
     print("", line);
   }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <ostream>
 #include <streambuf>
 #include <string>
@@ -23,8 +24,13 @@ class Messages : private std::streambuf {
   /// Show all that the library prints.
   void set_verbose() { is_verbose_ = true; }
 
+  /// Hands each line that the library prints, and that is no warning, to a listener first; it is shown only when the listener returns
+  /// false. Null: there is none.
+  void set_listener(std::function<bool(const std::string& line)> listener) { listener_ = std::move(listener); }
+
   /// Names the file that the next messages are about.
   void set_file(const std::string& name) { file_ = name; }
+  const std::string& file() const { return file_; }
 
   void error(const std::string& text);
   void warning(const std::string& text);
@@ -40,6 +46,7 @@ class Messages : private std::streambuf {
 
   ProgressBar& progress_;
   std::ostream stream_;
+  std::function<bool(const std::string&)> listener_;
   std::string file_;
   std::string line_;
   std::vector<std::string> warnings_;

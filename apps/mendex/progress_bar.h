@@ -18,6 +18,9 @@ class ProgressBar : public trBreakHandler {
   /// No bar from now on.
   void silence() { is_silent_ = true; }
 
+  /// The bar appears anew only when what begins now takes longer than a blink.
+  void start_over() { next_draw_ = Clock::now() + std::chrono::milliseconds(300); }
+
   /// Names the work that begins, for example "reading part.stl".
   void begin(std::string stage);
 

@@ -1,5 +1,4 @@
 #include <cstdio>
-#include <filesystem>
 #include <memory>
 
 #include "arguments.h"
@@ -7,8 +6,7 @@
 #include "interruption.h"
 #include "json_values.h"
 #include "mesh_reader.h"
-#include "safe_output.h"
-#include "section_files.h"
+#include "section_output.h"
 #include "text.h"
 #include "verbs.h"
 
@@ -22,22 +20,8 @@ struct SectionArguments {
   bool is_json = false;
 };
 
-enum class SectionFormat { none, picture, svg, json };
-
 std::string places_problem(const std::string& text) {
   return numbers_in(text) ? "" : "'" + text + "' is not a list of numbers such as 0,2.5,5";
-}
-
-SectionFormat format_of(const SectionArguments& arguments, std::size_t heights) {
-  if (arguments.output.empty()) return SectionFormat::none;
-  const std::string extension = std::filesystem::path(arguments.output).extension().string();
-  if (extension == ".svg") return SectionFormat::svg;
-  if (extension == ".json") return SectionFormat::json;
-  if (extension != ".pic") {
-    throw Failure(ExitCode::wrong_usage, "cannot tell the format of '" + arguments.output + "': sections are written as .pic, .svg or .json");
-  }
-  if (heights != 1) throw Failure(ExitCode::wrong_usage, "a .pic file takes one height; .svg and .json take several");
-  return SectionFormat::picture;
 }
 
 // Lengths up to the tolerance of sections count as none, which takes the details off a small model.
@@ -46,24 +30,6 @@ void warn_of_small_model(Session& session) {
   if (box.is_empty()) return;
   const double size = (box.max() - box.min()).length();
   if (size < 1e-2) session.messages.warning(formatted("lengths up to 1e-5 count as none, which is coarse for a model of size %.3g", size));
-}
-
-void write_sections(Session& session, const SectionArguments& arguments, const SectionDrawing& drawing, SectionFormat format) {
-  session.messages.set_file(arguments.output);
-  session.progress.begin("writing " + arguments.output);
-  SafeOutput output(arguments.output);
-  std::FILE* const file = output.stream();
-  if (format == SectionFormat::picture) {
-    trSection section(&session.mesh);
-    section.section(axis_of(drawing.axis), drawing.cuts.front().at);
-    section.write_pic(file);
-  } else {
-    format == SectionFormat::svg ? write_svg(file, drawing) : write_json(file, drawing);
-    std::fclose(file);
-  }
-  Interruption::check();
-  output.check();
-  output.commit();
 }
 
 std::string text_of(const SectionArguments& arguments, const ReadOutcome& read, const SectionDrawing& drawing) {
@@ -94,7 +60,7 @@ std::string json_of(const Session& session, const SectionArguments& arguments, c
 
 ExitCode run_section(Session& session, const SectionArguments& arguments) {
   const std::vector<double> heights = *numbers_in(arguments.at);
-  const SectionFormat format = format_of(arguments, heights.size());
+  const SectionFormat format = section_format_of(arguments.output, heights.size());
   const ReadOutcome read = read_mesh(session, arguments.input);
   warn_of_small_model(session);
   session.progress.begin("cutting " + arguments.input);
@@ -103,7 +69,7 @@ ExitCode run_section(Session& session, const SectionArguments& arguments) {
     drawing.cuts.push_back(section_at(session.mesh, axis_of(arguments.axis), at));
     Interruption::check();
   }
-  if (format != SectionFormat::none) write_sections(session, arguments, drawing, format);
+  if (format != SectionFormat::none) write_sections(session, arguments.output, drawing);
   session.progress.erase();
   if (arguments.is_json) {
     std::printf("%s\n", json_of(session, arguments, read, drawing).c_str());
@@ -130,6 +96,7 @@ void add_section_verb(CommandLine& line) {
       ->check(CLI::Validator(places_problem, ""))
       ->type_name("LENGTH[,LENGTH...]");
   verb->add_flag("--json", arguments->is_json, "Print one JSON object with the number of points and the length of each outline");
-  verb->footer("Where the mesh is closed, outlines are. Nothing is merged first: ends of outlines within 1e-5 of each other are one.\n"
-               "For example:\n  mendex section part.stl --axis z --at 0.5,5,9.5 -o part.svg");
+  line.set_notes(verb,
+                 "Where the mesh is closed, outlines are. Nothing is merged first: ends of outlines within 1e-5 of each other are one.",
+                 "mendex section part.stl --axis z --at 0.5,5,9.5 -o part.svg");
 }

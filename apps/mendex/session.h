@@ -2,6 +2,7 @@
 
 #include <mendexlib.h>
 
+#include "host_control.h"
 #include "messages.h"
 #include "progress_bar.h"
 
@@ -9,7 +10,7 @@
 struct Session {
   ProgressBar progress;
   Messages messages{progress};
-  trControl control;
+  HostControl control;
   trTriBlock& mesh = control.triblock();
   bool is_quiet = false;  // no summary beside the result that was asked for
 };

@@ -71,6 +71,7 @@ void add_slice_verb(CommandLine& line) {
       ->check(CLI::IsMember({"above", "below"}))
       ->type_name("above|below");
   verb->add_flag("--cap", arguments->caps, "Close the cut with flat triangles; a loop inside another one stays a hole of the area");
-  verb->footer("Exit code 1 when the cut was to be closed and stays open.\n"
-               "For example:\n  mendex slice part.stl --axis z --at 12.5 --keep below --cap -o lower.stl");
+  line.set_notes(verb,
+                 "Exit code 1 when the cut was to be closed and stays open.",
+                 "mendex slice part.stl --axis z --at 12.5 --keep below --cap -o lower.stl");
 }

@@ -176,7 +176,8 @@ void add_stitch_verb(CommandLine& line) {
   verb->add_flag("--slivers", arguments->makes_slivers,
                  "At the end join nodes to edges in line with them by thin triangles");
   verb->add_flag("--json", arguments->is_json, "Print one JSON object with the boundaries before and after");
-  verb->footer("At each tolerance nodes of boundaries are merged, triangles back to back and repeated ones deleted, and edges\n"
-               "split where nodes of another boundary lie on them.\n"
-               "For example:\n  mendex stitch part.stl -o closed.stl --tol 0.001..0.05/0.005");
+  line.set_notes(verb,
+                 "At each tolerance nodes of boundaries are merged, triangles back to back and repeated ones deleted, and edges\n"
+                 "split where nodes of another boundary lie on them.",
+                 "mendex stitch part.stl -o closed.stl --tol 0.001..0.05/0.005");
 }

@@ -22,6 +22,8 @@ void add_renumber_verb(CommandLine& line);   // close the gaps in the numbers
 void add_slice_verb(CommandLine& line);    // keep one side of a plane
 void add_section_verb(CommandLine& line);  // outlines of cuts
 void add_convert_verb(CommandLine& line);  // read and write in the format that the output's name asks for
+void add_shell_verb(CommandLine& line);    // command by command
+void add_run_verb(CommandLine& line);      // the same from a script
 void add_formats_verb(CommandLine& line);  // what can be read and written
 
 /// The format that an output's name asks for; throws, naming what can be written, when there is none.

@@ -60,5 +60,7 @@ void add_weld_verb(CommandLine& line) {
   add_length(verb, "--tol", options->tolerance, "Merge nodes up to this far apart. Without it only exact copies merge;\n0 merges nothing");
   verb->add_flag("--positive", options->is_positive, "Move the model, by round amounts, to where no coordinate is negative");
   verb->add_flag("--json", options->is_json, "Print one JSON object with the statistics before and after");
-  verb->footer("OUT is replaced only when the new file is complete; on any failure, and on Ctrl-C, it stays as it was.");
+  line.set_notes(verb,
+                 "OUT is replaced only when the new file is complete; on any failure, and on Ctrl-C, it stays as it was.",
+                 "mendex weld part.stl -o fixed.stl --tol 0.001");
 }

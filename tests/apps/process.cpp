@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <pty.h>
 #include <signal.h>
+#include <sys/ioctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -62,6 +63,13 @@ void Process::become_program(const ProcessSetup& setup) const {
   const int output = setup.output_file.empty() ? output_ : open(setup.output_file.c_str(), O_WRONLY | O_CREAT, 0666);
   dup2(output, STDOUT_FILENO);
   dup2(terminal_of_program_ >= 0 ? terminal_of_program_ : errors_, STDERR_FILENO);
+  if (setup.is_typed_to && terminal_of_program_ >= 0) {
+    setsid();
+    ioctl(terminal_of_program_, TIOCSCTTY, 0);
+    dup2(terminal_of_program_, STDIN_FILENO);
+    dup2(terminal_of_program_, STDOUT_FILENO);
+  }
+  if (!setup.input_file.empty()) dup2(open(setup.input_file.c_str(), O_RDONLY), STDIN_FILENO);
   if (!setup.folder.empty() && chdir(setup.folder.c_str()) != 0) _exit(127);
   for (const auto& [name, value] : setup.environment) setenv(name.c_str(), value.c_str(), 1);
   if (setup.file_size_limit >= 0) {
@@ -77,6 +85,24 @@ void Process::become_program(const ProcessSetup& setup) const {
 }
 
 void Process::send_signal(int number) const { kill(id_, number); }
+
+void Process::type(const std::string& text) const {
+  if (write(terminal_, text.data(), text.size()) < 0) perror("typing");
+}
+
+bool Process::waits_for(const std::string& text) {
+  const auto deadline = std::chrono::steady_clock::now() + longest_run;
+  while (std::chrono::steady_clock::now() < deadline) {
+    drain_terminal();
+    const std::size_t found = terminal_text_.find(text, seen_);
+    if (found != std::string::npos) {
+      seen_ = found + text.size();
+      return true;
+    }
+    std::this_thread::sleep_for(poll_interval);
+  }
+  return false;
+}
 
 void Process::wait_until_it_catches(int number) const {
   const auto deadline = std::chrono::steady_clock::now() + longest_run;

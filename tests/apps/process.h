@@ -16,6 +16,8 @@ struct ProcessSetup {
   long file_size_limit = -1;                                     // bytes that a file may grow to; -1: no limit
   bool is_nobody = false;     // runs as a user without privileges, when the test has them all
   bool has_terminal = false;  // standard error is a terminal
+  bool is_typed_to = false;   // that terminal is also the controlling one, standard input and standard output
+  std::string input_file;     // standard input; else that of the test
 };
 
 /// What a program left: its exit code (128 and the signal's number when a signal ended it) and its texts.
@@ -38,6 +40,12 @@ class Process {
 
   void send_signal(int number) const;
 
+  /// Types on the terminal.
+  void type(const std::string& text) const;
+
+  /// Waits until the program has shown a text on the terminal since it was asked for the last one; false when it never does.
+  bool waits_for(const std::string& text);
+
   /// Waits until the program has set itself up to catch the signal.
   void wait_until_it_catches(int number) const;
 
@@ -54,6 +62,7 @@ class Process {
   int terminal_ = -1;  // our end of the terminal
   int terminal_of_program_ = -1;
   std::string terminal_text_;
+  std::size_t seen_ = 0;  // of that text
 };
 
 ProcessResult run_process(const ProcessSetup& setup);
