@@ -19,8 +19,12 @@ std::atomic<int> Interruption::signals_{0};
 
 void Interruption::on_signal(int) {
   if (signals_.fetch_add(1) == 0) return;
-  if (has_unfinished_file) unlink(unfinished_file);
+  remove_unfinished_file();
   _exit(static_cast<int>(ExitCode::interrupted));
+}
+
+void Interruption::remove_unfinished_file() {
+  if (has_unfinished_file) unlink(unfinished_file);
 }
 
 void Interruption::install() {

@@ -20,6 +20,8 @@ class Interruption {
 
   /// The file that the second signal removes; an empty path means none. Paths too long for the system are ignored.
   static void set_unfinished_file(const std::string& path);
+  /// Removes it, as the second signal does. Takes no memory.
+  static void remove_unfinished_file();
 
  private:
   static void on_signal(int);

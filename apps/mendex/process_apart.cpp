@@ -95,7 +95,7 @@ std::string read_all(int file) {
 void set_limit(int resource, rlim_t soft, rlim_t hard) {
   struct rlimit old = {};
   getrlimit(static_cast<__rlimit_resource_t>(resource), &old);
-  const struct rlimit fresh = {std::min(soft, old.rlim_max), std::min(hard, old.rlim_max)};
+  const struct rlimit fresh = {std::min(soft, old.rlim_cur), std::min(hard, old.rlim_max)};
   setrlimit(static_cast<__rlimit_resource_t>(resource), &fresh);
 }
 
@@ -127,6 +127,7 @@ void apply(const WorkLimits& limits) {
     dup2(nowhere, STDERR_FILENO);
   }
   apply(limits);
+  std::set_new_handler(nullptr);
   int code = work_failed;
   try {
     code = write_all(result, work()) ? work_done : work_without_memory;
