@@ -2,6 +2,7 @@
 
 #include <poll.h>
 #include <sched.h>
+#include <sys/wait.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -21,8 +22,6 @@
 #include "memory_limit.h"
 #include "safe_output.h"
 #include "text.h"
-
-#include <sys/wait.h>
 
 namespace {
 
@@ -255,6 +254,8 @@ class Batch {
   BatchReport report_;
 };
 
+constexpr const char* option_group = "Many files";
+
 std::string seconds_problem(const std::string& text) {
   const auto numbers = numbers_in(text);
   return numbers && numbers->size() == 1 && numbers->front() > 0.0 ? "" : "'" + text + "' is not a number of seconds above 0";
@@ -269,27 +270,28 @@ bool BatchArguments::is_batch() const {
 }
 
 void add_batch_arguments(CLI::App* verb, BatchArguments& arguments) {
-  constexpr const char* group = "Many files";
-  verb->add_option("--out-dir", arguments.files.output_folder, "Folder for the results, which is made where it is missing")->type_name("PATH")->group(group);
-  verb->add_option("--suffix", arguments.files.suffix, "What the names of results have before the extension, such as _fixed")->type_name("TEXT")->group(group);
-  verb->add_flag("--recursive", arguments.files.is_recursive, "Take folders within folders too")->group(group);
+  verb->add_option("--out-dir", arguments.files.output_folder, "Folder for the results, which is made where it is missing")->type_name("PATH")->group(option_group);
+  verb->add_option("--suffix", arguments.files.suffix, "What the names of results have before the extension, such as _fixed")->type_name("TEXT")->group(option_group);
+  verb->add_flag("--recursive", arguments.files.is_recursive, "Take folders within folders too")->group(option_group);
   add_count(verb, "--jobs", arguments.jobs, 0, "Files worked on at a time, each in a process of its own; 0: one for each\nprocessor")
       ->capture_default_str()
-      ->group(group);
-  verb->add_flag("--keep-going", arguments.keeps_going, "Start further files even after a result could not be written")->group(group);
+      ->group(option_group);
+  verb->add_flag("--keep-going", arguments.keeps_going, "Start further files even after a result could not be written")->group(option_group);
   verb->add_option("--timeout", arguments.timeout_seconds, "Stop work on a file after so long, with code 6")
       ->check(CLI::Validator(seconds_problem, ""))
       ->type_name("SECONDS")
-      ->group(group);
+      ->group(option_group);
 }
 
 ExitCode run_batch(Session& session, const BatchArguments& arguments, const BatchPlan& plan) { return Batch(session, arguments, plan).run(); }
 
 std::vector<std::string> own_command(const CLI::App& verb, const std::set<std::string>& but) {
   std::vector<std::string> words = {"/proc/self/exe", verb.get_name()};
+  const CLI::Option* const verbose = verb.get_parent() == nullptr ? nullptr : verb.get_parent()->get_option_no_throw("--verbose");
+  if (verbose != nullptr && verbose->count() > 0) words.emplace_back("--verbose");
   for (const CLI::Option* option : verb.get_options()) {
     const std::string name = option->get_name();
-    if (option->count() == 0 || option->get_positional() || but.count(name) != 0) continue;
+    if (option->count() == 0 || option->get_positional() || option->get_group() == option_group || but.count(name) != 0) continue;
     const bool is_flag = option->get_items_expected_max() == 0;
     for (const std::string& value : option->results()) words.push_back(is_flag ? name : name + "=" + value);
   }

@@ -42,6 +42,6 @@ struct BatchPlan {
 /// limit on this process's memory becomes that of each child. On interruption the children are stopped and nothing more is started.
 ExitCode run_batch(Session& session, const BatchArguments& arguments, const BatchPlan& plan);
 
-/// This program and the options that the verb was given, without positional ones and those of the names in `but` (as "--json"): the start
-/// of a command that does the same to another file.
+/// This program and the options that the verb was given, without positional ones, those of `add_batch_arguments` and those of the names in
+/// `but` (as "--json"): the start of a command that does the same to another file.
 std::vector<std::string> own_command(const CLI::App& verb, const std::set<std::string>& but);

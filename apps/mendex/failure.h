@@ -21,8 +21,6 @@ class Failure : public std::runtime_error {
   Failure(ExitCode code, const std::string& text) : std::runtime_error(text), code_(code) {}
   ExitCode code() const { return code_; }
 
-  static Failure interrupted() { return {ExitCode::interrupted, "interrupted"}; }
-
  private:
   ExitCode code_;
 };

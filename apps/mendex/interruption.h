@@ -3,7 +3,7 @@
 #include <atomic>
 #include <string>
 
-/// The user's wish to stop: Ctrl-C, a polite kill, a closed terminal.
+/// The user's wish to stop: Ctrl-C, a polite kill, a closed terminal, the end of a time that was set.
 ///
 /// The first signal only sets a flag, which the library polls; system calls that wait are cut short. The second one
 /// ends the program at once. Either way no half-written file is left behind.
@@ -13,9 +13,12 @@ class Interruption {
   /// file size limit becomes an ordinary error instead of a signal.
   static void install();
 
+  /// Asks to stop after so long (above 0), and two seconds later ends the program at once. Processes started by it do not inherit this.
+  static void set_timeout(double seconds);
+
   static bool requested() { return signals_.load(std::memory_order_relaxed) != 0; }
 
-  /// Throws when the user wants to stop.
+  /// Throws when the user wants to stop, or the time is up.
   static void check();
 
   /// The file that the second signal removes; an empty path means none. Paths too long for the system are ignored.
@@ -24,6 +27,7 @@ class Interruption {
   static void remove_unfinished_file();
 
  private:
-  static void on_signal(int);
+  static void on_signal(int number);
   static std::atomic<int> signals_;
+  static std::atomic<bool> is_out_of_time_;
 };
