@@ -94,6 +94,9 @@ class Batch {
       : session_(session), arguments_(arguments), plan_(plan), jobs_(find_jobs(arguments.files, plan.writing)), outcomes_(jobs_.size()),
         report_(plan.is_json) {
     limits_.memory_bytes = MemoryLimit::current();
+    if (limits_.memory_bytes && *limits_.memory_bytes < MemoryLimit::in_use()) {
+      throw Failure(ExitCode::out_of_memory, "the limit of memory is less than what the program takes to start");
+    }
     if (arguments.timeout_seconds > 0.0) limits_.seconds = arguments.timeout_seconds;
     worker_total_ = static_cast<std::size_t>(arguments.jobs > 0 ? arguments.jobs : processors());
   }

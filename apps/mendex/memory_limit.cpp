@@ -1,6 +1,7 @@
 #include "memory_limit.h"
 
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <charconv>
@@ -64,6 +65,15 @@ std::optional<std::uint64_t> MemoryLimit::current() {
   return limit.rlim_cur == RLIM_INFINITY ? std::nullopt : std::optional<std::uint64_t>(limit.rlim_cur);
 }
 
+std::uint64_t MemoryLimit::in_use() {
+  unsigned long pages = 0;
+  std::FILE* const file = std::fopen("/proc/self/statm", "re");
+  if (file == nullptr) return 0;
+  if (std::fscanf(file, "%lu", &pages) != 1) pages = 0;
+  std::fclose(file);
+  return std::uint64_t{pages} * static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
+}
+
 std::string MemoryLimit::account() {
   if (told_limit == 0) return "out of memory";
   return formatted("out of memory: more than %.4g MiB would be needed, which is the limit", static_cast<double>(told_limit) / (1 << 20));
@@ -92,8 +102,8 @@ std::optional<std::uint64_t> MemoryLimit::bytes_in(const std::string& text) {
   const std::from_chars_result result = std::from_chars(text.data(), end, number, std::chars_format::fixed);
   if (result.ec != std::errc() || !(number >= 0.0)) return std::nullopt;
   const std::string unit(result.ptr, end);
-  const std::size_t power = unit.empty() ? 0 : 1 + std::string("KMGT").find(unit);
-  if (unit.size() > 1 || power > 4) return std::nullopt;
+  const std::size_t power = std::string("BKMGT").find(unit.empty() ? "B" : unit);
+  if (unit == "B" || power == std::string::npos) return std::nullopt;
   const double bytes = number * static_cast<double>(std::uint64_t{1} << (10 * power));
   if (!(bytes >= 1.0 && bytes < 9e18)) return std::nullopt;
   return static_cast<std::uint64_t>(bytes);

@@ -24,6 +24,9 @@ class MemoryLimit {
   /// The limit as it is now.
   static std::optional<std::uint64_t> current();
 
+  /// The address space of this process in bytes; 0 where the system does not tell.
+  static std::uint64_t in_use();
+
   /// What to tell the user.
   static std::string account();
   /// The end.

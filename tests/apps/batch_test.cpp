@@ -225,6 +225,9 @@ TEST(MendexBatch, RefusesAtTheStart) {
       {{"@nowhere", "--out-dir", "out"}, 3, "nowhere: cannot be read: No such file"},
       {{"@x", "--out-dir", "out"}, 3, "x: cannot be read: Is a directory"},
       {{"a.stl", "--suffix", "/../b"}, 2, "no slash"},
+#ifndef __SANITIZE_ADDRESS__
+      {{"a.stl", "--out-dir", "out", "--max-memory", "4M"}, 7, "memory"},
+#endif
       {{"a.stl", "--out-dir", "file/out"}, 4, "cannot be made: Not a directory"},
   };
   for (const Case& c : cases) {
@@ -276,11 +279,11 @@ TEST(MendexBatch, MemoryIsLimitedForEachFile) {
 // Whatever size the memory has at which it runs out, the end is orderly: done or code 7, never a half result.
 TEST(MendexMemory, RunsOutInAnOrderlyWay) {
   const TestFolder folder;
-  const std::string in = folder.write("in.stl", binary_stl(some_facets(150000))), out = folder.path("out.stl");
+  const std::string in = folder.write("in.stl", binary_stl(some_facets(60000))), out = folder.path("out.stl");
   ASSERT_EQ(run_mendex({"weld", in, "-o", out}).exit_code, 0);
   const std::string whole = contents_of_file(out);
   int refused = 0, done = 0;
-  for (int megabytes = 40; megabytes <= 200; megabytes += 8) {
+  for (int megabytes = 20; megabytes <= 84; megabytes += 4) {
     std::filesystem::remove(out);
     const ProcessResult result = run_mendex({"weld", in, "-o", out, "--max-memory", std::to_string(megabytes) + "M"});
     result.exit_code == 0 ? ++done : ++refused;
@@ -296,6 +299,15 @@ TEST(MendexMemory, RunsOutInAnOrderlyWay) {
   EXPECT_GE(done, 3);
 }
 #endif
+
+// One process by itself is told when its time is up, and ended when it does not listen.
+TEST(MendexTime, IsLimitedForOneProcess) {
+  const TestFolder folder;
+  const ProcessResult told = run_process(batch_setup(folder, {"--hang", "0.1"}));
+  EXPECT_EQ(told.exit_code, 6);
+  EXPECT_EQ(told.errors, "mendex: timed out\n");
+  EXPECT_EQ(run_process(batch_setup(folder, {"--hang", "0.1", "--deaf"})).exit_code, 6);
+}
 
 TEST(MendexMemory, SizesAreNumbersWithAUnit) {
   for (const char* wrong : {"", "0", "-1", "G", "1X", "1GB", "inf", "nan", "1e3", "0.0001", "9999999999G"}) {
