@@ -10,15 +10,6 @@ namespace {
 
 const char* verb_of(HoleMethod method) { return method == HoleMethod::fan ? "filled" : "capped"; }
 
-const char* name_of(HoleMethod method) {
-  switch (method) {
-    case HoleMethod::fan: return "fan";
-    case HoleMethod::flat: return "flat";
-    case HoleMethod::curved: return "curved";
-  }
-  return "";
-}
-
 std::string line_of_hole(const HoleAccount& account, const HoleOutcome& outcome) {
   std::string line = formatted("  %6d %8d %10d %8d  ", outcome.hole.number, outcome.hole.edges(), outcome.triangles, outcome.nodes);
   if (!outcome.refused.empty()) return line + "refused: " + outcome.refused + "\n";

@@ -17,6 +17,7 @@ namespace {
 void add_verbs(CommandLine& line) {
   add_info_verb(line);
   add_check_verb(line);
+  add_repair_verb(line);
   add_weld_verb(line);
   add_stitch_verb(line);
   add_fill_verb(line);
