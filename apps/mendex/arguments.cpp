@@ -36,6 +36,13 @@ void add_limit(CLI::App* verb, const char* name, double& limit, const char* unit
   verb->add_option(name, limit, text)->check(CLI::Validator(tolerance_problem, ""))->type_name(unit)->capture_default_str();
 }
 
+CLI::Option* add_length(CLI::App* verb, const char* name, LengthArgument& length, const char* text) {
+  return verb->add_option_function<std::string>(
+                 name, [&length](const std::string& given) { length = *LengthArgument::parse(given); }, text)
+      ->check(CLI::Validator(LengthArgument::problem, ""))
+      ->type_name("LENGTH");
+}
+
 CLI::Option* add_count(CLI::App* verb, const char* name, int& count, int least, const char* text) {
   const auto problem = [least](const std::string& given) {
     const auto numbers = numbers_in(given);

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "length_argument.h"
+
 // Arguments that several verbs take. Each function that is named for a problem returns what is wrong with a text, or nothing.
 
 /// A finite number from 0 up. The library takes any tolerance, but nobody means to merge a whole model into one point.
@@ -20,6 +22,9 @@ std::string direction_problem(const std::string& text);
 
 /// Adds an option that takes a number from 0 up and shows its default.
 void add_limit(CLI::App* verb, const char* name, double& limit, const char* unit, const char* text);
+
+/// Adds an option that takes a length. `length` must live as long as the verb.
+CLI::Option* add_length(CLI::App* verb, const char* name, LengthArgument& length, const char* text);
 
 /// Adds an option that takes a whole number from `least` up.
 CLI::Option* add_count(CLI::App* verb, const char* name, int& count, int least, const char* text);

@@ -14,8 +14,8 @@ struct CapArguments : HoleArguments {
 
 std::string spacing_problem(const std::string& text) {
   if (text == "auto") return "";
-  const auto numbers = numbers_in(text);
-  return numbers && numbers->size() == 1 && numbers->front() > 0.0 ? "" : "'" + text + "' is neither a length above 0 nor auto";
+  const auto length = LengthArgument::parse(text);
+  return length && !length->is_zero() ? "" : "'" + text + "' is neither a length above 0 nor auto";
 }
 
 }  // namespace
@@ -23,13 +23,12 @@ std::string spacing_problem(const std::string& text) {
 void add_cap_verb(CommandLine& line) {
   const auto arguments = std::make_shared<CapArguments>();
   CLI::App* verb = line.add_verb("cap", "Close holes with good triangles, flat or following the surface", [arguments](Session& session) {
-    const double spacing = arguments->spacing == "auto" ? 0.0 : numbers_in(arguments->spacing)->front();
+    const LengthArgument spacing = arguments->spacing == "auto" ? LengthArgument() : *LengthArgument::parse(arguments->spacing);
     return run_closing(session, *arguments, arguments->is_curved ? HoleMethod::curved : HoleMethod::flat, spacing);
   });
   add_hole_arguments(verb, *arguments);
   verb->add_option("--spacing", arguments->spacing,
-                   "Distance between new nodes, in the units of the model; auto is the\n"
-                   "mean edge length of each hole")
+                   "Distance between new nodes; auto is the mean edge length of each hole")
       ->check(CLI::Validator(spacing_problem, ""))
       ->type_name("LENGTH|auto")
       ->capture_default_str();

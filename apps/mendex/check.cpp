@@ -4,6 +4,7 @@
 #include "check_report.h"
 #include "command_line.h"
 #include "each_file.h"
+#include "length_argument.h"
 #include "mesh_check.h"
 #include "verbs.h"
 
@@ -12,15 +13,17 @@ namespace {
 struct CheckArguments {
   std::vector<std::string> files;
   CheckLimits limits;
+  LengthArgument small = CheckLimits().small;
   std::string up;
   std::string weld;
   bool is_json = false;
 };
 
-std::string weld_problem(const std::string& text) { return text == "none" ? "" : tolerance_problem(text); }
+std::string weld_problem(const std::string& text) { return text == "none" ? "" : LengthArgument::problem(text); }
 
-CheckLimits limits_of(const CheckArguments& arguments) {
+CheckLimits limits_of(const CheckArguments& arguments, const trTriBlock& mesh) {
   CheckLimits limits = arguments.limits;
+  limits.small = arguments.small.resolve(mesh);
   if (!arguments.up.empty()) {
     const std::vector<double> up = *numbers_in(arguments.up);
     limits.up = giUnitVec3(giVector3(up[0], up[1], up[2]));
@@ -28,16 +31,16 @@ CheckLimits limits_of(const CheckArguments& arguments) {
   if (arguments.weld == "none") {
     limits.weld.reset();
   } else if (!arguments.weld.empty()) {
-    limits.weld = numbers_in(arguments.weld)->front();
+    limits.weld = LengthArgument::parse(arguments.weld)->resolve(mesh);
   }
   return limits;
 }
 
 // A file that fails is reported and the others go on.
 ExitCode run_check(Session& session, const CheckArguments& arguments) {
-  const CheckLimits limits = limits_of(arguments);
   return report_on_each_file(session, arguments.files, arguments.is_json, [&](const std::string& file) -> FileReport {
     const ReadOutcome read = read_mesh(session, file);
+    const CheckLimits limits = limits_of(arguments, session.mesh);
     const MeshCheck check = check_mesh(session, limits);
     const std::string text = arguments.is_json ? json_of_check(session, file, read, limits, check) + "\n"
                                                : text_of_check(session, file, read, limits, check);
@@ -57,8 +60,7 @@ void add_check_verb(CommandLine& line) {
   verb->add_flag("--json", arguments->is_json,
                  "One JSON object a file, each on one line: counts, and numbers and places of all that was found");
   add_limit(verb, "--thin", limits.thin, "RATIO", "Triangles are thin below this ratio of height to longest edge");
-  add_limit(verb, "--small", limits.small, "LENGTH",
-            "Triangles are small below this height over their longest edge,\nin the units of the model");
+  add_length(verb, "--small", arguments->small, "Triangles are small below this height over their longest edge")->default_str("0.0001");
   add_limit(verb, "--overlap", limits.overlap_deg, "DEG",
             "Neighbours overlap when the angle between them, 180 degrees\nwhere they are flat, is below this");
   verb->add_option("--up", arguments->up, "Triangles that face away from this direction overhang; they are no defect")

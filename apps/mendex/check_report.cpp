@@ -91,6 +91,10 @@ std::string volumes_of(const std::vector<Shell>& shells) {
 
 long long size(const std::vector<int>& list) { return static_cast<long long>(list.size()); }
 
+std::string copies_merged(double tolerance, int count) {
+  return formatted("%d copies merged", count) + (tolerance == exact_copies ? "" : formatted(", up to %.6g apart", tolerance));
+}
+
 }  // namespace
 
 std::string text_of_check(const Session& session, const std::string& file, const ReadOutcome& read, const CheckLimits& limits,
@@ -98,7 +102,7 @@ std::string text_of_check(const Session& session, const std::string& file, const
   const trTriBlock& mesh = session.mesh;
   Table table(printable(file) + ": " + name_of(read.format) + (read.is_complete ? "\n" : ", damaged\n"));
   table.fact("triangles", check.mesh.elements, formatted("area %.7g, volume %.7g", check.mesh.area, check.mesh.volume));
-  table.fact("nodes", check.mesh.nodes, limits.weld ? formatted("%d copies merged", check.nodes_merged) : "not merged");
+  table.fact("nodes", check.mesh.nodes, limits.weld ? copies_merged(*limits.weld, check.nodes_merged) : "not merged");
   table.fact("shells", static_cast<long long>(check.shells.size()));
   table.fact("closed shells", check.closed_shells(), volumes_of(check.shells));
   table.defect("boundaries", static_cast<long long>(check.boundaries.size()), boundary_note(check));

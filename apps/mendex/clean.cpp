@@ -13,8 +13,9 @@ struct CleanArguments : EditArguments {
   bool keeps_fins = false;
   bool deletes_sick = false;
   bool keeps_two = false;
-  double small = -1.0;  // below 0: they stay
-  double thin = -1.0;
+  LengthArgument small;
+  CLI::Option* small_given = nullptr;
+  double thin = -1.0;  // below 0: they stay
 };
 
 // Does what is asked for, one thing after the other, and notes how many triangles each took.
@@ -23,18 +24,19 @@ class Cleaner {
   explicit Cleaner(trControl& control) : control_(control), mesh_(control.triblock()) {}
 
   template <class Work>
-  void step(bool is_wanted, const char* what, Work work) {
+  void step(bool is_wanted, const char* what, Work work, std::optional<double> limit = {}) {
     if (!is_wanted || tr_interrupt()) return;
     const int before = mesh_.valid_elements();
     work();
-    results_.push_back({std::string(what) + " deleted", before - mesh_.valid_elements()});
+    results_.push_back({std::string(what) + " deleted", before - mesh_.valid_elements(), limit});
   }
 
   std::vector<EditResult> clean(const CleanArguments& wanted) {
     step(!wanted.keeps_cancelling, "cancelling triangles", [&] { mesh_.cancelling(1); });
     step(!wanted.keeps_repeated, "repeated triangles", [&] { mesh_.repeating(); });
-    step(wanted.small >= 0.0, "small triangles", [&] { control_.action_height(wanted.small); });
-    step(wanted.thin >= 0.0, "thin triangles", [&] { control_.action_aspect(wanted.thin); });
+    const double small = wanted.small.resolve(mesh_);
+    step(wanted.small_given->count() > 0, "small triangles", [&] { control_.action_height(small); }, small);
+    step(wanted.thin >= 0.0, "thin triangles", [&] { control_.action_aspect(wanted.thin); }, wanted.thin);
     step(!wanted.keeps_fins, "triangles of fins", [&] { mesh_.cure_sick_fins(); });
     step(wanted.deletes_sick || wanted.keeps_two, "sick triangles", [&] { control_.action_cure(wanted.deletes_sick ? 0 : 1); });
     return std::move(results_);
@@ -57,9 +59,8 @@ void add_clean_verb(CommandLine& line) {
   verb->add_flag("--keep-cancelling", arguments->keeps_cancelling, "Leave triangles that lie back to back with another");
   verb->add_flag("--keep-repeated", arguments->keeps_repeated, "Leave copies of triangles");
   verb->add_flag("--keep-fins", arguments->keeps_fins, "Leave loose flaps on edges of more than two triangles");
-  verb->add_option("--small", arguments->small, "Delete triangles of less than this height over their longest edge too")
-      ->check(CLI::Validator(tolerance_problem, ""))
-      ->type_name("LENGTH");
+  arguments->small_given =
+      add_length(verb, "--small", arguments->small, "Delete triangles of less than this height over their longest edge too");
   verb->add_option("--thin", arguments->thin, "Delete triangles below this ratio of height to longest edge too")
       ->check(CLI::Validator(tolerance_problem, ""))
       ->type_name("RATIO");

@@ -3,12 +3,16 @@
 #include <cstdio>
 #include <utility>
 
+#include "memory_limit.h"
 #include "mesh_format.h"
 
 namespace {
 
+constexpr const char* lengths_help =
+    "Lengths: 0.01 in the units of the model, 1e-5d of the diagonal of its bounding box, 0.2e of its median edge.\n";
+
 constexpr const char* exit_codes_help =
-    "Exit codes: 0 done, 1 defects found (check) or holes left (cap, fill), 2 wrong usage, 3 cannot read, 4 cannot write, 6 interrupted (of several files the highest).\n"
+    "Exit codes: 0 done, 1 defects found (check) or holes left (cap, fill), 2 wrong usage, 3 cannot read, 4 cannot write,\n5 a limit of change passed, 6 interrupted or timed out, 7 out of memory (of several files the highest).\n"
     "Results go to standard output; warnings, errors and the progress bar go to standard error.";
 
 }  // namespace
@@ -20,7 +24,10 @@ CommandLine::CommandLine()
   app_.set_version_flag("--version", std::string("mendex ") + MENDEX_VERSION);
   app_.add_flag("-q,--quiet", is_quiet_, "No progress bar and no summary; warnings and errors remain");
   app_.add_flag("-v,--verbose", is_verbose_, "Show on standard error all that the library has to say");
-  app_.footer(std::string("Files: told by their content; written as their name says: ") + writable_extensions() + ".\n" + exit_codes_help +
+  app_.add_option("--max-memory", max_memory_, "End with code 7 rather than take more memory than this, such as 500M or 4G; of\nseveral files for each")
+      ->check(CLI::Validator(MemoryLimit::problem, ""))
+      ->type_name("SIZE");
+  app_.footer(std::string("Files: told by their content; written as their name says: ") + writable_extensions() + ".\n" + lengths_help + exit_codes_help +
               "\n\nFor example:\n  mendex check part.stl\n  mendex weld part.stl -o fixed.stl --tol 0.001\n"
               "  mendex convert part.stl part.ast");
 }
@@ -45,6 +52,7 @@ ExitCode CommandLine::explain(const CLI::ParseError& error) {
 ExitCode CommandLine::run(Session& session) const {
   session.is_quiet = is_quiet_;
   if (is_quiet_) session.progress.silence();
+  if (!max_memory_.empty()) MemoryLimit::set(*MemoryLimit::bytes_in(max_memory_));
   if (is_verbose_) session.messages.set_verbose();
   for (const Verb& verb : verbs_) {
     if (verb.app->parsed()) return verb.run(session);

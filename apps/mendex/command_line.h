@@ -41,5 +41,6 @@ class CommandLine {
   CLI::App app_;
   bool is_quiet_ = false;
   bool is_verbose_ = false;
+  std::string max_memory_;
   std::vector<Verb> verbs_;
 };

@@ -22,6 +22,7 @@ struct MeshState {
 struct EditAccount {
   ReadOutcome read;
   MeshFormat written;
+  double tolerance = exact_copies;  // as used
   MeshState before;
   MeshState after;
   std::vector<EditResult> results;
@@ -32,7 +33,7 @@ MeshState state_of(Session& session, const EditArguments& arguments) {
   MeshState state;
   state.triangles = session.mesh.valid_elements();
   state.nodes = session.mesh.valid_nodes();
-  if (arguments.tolerance < 0.0) return state;
+  if (!arguments.tolerance) return state;
   state.boundaries = cycles.num_boundaries();
   state.free_edges = cycles.num_edges();
   Interruption::check();
@@ -49,7 +50,10 @@ std::string text_of(const EditArguments& arguments, const EditAccount& account) 
     row("boundaries", account.before.boundaries, account.after.boundaries);
     row("free edges", account.before.free_edges, account.after.free_edges);
   }
-  for (const EditResult& result : account.results) text += formatted("  %lld %s\n", result.count, result.what.c_str());
+  if (account.tolerance != exact_copies) text += formatted("  merged up to %.6g apart\n", account.tolerance);
+  for (const EditResult& result : account.results) {
+    text += formatted("  %lld %s", result.count, result.what.c_str()) + (result.limit ? formatted(", below %.6g\n", *result.limit) : "\n");
+  }
   return text + printable(arguments.output) + ": " + name_of(account.written) + ", written\n";
 }
 
@@ -60,11 +64,15 @@ Json json_of(const MeshState& state) {
 
 std::string json_of(const Session& session, const EditArguments& arguments, const EditAccount& account) {
   Json done = Json::array();
-  for (const EditResult& result : account.results) done.push_back({{"what", result.what}, {"count", result.count}});
+  for (const EditResult& result : account.results) {
+    done.push_back({{"what", result.what}, {"count", result.count}});
+    if (result.limit) done.back()["limit"] = number(*result.limit);
+  }
   return line_of({{"file", arguments.input},
                   {"format", name_of(account.read.format)},
                   {"output", arguments.output},
                   {"output_format", name_of(account.written)},
+                  {"weld", arguments.tolerance ? number(account.tolerance) : Json(nullptr)},
                   {"before", json_of(account.before)},
                   {"after", json_of(account.after)},
                   {"done", done},
@@ -79,9 +87,7 @@ void add_edit_arguments(CLI::App* verb, EditArguments& arguments, bool welds) {
   add_output(verb, arguments.output);
   if (welds) {
     arguments.tolerance = exact_copies;
-    verb->add_option("--weld", arguments.tolerance, "Merge nodes up to this far apart first; without it only exact copies")
-        ->check(CLI::Validator(tolerance_problem, ""))
-        ->type_name("LENGTH");
+    add_length(verb, "--weld", *arguments.tolerance, "Merge nodes up to this far apart first; without it only exact copies");
   }
   verb->add_flag("--json", arguments.is_json, "Print one JSON object with what was done");
 }
@@ -89,10 +95,11 @@ void add_edit_arguments(CLI::App* verb, EditArguments& arguments, bool welds) {
 ExitCode run_edit(Session& session, const EditArguments& arguments, const std::string& name,
                   const std::function<std::vector<EditResult>(trControl&)>& edit) {
   const MeshFormat format = output_format(arguments.output);
-  EditAccount account{read_mesh(session, arguments.input), format, {}, {}, {}};
-  if (arguments.tolerance >= 0.0) {
+  EditAccount account{read_mesh(session, arguments.input), format, exact_copies, {}, {}, {}};
+  if (arguments.tolerance) {
     session.progress.begin("merging " + arguments.input);
-    session.mesh.unduplicate_nodes(arguments.tolerance);
+    account.tolerance = arguments.tolerance->resolve(session.mesh);
+    session.mesh.unduplicate_nodes(account.tolerance);
     Interruption::check();
   }
   session.progress.begin("measuring " + arguments.input);

@@ -3,24 +3,27 @@
 #include <CLI/CLI.hpp>
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "failure.h"
+#include "length_argument.h"
 #include "session.h"
 
 /// What every verb takes that changes a mesh: a file, where the result goes, how it is told.
 struct EditArguments {
   std::string input;
   std::string output;
-  double tolerance = -1.0;  // nodes up to this far apart are merged before; below 0: none are
+  std::optional<LengthArgument> tolerance;  // nodes up to this far apart are merged before
   bool is_json = false;
 };
 
-/// One thing that an edit did, for its report: "triangles turned over", 12.
+/// One thing that an edit did, for its report: "triangles turned over", 12. Beside it the length or ratio that ruled it, if any.
 struct EditResult {
   std::string what;
   long long count = 0;
+  std::optional<double> limit = {};
 };
 
 /// Adds the options for these. With `welds` nodes are merged first, by default exact copies; there is an option for more.

@@ -51,23 +51,22 @@ void add_hole_arguments(CLI::App* verb, HoleArguments& arguments) {
                    "one, or the one with the third node; mendex check --json lists nodes")
       ->check(CLI::Validator(between_problem, ""))
       ->type_name("N1,N2[,N3]");
-  verb->add_option("--weld", arguments.tolerance, "Merge nodes up to this far apart first; without it only exact copies")
-      ->check(CLI::Validator(tolerance_problem, ""))
-      ->type_name("LENGTH");
+  add_length(verb, "--weld", arguments.tolerance, "Merge nodes up to this far apart first; without it only exact copies");
   verb->add_flag("--json", arguments.is_json, "Print one JSON object with what became of each hole");
 }
 
-ExitCode run_closing(Session& session, const HoleArguments& arguments, HoleMethod method, double spacing) {
+ExitCode run_closing(Session& session, const HoleArguments& arguments, HoleMethod method, const LengthArgument& spacing) {
   const MeshFormat format = output_format(arguments.output);
   const ReadOutcome read = read_mesh(session, arguments.input);
   session.progress.begin("merging " + arguments.input);
-  session.mesh.unduplicate_nodes(arguments.tolerance);
+  const double tolerance = arguments.tolerance.resolve(session.mesh);
+  session.mesh.unduplicate_nodes(tolerance);
   Interruption::check();
   session.progress.begin("closing holes of " + arguments.input);
-  const ClosedHoles holes = close_holes(session.control, arguments.choice(), method, spacing);
+  const ClosedHoles holes = close_holes(session.control, arguments.choice(), method, spacing.resolve(session.mesh));
   write_mesh(session, {arguments.output, format, false, arguments.input});
   session.progress.erase();
-  const HoleAccount account{arguments.input, arguments.output, read, format, method, holes};
+  const HoleAccount account{arguments.input, arguments.output, read, format, method, tolerance, holes};
   if (arguments.is_json) {
     std::printf("%s\n", json_of_closing(session, account).c_str());
   } else if (!session.is_quiet) {

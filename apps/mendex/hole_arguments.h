@@ -6,6 +6,7 @@
 
 #include "failure.h"
 #include "holes.h"
+#include "length_argument.h"
 #include "report.h"
 
 /// What `fill` and `cap` take: a file, which of its holes, where the result goes.
@@ -15,7 +16,7 @@ struct HoleArguments {
   std::string numbers;  // as given: 1,2,5
   int most_edges = 0;
   std::string between;
-  double tolerance = exact_copies;  // nodes up to this far apart are merged first
+  LengthArgument tolerance = exact_copies;  // nodes up to this far apart are merged first
   bool is_json = false;
 
   HoleChoice choice() const;
@@ -24,5 +25,5 @@ struct HoleArguments {
 /// Adds the options for these to a verb.
 void add_hole_arguments(CLI::App* verb, HoleArguments& arguments);
 
-/// Reads, merges, closes, writes and reports.
-ExitCode run_closing(Session& session, const HoleArguments& arguments, HoleMethod method, double spacing);
+/// Reads, merges, closes, writes and reports. A spacing of 0 is each hole's own.
+ExitCode run_closing(Session& session, const HoleArguments& arguments, HoleMethod method, const LengthArgument& spacing);

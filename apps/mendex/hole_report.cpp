@@ -10,15 +10,6 @@ namespace {
 
 const char* verb_of(HoleMethod method) { return method == HoleMethod::fan ? "filled" : "capped"; }
 
-const char* name_of(HoleMethod method) {
-  switch (method) {
-    case HoleMethod::fan: return "fan";
-    case HoleMethod::flat: return "flat";
-    case HoleMethod::curved: return "curved";
-  }
-  return "";
-}
-
 std::string line_of_hole(const HoleAccount& account, const HoleOutcome& outcome) {
   std::string line = formatted("  %6d %8d %10d %8d  ", outcome.hole.number, outcome.hole.edges(), outcome.triangles, outcome.nodes);
   if (!outcome.refused.empty()) return line + "refused: " + outcome.refused + "\n";
@@ -49,6 +40,7 @@ std::string text_of_closing(const HoleAccount& account) {
     triangles += outcome.triangles;
     nodes += outcome.nodes;
   }
+  if (account.tolerance != exact_copies) text += formatted("  merged up to %.6g apart\n", account.tolerance);
   if (!holes.outcomes.empty()) text += table_of_holes(account);
   text += formatted("  %d of %s %s, %s and %s added", holes.closed(),
                     counted(static_cast<long long>(holes.outcomes.size()), "hole", "holes").c_str(), verb_of(account.method),
@@ -79,6 +71,7 @@ std::string json_of_closing(const Session& session, const HoleAccount& account) 
                   {"output", account.output},
                   {"output_format", name_of(account.written)},
                   {"method", name_of(account.method)},
+                  {"weld", number(account.tolerance)},
                   {"holes", list},
                   {"closed", account.holes.closed()},
                   {"refused", account.holes.refused()},

@@ -12,6 +12,7 @@ struct HoleAccount {
   ReadOutcome read;
   MeshFormat written;
   HoleMethod method;
+  double tolerance;  // with which nodes were merged first
   ClosedHoles holes;
 };
 

@@ -153,6 +153,15 @@ class HoleCloser {
 
 }  // namespace
 
+const char* name_of(HoleMethod method) {
+  switch (method) {
+    case HoleMethod::fan: return "fan";
+    case HoleMethod::flat: return "flat";
+    case HoleMethod::curved: return "curved";
+  }
+  return "";
+}
+
 const char* reason_of(at2PlaneError error) {
   switch (error) {
     case at2_success: return "no plane, or no surface, can be fitted to it";

@@ -32,6 +32,9 @@ enum class HoleMethod {
   curved  // the same on a surface fitted to the mesh round the hole
 };
 
+/// In a word: "fan", "flat", "curved".
+const char* name_of(HoleMethod method);
+
 /// What became of one boundary.
 struct HoleOutcome {
   FoundBoundary hole;

@@ -2,8 +2,11 @@
 
 #include <limits.h>
 #include <signal.h>
+#include <sys/time.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstring>
 
 #include "failure.h"
@@ -18,12 +21,18 @@ std::atomic<bool> has_unfinished_file{false};
 std::atomic<int> Interruption::signals_{0};
 std::atomic<bool> Interruption::is_final_{false};
 std::atomic<bool> Interruption::bears_repetition_{false};
+std::atomic<bool> Interruption::is_out_of_time_{false};
 
 void Interruption::on_signal(int number) {
   if (number != SIGINT) is_final_ = true;
+  if (signals_.load() == 0 && number == SIGALRM) is_out_of_time_ = true;
   if (signals_.fetch_add(1) == 0 || (bears_repetition_ && number == SIGINT)) return;
-  if (has_unfinished_file) unlink(unfinished_file);
+  remove_unfinished_file();
   _exit(static_cast<int>(ExitCode::interrupted));
+}
+
+void Interruption::remove_unfinished_file() {
+  if (has_unfinished_file) unlink(unfinished_file);
 }
 
 void Interruption::install() {
@@ -38,8 +47,21 @@ void Interruption::install() {
   signal(SIGXFSZ, SIG_IGN);
 }
 
+void Interruption::set_timeout(double seconds) {
+  constexpr double longest = 1e8;
+  struct sigaction action = {};
+  action.sa_handler = on_signal;
+  sigaction(SIGALRM, &action, nullptr);
+  const double first = std::min(seconds, longest);
+  itimerval timer = {};
+  timer.it_interval.tv_sec = 2;
+  timer.it_value.tv_sec = static_cast<time_t>(first);
+  timer.it_value.tv_usec = std::max<suseconds_t>(1, static_cast<suseconds_t>((first - std::floor(first)) * 1e6));
+  setitimer(ITIMER_REAL, &timer, nullptr);
+}
+
 void Interruption::check() {
-  if (requested()) throw Failure::interrupted();
+  if (requested()) throw Failure(ExitCode::interrupted, is_out_of_time_ ? "timed out" : "interrupted");
 }
 
 void Interruption::set_unfinished_file(const std::string& path) {

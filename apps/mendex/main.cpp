@@ -4,9 +4,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <exception>
+#include <new>
+#include <stdexcept>
 
 #include "command_line.h"
 #include "interruption.h"
+#include "memory_limit.h"
 #include "verbs.h"
 
 namespace {
@@ -14,6 +17,7 @@ namespace {
 void add_verbs(CommandLine& line) {
   add_info_verb(line);
   add_check_verb(line);
+  add_repair_verb(line);
   add_weld_verb(line);
   add_stitch_verb(line);
   add_fill_verb(line);
@@ -63,9 +67,14 @@ ExitCode after_flushing(ExitCode code, Session& session) {
 int main(int argc, char** argv) {
   Interruption::install();
   static Session& session = *new Session;
+  MemoryLimit::install([] { session.messages.error(MemoryLimit::account()); });
   ExitCode code = ExitCode::cannot_read;
   try {
     code = run(argc, argv, session);
+  } catch (const std::bad_alloc&) {
+    MemoryLimit::end_program();
+  } catch (const std::length_error&) {
+    MemoryLimit::end_program();
   } catch (const std::exception& error) {
     session.messages.error(error.what());
   }

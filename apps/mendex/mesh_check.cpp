@@ -141,7 +141,7 @@ class Checker {
 
   void find_shells_of_mesh() {
     check_.shells = find_shells(mesh_);
-    check_.inside_out = count_inside_out(check_.shells);
+    check_.inside_out = static_cast<int>(inside_out_shells(check_.shells).size());
   }
 
   Session& session_;

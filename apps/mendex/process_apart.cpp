@@ -19,6 +19,7 @@
 
 #include "failure.h"
 #include "interruption.h"
+#include "memory_limit.h"
 
 namespace {
 
@@ -95,17 +96,8 @@ std::string read_all(int file) {
 void set_limit(int resource, rlim_t soft, rlim_t hard) {
   struct rlimit old = {};
   getrlimit(static_cast<__rlimit_resource_t>(resource), &old);
-  const struct rlimit fresh = {std::min(soft, old.rlim_max), std::min(hard, old.rlim_max)};
+  const struct rlimit fresh = {std::min(soft, old.rlim_cur), std::min(hard, old.rlim_max)};
   setrlimit(static_cast<__rlimit_resource_t>(resource), &fresh);
-}
-
-std::uint64_t address_space() {
-  unsigned long pages = 0;
-  std::FILE* const file = std::fopen("/proc/self/statm", "re");
-  if (file == nullptr) return 0;
-  if (std::fscanf(file, "%lu", &pages) != 1) pages = 0;
-  std::fclose(file);
-  return std::uint64_t{pages} * static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
 }
 
 void apply(const WorkLimits& limits) {
@@ -113,7 +105,7 @@ void apply(const WorkLimits& limits) {
   const auto seconds = static_cast<rlim_t>(limits.seconds);
   set_limit(RLIMIT_CPU, seconds, seconds + 1);
 #ifndef __SANITIZE_ADDRESS__  // whose shadow memory alone is beyond any limit
-  const rlim_t bytes = address_space() + limits.bytes;
+  const rlim_t bytes = MemoryLimit::in_use() + limits.bytes;
   set_limit(RLIMIT_AS, bytes, bytes);
 #endif
 }
@@ -127,6 +119,7 @@ void apply(const WorkLimits& limits) {
     dup2(nowhere, STDERR_FILENO);
   }
   apply(limits);
+  std::set_new_handler(nullptr);
   int code = work_failed;
   try {
     code = write_all(result, work()) ? work_done : work_without_memory;

@@ -76,6 +76,7 @@ std::string text_of_weld(const WeldAccount& account) {
   append(text, "  %-10s %12d %12d\n", "triangles", account.before.elements, account.after.elements);
   append(text, "  %d nodes merged, %d collapsed triangles deleted\n", account.merged_nodes(),
          account.deleted_elements());
+  if (account.tolerance != exact_copies) append(text, "  tolerance %.6g\n", account.tolerance);
   if (account.merged_nodes() == 0 && account.tolerance == exact_copies && account.before.elements > 1) {
     text += "  no node has an exact copy; --tol merges nodes that lie near each other\n";
   }

@@ -47,13 +47,15 @@ mode_t permissions_of_new_files() {
 
 }  // namespace
 
+std::string SafeOutput::temporary_name_of(pid_t process) { return ".mendex-" + std::to_string(process) + "-"; }
+
 SafeOutput::SafeOutput(const std::string& path) : target_(follow_links(path)), folder_(folder_of(target_)) {
   struct stat status = {};
   replaces_ = stat(target_.c_str(), &status) == 0;
   if (replaces_ && S_ISDIR(status.st_mode)) fail(EISDIR);
   if (replaces_ && !S_ISREG(status.st_mode)) fail("it is not a regular file");
   if (replaces_ && access(target_.c_str(), W_OK) != 0) fail(errno);
-  std::string name = folder_ + ".mendex-XXXXXX";
+  std::string name = folder_ + temporary_name_of(getpid()) + "XXXXXX";
   file_ = mkostemp(&name[0], O_CLOEXEC);
   if (file_ < 0) fail(errno);
   temporary_ = name;

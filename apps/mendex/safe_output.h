@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <cstdio>
 #include <string>
 
@@ -15,6 +17,9 @@ class SafeOutput {
   SafeOutput(const SafeOutput&) = delete;
   SafeOutput& operator=(const SafeOutput&) = delete;
   ~SafeOutput();
+
+  /// How the names of temporary files of a process begin, so that those of a killed one can be told.
+  static std::string temporary_name_of(pid_t process);
 
   /// A stream into the temporary file, to be called once. Whoever takes it closes it, before this object ends.
   FILE* stream();

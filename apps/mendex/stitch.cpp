@@ -1,6 +1,4 @@
 #include <cstdio>
-#include <charconv>
-#include <cmath>
 #include <memory>
 #include <optional>
 
@@ -8,19 +6,30 @@
 #include "command_line.h"
 #include "interruption.h"
 #include "json_values.h"
+#include "length_argument.h"
 #include "mesh_writer.h"
 #include "text.h"
 #include "verbs.h"
 
 namespace {
 
-// A tolerance, or a ladder of them.
+// A tolerance, or a ladder of them, as it was given.
+struct LadderArgument {
+  LengthArgument start;
+  LengthArgument finish;
+  std::optional<LengthArgument> step;  // none: there is only one tolerance
+
+  bool has_shares() const { return start.is_relative() || finish.is_relative() || (step && step->is_relative()); }
+};
+
+// The same in the units of the model.
 struct Ladder {
   double start = 0.0;
   double finish = 0.0;
   double step = 0.0;  // 0: there is only one
 
   bool is_one() const { return step == 0.0; }
+  bool is_climbing() const { return finish >= start && step > 0.0 && (finish - start) / step <= 1e4; }
 };
 
 struct StitchArguments {
@@ -43,33 +52,41 @@ struct BoundaryState {
   int nodes = 0;
 };
 
-// "0.01", "0.001..0.1/0.01"
-std::optional<Ladder> ladder_in(const std::string& text) {
-  Ladder ladder;
-  const char* at = text.data();
-  const char* const end = at + text.size();
-  const auto take = [&](double& value) {
-    const std::from_chars_result result = std::from_chars(at, end, value);
-    at = result.ptr;
-    return result.ec == std::errc() && std::isfinite(value) && value >= 0.0;
-  };
+constexpr const char* ladder_form = "a ladder such as 0.001..0.1/0.01, of at most 10,000 steps";
+
+// "0.01", "0.001..0.1/0.01", "1e-5d..0.2e/0.02e"
+std::optional<LadderArgument> ladder_in(const std::string& text) {
   const std::size_t dots = text.find("..");
   if (dots == std::string::npos) {
-    if (!take(ladder.start) || at != end) return std::nullopt;
-    ladder.finish = ladder.start;
-    return ladder;
+    const auto only = LengthArgument::parse(text);
+    return only ? std::optional<LadderArgument>({*only, *only, {}}) : std::nullopt;
   }
-  const std::optional<std::vector<double>> start = numbers_in(text.substr(0, dots));
-  if (!start || start->size() != 1 || start->front() < 0.0) return std::nullopt;
-  ladder.start = start->front();
-  at = text.data() + dots + 2;
-  if (!take(ladder.finish) || at == end || *at++ != '/' || !take(ladder.step) || at != end) return std::nullopt;
-  const bool is_climbing = ladder.finish >= ladder.start && ladder.step > 0.0 && (ladder.finish - ladder.start) / ladder.step <= 1e4;
-  return is_climbing ? std::optional<Ladder>(ladder) : std::nullopt;
+  const std::size_t slash = text.find('/', dots);
+  if (slash == std::string::npos) return std::nullopt;
+  const auto start = LengthArgument::parse(text.substr(0, dots));
+  const auto finish = LengthArgument::parse(text.substr(dots + 2, slash - dots - 2));
+  const auto step = LengthArgument::parse(text.substr(slash + 1));
+  return start && finish && step ? std::optional<LadderArgument>({*start, *finish, *step}) : std::nullopt;
 }
 
+Ladder resolved(const LadderArgument& given, const trTriBlock& mesh) {
+  return {given.start.resolve(mesh), given.finish.resolve(mesh), given.step ? given.step->resolve(mesh) : 0.0};
+}
+
+// Of shares only the model tells whether they climb.
 std::string ladder_problem(const std::string& text) {
-  return ladder_in(text) ? "" : "'" + text + "' is neither a length from 0 up nor a ladder such as 0.001..0.1/0.01, of at most 10,000 steps";
+  const auto given = ladder_in(text);
+  const bool is_good = given && (!given->step || given->has_shares() || resolved(*given, trTriBlock()).is_climbing());
+  return is_good ? "" : "'" + text + "' is neither a length from 0 up nor " + ladder_form;
+}
+
+Ladder ladder_for(const trTriBlock& mesh, const std::string& text) {
+  const LadderArgument given = *ladder_in(text);
+  const Ladder ladder = resolved(given, mesh);
+  if (given.step && !ladder.is_climbing()) {
+    throw Failure(ExitCode::wrong_usage, formatted("%s is %.6g..%.6g/%.6g for this model, which is not ", text.c_str(), ladder.start, ladder.finish, ladder.step) + ladder_form);
+  }
+  return ladder;
 }
 
 BoundaryState state_of(Session& session) {
@@ -80,13 +97,16 @@ BoundaryState state_of(Session& session) {
   return state;
 }
 
-void stitch(trControl& control, const StitchArguments& arguments) {
-  const Ladder ladder = *ladder_in(arguments.tolerance);
+void stitch(trControl& control, const StitchArguments& arguments, const Ladder& ladder) {
   control.start_undo("stitch");
   control.action_auto_stitch(ladder.is_one() ? Repeat : Multi, ladder.start, ladder.finish, ladder.step, arguments.passes,
                              arguments.merges_first, arguments.orients, 0, arguments.target);
   if (arguments.makes_slivers && !tr_interrupt()) control.action_stitch(ladder.finish);
   control.finish_undo(1);
+}
+
+std::string text_of(const Ladder& ladder) {
+  return ladder.is_one() ? formatted("%.6g", ladder.start) : formatted("%.6g..%.6g/%.6g", ladder.start, ladder.finish, ladder.step);
 }
 
 std::string text_of(const StitchArguments& arguments, const ReadOutcome& read, const BoundaryState& before, const BoundaryState& after) {
@@ -106,12 +126,13 @@ Json json_of(const BoundaryState& state) {
 ExitCode run_stitch(Session& session, const StitchArguments& arguments) {
   const MeshFormat format = output_format(arguments.output);
   const ReadOutcome read = read_mesh(session, arguments.input);
+  const Ladder ladder = ladder_for(session.mesh, arguments.tolerance);
   session.progress.begin("merging " + arguments.input);
   session.mesh.unduplicate_nodes(exact_copies);
   Interruption::check();
   const BoundaryState before = state_of(session);
   session.progress.begin("stitching " + arguments.input);
-  stitch(session.control, arguments);
+  stitch(session.control, arguments, ladder);
   Interruption::check();
   const BoundaryState after = state_of(session);
   write_mesh(session, {arguments.output, format, false, arguments.input});
@@ -122,13 +143,14 @@ ExitCode run_stitch(Session& session, const StitchArguments& arguments) {
                                  {"output", arguments.output},
                                  {"output_format", name_of(format)},
                                  {"tolerance", arguments.tolerance},
+                                 {"tolerance_used", {{"from", ladder.start}, {"to", ladder.finish}, {"step", ladder.step}}},
                                  {"before", json_of(before)},
                                  {"after", json_of(after)},
                                  {"complete", read.is_complete},
                                  {"warnings", session.messages.warnings()}})
                             .c_str());
   } else if (!session.is_quiet) {
-    std::printf("%s%s: %s, written\n", text_of(arguments, read, before, after).c_str(), printable(arguments.output).c_str(), name_of(format));
+    std::printf("%s  tolerance %s\n%s: %s, written\n", text_of(arguments, read, before, after).c_str(), text_of(ladder).c_str(), printable(arguments.output).c_str(), name_of(format));
   }
   return ExitCode::done;
 }
@@ -142,8 +164,8 @@ void add_stitch_verb(CommandLine& line) {
   add_input(verb, arguments->input);
   add_output(verb, arguments->output);
   verb->add_option("--tol", arguments->tolerance,
-                   "How far apart boundaries may be, in the units of the model, or a ladder\n"
-                   "of such tolerances from A to B, climbed until no boundary is left")
+                   "How far apart boundaries may be, or a ladder of such tolerances from\n"
+                   "A to B, climbed until no boundary is left")
       ->required()
       ->check(CLI::Validator(ladder_problem, ""))
       ->type_name("LENGTH|A..B/STEP");

@@ -9,6 +9,7 @@ class CommandLine;
 // Each adds a verb of the program to its command line.
 void add_info_verb(CommandLine& line);     // statistics and mass properties
 void add_check_verb(CommandLine& line);    // what is wrong
+void add_repair_verb(CommandLine& line);   // all that follows, in order, with an account
 void add_weld_verb(CommandLine& line);     // read, merge, drop what collapses, write
 void add_stitch_verb(CommandLine& line);   // join boundaries
 void add_fill_verb(CommandLine& line);     // close holes by fans

@@ -4,6 +4,7 @@
 #include "arguments.h"
 #include "command_line.h"
 #include "interruption.h"
+#include "length_argument.h"
 #include "mesh_writer.h"
 #include "report.h"
 #include "verbs.h"
@@ -13,7 +14,7 @@ namespace {
 struct WeldOptions {
   std::string input;
   std::string output;
-  double tolerance = exact_copies;
+  LengthArgument tolerance = exact_copies;
   bool is_positive = false;
   bool is_json = false;
 };
@@ -31,12 +32,13 @@ ExitCode run_weld(Session& session, const WeldOptions& options) {
   const MeshStatistics before =
       options.is_json ? measure_mesh(session.mesh) : counts_only(count_fresh_mesh(session.mesh));
   session.progress.begin("merging " + options.input);
-  session.mesh.unduplicate_nodes(options.tolerance);
+  const double tolerance = options.tolerance.resolve(session.mesh);
+  session.mesh.unduplicate_nodes(tolerance);
   Interruption::check();
   session.progress.begin("measuring " + options.input);
   const MeshStatistics after = options.is_json ? measure_mesh(session.mesh) : counts_only(count_mesh(session.mesh));
   Interruption::check();
-  const WeldAccount account{options.input, options.output, read, format, options.tolerance, before, after};
+  const WeldAccount account{options.input, options.output, read, format, tolerance, before, after};
   write_mesh(session, {options.output, format, options.is_positive, options.input});
   session.progress.erase();
   if (options.is_json) {
@@ -55,11 +57,7 @@ void add_weld_verb(CommandLine& line) {
                                  [options](Session& session) { return run_weld(session, *options); });
   add_input(verb, options->input);
   add_output(verb, options->output);
-  verb->add_option("--tol", options->tolerance,
-                   "Merge nodes up to this far apart, in the units of the model.\n"
-                   "Without it only exact copies merge; 0 merges nothing")
-      ->check(CLI::Validator(tolerance_problem, ""))
-      ->type_name("LENGTH");
+  add_length(verb, "--tol", options->tolerance, "Merge nodes up to this far apart. Without it only exact copies merge;\n0 merges nothing");
   verb->add_flag("--positive", options->is_positive, "Move the model, by round amounts, to where no coordinate is negative");
   verb->add_flag("--json", options->is_json, "Print one JSON object with the statistics before and after");
   line.set_notes(verb,

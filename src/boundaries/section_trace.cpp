@@ -1,5 +1,6 @@
 // How the segments of a section are chained into polylines.
 
+#include <algorithm>
 #include <functional>
 #include <queue>
 #include <utility>
@@ -15,7 +16,27 @@ constexpr int no_out_edge = -2;
 // A candidate for the next polyline: the balance of a point when it was entered, and the lowest segment that started
 // there.
 using Start = std::pair<int, int>;
-using StartQueue = std::priority_queue<Start, std::vector<Start>, std::greater<Start>>;
+
+// The candidates, least first. Those that are there from the start are sorted once, which goes through memory in order as a heap would
+// not; only those that are entered later make a heap.
+class StartQueue {
+ public:
+  explicit StartQueue(std::vector<Start> first) : first_(std::move(first)) { std::sort(first_.begin(), first_.end()); }
+
+  bool empty() const { return next_ == first_.size() && later_.empty(); }
+  void enter(const Start& start) { later_.push(start); }
+  Start take() {
+    if (later_.empty() || (next_ < first_.size() && first_[next_] <= later_.top())) return first_[next_++];
+    const Start start = later_.top();
+    later_.pop();
+    return start;
+  }
+
+ private:
+  std::vector<Start> first_;
+  std::size_t next_ = 0;
+  std::priority_queue<Start, std::vector<Start>, std::greater<Start>> later_;
+};
 
 constexpr int point_page_shift = 12;
 constexpr int shortest_page_shift = 2;
@@ -82,19 +103,21 @@ void trSection::trace_boundaries() {
     ++balance.at(edge_end.at(e));
   }
   index_starts();
-  StartQueue queue;
-  const auto enter = [&](int p) {
+  std::vector<Start> first;
+  for (int p = 0; p < points.count(); ++p) {
     const int edge = lowest_edge_from(p);
-    if (edge != no_edge) queue.emplace(balance.at(p), edge);
-  };
-  for (int p = 0; p < points.count(); ++p) enter(p);
+    if (edge != no_edge) first.emplace_back(balance.at(p), edge);
+  }
+  StartQueue queue(std::move(first));
   while (!queue.empty()) {
-    const Start start = queue.top();
-    queue.pop();
+    const Start start = queue.take();
     if (edge_cancelled(start.second) || balance.at(edge_start.at(start.second)) != start.first) continue;
     trace_boundary(start.second, out_edge, balance);
     const trSectionBoundary& passed = *boundaries[boundaries.count() - 1];
-    for (int i = 0; i < passed.count(); ++i) enter(passed.at(i));
+    for (int i = 0; i < passed.count(); ++i) {
+      const int edge = lowest_edge_from(passed.at(i));
+      if (edge != no_edge) queue.enter({balance.at(passed.at(i)), edge});
+    }
   }
 }
 

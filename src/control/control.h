@@ -123,6 +123,8 @@ class MENDEX_EXPORT trControl {
   // --- repair: a negative tolerance is refused; none opens an undo bracket ------------------------------------------------------------
   /// Merges nodes within `tol`; see trTriBlock::unduplicate_nodes.
   void action_undup(double tol);
+  /// Merges boundary nodes within `tol`; see trCycleArray::unduplicate_nodes.
+  void action_bundup(double tol);
   void action_renumber();
   /// Up to `passes` passes of swapping edges of elements with an aspect below `tol`, until one finds nothing.
   void action_swap(double tol, int passes);

@@ -21,6 +21,10 @@ void trControl::action_undup(double tol) {
   if (check_tol(tol) && triblock_.unduplicate_nodes(tol)) triangle_update(1);
 }
 
+void trControl::action_bundup(double tol) {
+  if (check_tol(tol) && cycles_.unduplicate_nodes(tol)) triangle_update(1);
+}
+
 void trControl::action_renumber() {
   triblock_.renumber();
   triangle_update(0);

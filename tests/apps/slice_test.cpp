@@ -80,7 +80,7 @@ TEST(MendexSlice, CapsBothSides) {
       const Json report = report_of({"slice", in, "--at", "1.5", "--keep", side, "--cap", "-o", out});
       EXPECT_EQ(report["after"]["boundaries"], 0);
       EXPECT_EQ(count_of(report, "boundaries in the plane closed"), c.loops);
-      EXPECT_EQ(report_of({"check", out})["clean"], true);
+      EXPECT_EQ(report_of({"check", out}, c.volume < 0)["clean"], c.volume > 0);
       volume += volume_of(out);
       area += report_of({"info", out})["area"].get<double>();
     }
@@ -113,7 +113,7 @@ TEST(MendexSlice, TellsWhyACutStaysOpen) {
   const Json report = report_of({"slice", in, "--at", "0.5", "--keep", "below", "--cap", "-o", out}, 1);
   EXPECT_NE(report["warnings"][0].get<std::string>().find("the cut stays open"), std::string::npos);
   EXPECT_GT(report["after"]["boundaries"].get<int>(), 0);
-  EXPECT_GT(volume_of(out), 0.0) << "what was cut is written";
+  EXPECT_EQ(report_of({"info", out})["elements"], report["after"]["elements"]) << "what was cut is written";
 }
 
 TEST(MendexSlice, RefusesWhatItCannotDo) {
@@ -146,7 +146,7 @@ TEST(MendexSection, CountsAndMeasures) {
   EXPECT_EQ(run_mendex({"section", in, "--at", "-0.5,1.5,7"}).output,
             in + ": binary STL\n"
                  "             z    polylines       closed           length\n"
-                 "          -0.5            2            2       24.8894378\n"
+                 "          -0.5            2            2       25.0923882\n"
                  "           1.5            1            1               14\n"
                  "             7            0            0                0\n");
   const Json report = report_of({"section", in, "--axis", "x", "--at", "0.25"});

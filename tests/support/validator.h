@@ -13,7 +13,7 @@ struct Excuses {
 };
 
 /// Checks every invariant of a block against what its coordinates and elements say, using none of its derived state for
-/// that: slot 0 invalid; coordinates in their slots; deleted nodes at the origin with empty lists; no corner without a
+/// that: slot 0 invalid; coordinates in their slots; deleted nodes at the origin with empty lists (slot 0 may hold a host's first point); no corner without a
 /// valid node; the box holds every node; element lists hold every use of every element while they are current;
 /// half-edge lists hold exactly the surplus of each directed edge over its opposite while edges are built, and as many
 /// enter each node as leave it; counts.

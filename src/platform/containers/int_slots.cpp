@@ -5,6 +5,8 @@
 #include <cstring>
 #include <utility>
 
+#include "platform/containers/refused_memory.h"
+
 namespace {
 
 constexpr int max_log2 = 30;
@@ -58,7 +60,7 @@ void coIntSlots::release() noexcept {
 void coIntSlots::copy_table(const coIntSlots& other) noexcept {
   if (other.count_ == 0) return;
   keys_ = static_cast<int*>(std::malloc(table_bytes(other.log2_)));
-  if (keys_ == nullptr) return;
+  if (keys_ == nullptr) return report_refused_memory();
   log2_ = other.log2_;
   std::memcpy(keys_, other.keys_, table_bytes(log2_));
   count_ = other.count_;
@@ -126,7 +128,7 @@ void coIntSlots::rebuild() noexcept {
   const int log2 = wanted_log2();
   coIntSlots fresh(first_log2_, load_, payload_);
   fresh.keys_ = static_cast<int*>(std::malloc(table_bytes(log2)));
-  if (fresh.keys_ == nullptr) return;
+  if (fresh.keys_ == nullptr) return report_refused_memory();
   fresh.log2_ = static_cast<std::uint8_t>(log2);
   std::memset(fresh.states(), empty, static_cast<std::size_t>(fresh.size()));
   for (int k = next_used(0); k >= 0; k = next_used(k + 1)) {

@@ -7,6 +7,8 @@
 #include <new>
 #include <vector>
 
+#include "platform/containers/refused_memory.h"
+
 #if defined(__unix__)
 #include <sys/mman.h>
 #endif
@@ -130,6 +132,16 @@ void coPageHeap::release(void* page, std::size_t bytes, int ordinal) noexcept {
   }
 }
 
+namespace {
+
+void* plain_zeroed(std::size_t bytes) {
+  void* block = std::calloc(bytes, 1);
+  if (block == nullptr) report_refused_memory();
+  return block;
+}
+
+}  // namespace
+
 #if defined(__unix__) && !defined(MENDEX_PAGES_APART)
 
 namespace {
@@ -137,7 +149,10 @@ namespace {
 // Zeroed memory aligned to a slab, in whole slabs.
 void* map_aligned(std::size_t bytes, bool large_pages) {
   void* raw = mmap(nullptr, bytes + coPageHeap::slab_bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-  if (raw == MAP_FAILED) return nullptr;
+  if (raw == MAP_FAILED) {
+    report_refused_memory();
+    return nullptr;
+  }
   char* start = static_cast<char*>(raw);
   const std::size_t slab = coPageHeap::slab_bytes;
   const std::size_t before = (slab - reinterpret_cast<std::uintptr_t>(start) % slab) % slab;
@@ -164,7 +179,7 @@ void coPageHeap::release_slab(void* slab) noexcept {
 }
 
 void* coPageHeap::allocate_zeroed(std::size_t bytes) noexcept {
-  return bytes < coPageHeap::plain_bytes ? std::calloc(bytes, 1) : map_aligned(whole_slabs(bytes), true);
+  return bytes < coPageHeap::plain_bytes ? plain_zeroed(bytes) : map_aligned(whole_slabs(bytes), true);
 }
 
 void coPageHeap::release_zeroed(void* block, std::size_t bytes) noexcept {
@@ -177,9 +192,9 @@ void coPageHeap::release_zeroed(void* block, std::size_t bytes) noexcept {
 
 #else
 
-void* coPageHeap::allocate_slab(bool) noexcept { return std::calloc(1, slab_bytes); }
+void* coPageHeap::allocate_slab(bool) noexcept { return plain_zeroed(slab_bytes); }
 void coPageHeap::release_slab(void* slab) noexcept { std::free(slab); }
-void* coPageHeap::allocate_zeroed(std::size_t bytes) noexcept { return std::calloc(bytes, 1); }
+void* coPageHeap::allocate_zeroed(std::size_t bytes) noexcept { return plain_zeroed(bytes); }
 void coPageHeap::release_zeroed(void* block, std::size_t) noexcept { std::free(block); }
 
 #endif

@@ -1,0 +1,64 @@
+// What is still wrong after a repair.
+
+#include <map>
+
+#include "interruption.h"
+#include "repairer.h"
+
+namespace {
+
+constexpr std::size_t most_listed = 1000;
+
+class DefectList {
+ public:
+  explicit DefectList(RepairAccount& account) : account_(account) {}
+
+  void add(LeftDefect defect) {
+    ++account_.defect_count;
+    if (account_.defects.size() < most_listed) account_.defects.push_back(std::move(defect));
+  }
+
+ private:
+  RepairAccount& account_;
+};
+
+}  // namespace
+
+void Repairer::list_defects() {
+  DefectList list(account_);
+  const auto fate_of = [this](const FoundBoundary& rim) -> const HoleFate* {
+    for (const HoleFate& fate : account_.holes) {
+      if (fate.hole.nodes == rim.nodes) return &fate;
+    }
+    return nullptr;
+  };
+  if (state_.edges.open > 0 || state_.edges.opposed > 0) {
+    for (FoundBoundary& rim : find_boundaries(control_.cycles())) {
+      const HoleFate* const fate = fate_of(rim);
+      if (fate != nullptr && fate->kind == HoleFate::Kind::kept) continue;
+      list.add({"boundary", rim.nodes, rim.at, rim.length, fate == nullptr ? "" : fate->reason});
+    }
+    Interruption::check();
+  }
+  if (state_.edges.sick > 0) {
+    trEdgeConnectioncoPageArr edges;
+    mesh_.find_sick(edges, 0);
+    for (int k = 0; k < edges.count(); ++k) {
+      const giPoint3 &a = mesh_.point(edges[k].start_node()), &b = mesh_.point(edges[k].end_node());
+      intcoPageArr elements;
+      edges[k].triangles(elements);
+      list.add({"sick edge",
+                {edges[k].start_node(), edges[k].end_node()},
+                giPoint3(0.5 * a.x + 0.5 * b.x, 0.5 * a.y + 0.5 * b.y, 0.5 * a.z + 0.5 * b.z),
+                static_cast<double>(elements.count()),
+                "more than two triangles share it"});
+    }
+  }
+  if (state_.inside_out > 0) {
+    const ShellSurvey survey = survey_shells(mesh_);
+    for (const int k : inside_out_shells(survey.shells)) {
+      const Shell& shell = survey.shells[static_cast<std::size_t>(k)];
+      list.add({"inside-out shell", {shell.first_element}, shell.box.point_at(0.5, 0.5, 0.5), shell.volume, "it faces inward"});
+    }
+  }
+}
