@@ -2,7 +2,9 @@
 #include <memory>
 
 #include "arguments.h"
+#include "batch.h"
 #include "command_line.h"
+#include "interruption.h"
 #include "repair_file.h"
 #include "verbs.h"
 
@@ -13,6 +15,7 @@ constexpr const char* json_to_output = "-";
 
 struct RepairArguments {
   RepairRequest request;
+  BatchArguments batch;
   std::string tolerance;
   std::string spacing;
   std::string specks;
@@ -73,10 +76,12 @@ std::string spacing_problem(const std::string& text) {
 void set_steps(const RepairArguments& arguments, RepairSettings& settings) {
   if (!arguments.only.empty()) {
     settings.skips.fill(true);
-    for (const RepairStep step : *steps_in(arguments.only)) settings.skips[static_cast<std::size_t>(step)] = false;
+    const std::vector<RepairStep> wanted = *steps_in(arguments.only);
+    for (const RepairStep step : wanted) settings.skips[static_cast<std::size_t>(step)] = false;
   }
   if (arguments.skip.empty()) return;
-  for (const RepairStep step : *steps_in(arguments.skip)) settings.skips[static_cast<std::size_t>(step)] = true;
+  const std::vector<RepairStep> unwanted = *steps_in(arguments.skip);
+  for (const RepairStep step : unwanted) settings.skips[static_cast<std::size_t>(step)] = true;
 }
 
 RepairRequest request_of(const RepairArguments& arguments, bool has_json) {
@@ -131,17 +136,46 @@ void add_steps(CLI::App* verb, RepairArguments& arguments) {
   add_allowance(verb, "--drop-specks", arguments.specks, "Delete shells of less than this area; without it none is deleted");
 }
 
+// The command of a child that repairs one file of many as this one is called to.
+std::vector<std::string> command_of(const CLI::App& verb, const RepairRequest& request, const BatchJob& job) {
+  std::vector<std::string> words = own_command(verb, {"--json", "--output"});
+  words.emplace_back("--json");
+  if (!job.output.empty() && !request.is_in_place) words.push_back("--output=" + job.output);
+  words.insert(words.end(), {"--", job.input});
+  return words;
+}
+
+ExitCode repair_many(Session& session, const RepairArguments& arguments, const CLI::App& verb) {
+  const RepairRequest& request = arguments.request;
+  if (!request.output.empty()) throw Failure(ExitCode::wrong_usage, "--output is for one file; several take --out-dir or --suffix");
+  BatchPlan plan;
+  plan.is_json = verb.count("--json") > 0;
+  if (plan.is_json && arguments.json != json_to_output) throw Failure(ExitCode::wrong_usage, "--json=FILE is for one file; the reports on several go to standard output");
+  plan.command = [&](const BatchJob& job) { return command_of(verb, request, job); };
+  plan.writing = request.is_dry_run ? BatchWriting::nothing : (request.is_in_place ? BatchWriting::in_place : BatchWriting::new_files);
+  return run_batch(session, arguments.batch, plan);
+}
+
+ExitCode run_repair(Session& session, RepairArguments& arguments, const CLI::App& verb) {
+  if (arguments.batch.is_batch()) return repair_many(session, arguments, verb);
+  arguments.request.input = arguments.batch.files.inputs.front();
+  if (arguments.batch.timeout_seconds > 0.0) Interruption::set_timeout(arguments.batch.timeout_seconds);
+  return repair_file(session, request_of(arguments, verb.count("--json") > 0));
+}
+
 }  // namespace
 
 void add_repair_verb(CommandLine& line) {
   const auto arguments = std::make_shared<RepairArguments>();
   const auto verb_of_line = std::make_shared<CLI::App*>(nullptr);
   CLI::App* verb = line.add_verb("repair", "Make a broken mesh sound, and tell what was done", [arguments, verb_of_line](Session& session) {
-    return repair_file(session, request_of(*arguments, (*verb_of_line)->count("--json") > 0));
+    return run_repair(session, *arguments, **verb_of_line);
   });
   *verb_of_line = verb;
   RepairRequest& request = arguments->request;
-  add_input(verb, request.input);
+  verb->add_option("IN", arguments->batch.files.inputs, "File to repair; or many, folders of them, and @ before the name of a list of them")
+      ->required()
+      ->type_name("PATH");
   CLI::Option* output = verb->add_option("-o,--output", request.output, "File to be written")->type_name("PATH");
   CLI::Option* in_place = verb->add_flag("-i,--in-place", request.is_in_place, "Replace the input; its old contents stay as FILE~")->excludes(output);
   CLI::Option* dry_run = verb->add_flag("-n,--dry-run", request.is_dry_run, "Do and tell everything, but write nothing");
@@ -150,11 +184,13 @@ void add_repair_verb(CommandLine& line) {
                  "Write a JSON report to standard output, or as --json=FILE to a file");
   add_steps(verb, *arguments);
   add_limits(verb, *arguments);
-  verb->final_callback([output, in_place, dry_run] {
-    if (output->count() + in_place->count() + dry_run->count() == 0) throw CLI::RequiredError("--output, --in-place or --dry-run");
+  add_batch_arguments(verb, arguments->batch);
+  verb->final_callback([output, in_place, dry_run, arguments] {
+    if (output->count() + in_place->count() + dry_run->count() == 0 && !arguments->batch.is_batch()) throw CLI::RequiredError("--output, --in-place or --dry-run");
   });
   verb->footer("What leaves the mesh worse is taken back, and told as refused. Closed shells without defects are not touched.\n"
                "Exit code 0 when the mesh is sound in the end, 1 when defects are left, 5 when a limit was passed.\n"
                "For example:\n  mendex repair broken.stl -o sound.stl\n"
-               "  mendex repair broken.stl -n --json | jq .defects");
+               "  mendex repair broken.stl -n --json | jq .defects\n"
+             "  mendex repair meshes/ --out-dir repaired --jobs 8 --timeout 300 --max-memory 4G");
 }
