@@ -196,8 +196,7 @@ class Batch {
     outcome.report = child.output();
     if (WIFSIGNALED(child.status())) remove_temporary_files(job.output, child.id());
     errors_[worker.job] = child.errors();
-    const bool befalls_all = outcome.code == ExitCode::cannot_write || outcome.code == ExitCode::wrong_usage;
-    if (befalls_all && !arguments_.keeps_going) stop(outcome.code, "not started, because of " + job.input + "; see --keep-going");
+    if (outcome.code == ExitCode::cannot_write && !arguments_.keeps_going) stop(outcome.code, "not started, because of " + job.input + "; see --keep-going");
     outcomes_[worker.job] = std::move(outcome);
     ++done_;
   }

@@ -4,6 +4,7 @@
 #include "arguments.h"
 #include "batch.h"
 #include "command_line.h"
+#include "interruption.h"
 #include "repair_file.h"
 #include "verbs.h"
 
@@ -12,8 +13,9 @@ namespace {
 // Stands for standard output where --json has no file.
 constexpr const char* json_to_output = "-";
 
-struct RepairArguments : BatchArguments {
+struct RepairArguments {
   RepairRequest request;
+  BatchArguments batch;
   std::string tolerance;
   std::string spacing;
   std::string specks;
@@ -74,16 +76,17 @@ std::string spacing_problem(const std::string& text) {
 void set_steps(const RepairArguments& arguments, RepairSettings& settings) {
   if (!arguments.only.empty()) {
     settings.skips.fill(true);
-    for (const RepairStep step : *steps_in(arguments.only)) settings.skips[static_cast<std::size_t>(step)] = false;
+    const std::vector<RepairStep> wanted = *steps_in(arguments.only);
+    for (const RepairStep step : wanted) settings.skips[static_cast<std::size_t>(step)] = false;
   }
   if (arguments.skip.empty()) return;
-  for (const RepairStep step : *steps_in(arguments.skip)) settings.skips[static_cast<std::size_t>(step)] = true;
+  const std::vector<RepairStep> unwanted = *steps_in(arguments.skip);
+  for (const RepairStep step : unwanted) settings.skips[static_cast<std::size_t>(step)] = true;
 }
 
 RepairRequest request_of(const RepairArguments& arguments, bool has_json) {
   RepairRequest request = arguments.request;
   RepairSettings& settings = request.settings;
-  request.input = arguments.files.inputs.front();
   if (request.is_in_place) request.output = request.input;
   if (!arguments.tolerance.empty()) {
     const Range range = *range_in(arguments.tolerance);
@@ -133,34 +136,31 @@ void add_steps(CLI::App* verb, RepairArguments& arguments) {
   add_allowance(verb, "--drop-specks", arguments.specks, "Delete shells of less than this area; without it none is deleted");
 }
 
-// Each file in a process of its own, which is this verb with one file.
-ExitCode repair_many(Session& session, const RepairArguments& arguments, const CLI::App& verb) {
-  if (!arguments.request.output.empty()) throw Failure(ExitCode::wrong_usage, "--output takes one file; many go to --out-dir or get a --suffix");
-  if (!arguments.json.empty() && arguments.json != json_to_output) {
-    throw Failure(ExitCode::wrong_usage, "--json=FILE takes one report; those of many go to standard output");
-  }
-  BatchPlan plan;
-  plan.is_json = !arguments.json.empty();
-  plan.writing = arguments.request.is_dry_run    ? BatchWriting::nothing
-                 : arguments.request.is_in_place ? BatchWriting::in_place
-                                                 : BatchWriting::new_files;
-  const std::vector<std::string> own = own_command(verb, {"--json"});
-  plan.command = [own, writing = plan.writing](const BatchJob& job) {
-    std::vector<std::string> command = own;
-    command.push_back("--json");
-    if (writing == BatchWriting::new_files) command.insert(command.end(), {"-o", job.output});
-    command.insert(command.end(), {"--", job.input});
-    return command;
-  };
-  return run_batch(session, arguments, plan);
+// The command of a child that repairs one file of many as this one is called to.
+std::vector<std::string> command_of(const CLI::App& verb, const RepairRequest& request, const BatchJob& job) {
+  std::vector<std::string> words = own_command(verb, {"--json", "--output"});
+  words.emplace_back("--json");
+  if (!job.output.empty() && !request.is_in_place) words.push_back("--output=" + job.output);
+  words.insert(words.end(), {"--", job.input});
+  return words;
 }
 
-// One file is asked for by -o, -i or -n alone.
-void demand_target(const RepairArguments& arguments) {
+ExitCode repair_many(Session& session, const RepairArguments& arguments, const CLI::App& verb) {
   const RepairRequest& request = arguments.request;
-  if (request.output.empty() && !request.is_in_place && !request.is_dry_run && !arguments.is_batch()) {
-    throw CLI::RequiredError("--output, --in-place, --dry-run, --out-dir or --suffix");
-  }
+  if (!request.output.empty()) throw Failure(ExitCode::wrong_usage, "--output is for one file; several take --out-dir or --suffix");
+  BatchPlan plan;
+  plan.is_json = verb.count("--json") > 0;
+  if (plan.is_json && arguments.json != json_to_output) throw Failure(ExitCode::wrong_usage, "--json=FILE is for one file; the reports on several go to standard output");
+  plan.command = [&](const BatchJob& job) { return command_of(verb, request, job); };
+  plan.writing = request.is_dry_run ? BatchWriting::nothing : (request.is_in_place ? BatchWriting::in_place : BatchWriting::new_files);
+  return run_batch(session, arguments.batch, plan);
+}
+
+ExitCode run_repair(Session& session, RepairArguments& arguments, const CLI::App& verb) {
+  if (arguments.batch.is_batch()) return repair_many(session, arguments, verb);
+  arguments.request.input = arguments.batch.files.inputs.front();
+  if (arguments.batch.timeout_seconds > 0.0) Interruption::set_timeout(arguments.batch.timeout_seconds);
+  return repair_file(session, request_of(arguments, verb.count("--json") > 0));
 }
 
 }  // namespace
@@ -168,27 +168,29 @@ void demand_target(const RepairArguments& arguments) {
 void add_repair_verb(CommandLine& line) {
   const auto arguments = std::make_shared<RepairArguments>();
   const auto verb_of_line = std::make_shared<CLI::App*>(nullptr);
-  CLI::App* verb = line.add_verb("repair", "Make broken meshes sound, and tell what was done", [arguments, verb_of_line](Session& session) {
-    if (arguments->is_batch()) return repair_many(session, *arguments, **verb_of_line);
-    return repair_file(session, request_of(*arguments, !arguments->json.empty()));
+  CLI::App* verb = line.add_verb("repair", "Make a broken mesh sound, and tell what was done", [arguments, verb_of_line](Session& session) {
+    return run_repair(session, *arguments, **verb_of_line);
   });
   *verb_of_line = verb;
   RepairRequest& request = arguments->request;
-  verb->add_option("IN", arguments->files.inputs, "Files to be repaired; folders, and @ before the name of a list of files, stand for many")
+  verb->add_option("IN", arguments->batch.files.inputs, "File to repair; or many, folders of them, and @ before the name of a list of them")
       ->required()
       ->type_name("PATH");
   CLI::Option* output = verb->add_option("-o,--output", request.output, "File to be written")->type_name("PATH");
-  verb->add_flag("-i,--in-place", request.is_in_place, "Replace the input; its old contents stay as FILE~")->excludes(output);
-  verb->add_flag("-n,--dry-run", request.is_dry_run, "Do and tell everything, but write nothing");
+  CLI::Option* in_place = verb->add_flag("-i,--in-place", request.is_in_place, "Replace the input; its old contents stay as FILE~")->excludes(output);
+  CLI::Option* dry_run = verb->add_flag("-n,--dry-run", request.is_dry_run, "Do and tell everything, but write nothing");
   verb->add_flag("-f,--force", request.is_forced, "Replace an output file that is there");
   verb->add_flag("--json{" + std::string(json_to_output) + "}", arguments->json,
                  "Write a JSON report to standard output, or as --json=FILE to a file");
   add_steps(verb, *arguments);
   add_limits(verb, *arguments);
-  add_batch_arguments(verb, *arguments);
-  verb->final_callback([arguments] { demand_target(*arguments); });
+  add_batch_arguments(verb, arguments->batch);
+  verb->final_callback([output, in_place, dry_run, arguments] {
+    if (output->count() + in_place->count() + dry_run->count() == 0 && !arguments->batch.is_batch()) throw CLI::RequiredError("--output, --in-place or --dry-run");
+  });
   CommandLine::set_notes(verb,
-               "What leaves the mesh worse is taken back, and told as refused. Closed shells without defects are not touched.\n"
-               "Exit code 0 when the mesh is sound in the end, 1 when defects are left, 5 when a limit was passed.",
-               "mendex repair broken.stl -o sound.stl");
+                         "What leaves the mesh worse is taken back, and told as refused. Closed shells without defects are not touched.\n"
+                         "Of many files each is worked on by a process of its own, as in mendex repair meshes/ --out-dir repaired --jobs 8.\n"
+                         "Exit code 0 when the mesh is sound in the end, 1 when defects are left, 5 when a limit was passed.",
+                         "mendex repair broken.stl -o sound.stl");
 }

@@ -175,15 +175,15 @@ TEST(MendexBatch, InterruptionStopsTheChildren) {
 // Where nothing can be written the others would fare no better; all else concerns one file.
 TEST(MendexBatch, AResultThatCannotBeWrittenEndsTheBatchUnlessAsked) {
   const TestFolder folder;
-  folder.write("a.stl", "exit 3");
+  folder.write("a.stl", "exit 2");
   folder.write("b.stl", "exit 4");
   folder.write("c.stl", good_job);
   const BatchResult stopped = run_batch(folder, {"a.stl", "b.stl", "c.stl"});
-  EXPECT_EQ(stopped.values("exit"), Json::parse("[3, 4, 4]"));
+  EXPECT_EQ(stopped.values("exit"), Json::parse("[2, 4, 4]"));
   EXPECT_EQ(stopped.reports[2]["error"], "not started, because of b.stl; see --keep-going");
   EXPECT_EQ(stopped.exit_code, 4);
   const BatchResult went_on = run_batch(folder, {"a.stl", "b.stl", "c.stl", "--keep-going"});
-  EXPECT_EQ(went_on.values("exit"), Json::parse("[3, 4, 0]"));
+  EXPECT_EQ(went_on.values("exit"), Json::parse("[2, 4, 0]"));
 }
 
 TEST(MendexBatch, TakesFilesFoldersAndLists) {
@@ -263,6 +263,40 @@ TEST(MendexBatch, RunsTheProgramItself) {
   EXPECT_EQ(result.reports[0]["merged_nodes"], 512);
   EXPECT_NE(result.reports[3]["error"].get<std::string>().find("gone.stl: "), std::string::npos);
   EXPECT_EQ(names_in(folder.path("out")), (Names{"bracket.stl", "open_box.ast"}));
+}
+
+// The verb that takes many files passes its options on to the children, and what concerns one file only is refused.
+TEST(MendexBatch, RepairsManyFiles) {
+  const TestFolder folder;
+  std::filesystem::create_directory(folder.path("in"));
+  for (const char* name : {"bracket_soup.stl", "torus_collapsed.stl"}) std::filesystem::copy(sample(name), folder.path("in/") + name);
+  folder.write("in/-odd.stl", "no mesh at all");
+  const auto repair = [&](Names words) {
+    words.insert(words.begin(), "repair");
+    ProcessSetup setup = mendex_setup(words);
+    setup.folder = folder.path("in");
+    return run_process(setup);
+  };
+  const ProcessResult first = repair({".", "--out-dir", "../out", "--json", "--jobs", "2", "--skip", "orient,fill"});
+  EXPECT_EQ(first.exit_code, 3) << first.errors;
+  const std::vector<Json> reports = lines_of(first.output);
+  ASSERT_EQ(reports.size(), 4u);
+  EXPECT_EQ(reports[0]["exit"], 3);
+  EXPECT_EQ(reports[1]["exit"], 0) << reports[1];
+  EXPECT_EQ(reports[2]["exit"], 0) << reports[2];
+  const auto result_of = [](const Json& report, const char* step) {
+    for (const Json& each : report["steps"]) {
+      if (each["name"] == step) return each["result"].dump();
+    }
+    return std::string("none");
+  };
+  EXPECT_NE(result_of(reports[2], "orient"), result_of(reports[2], "weld"));
+  EXPECT_EQ(names_in(folder.path("out")), (Names{"bracket_soup.stl", "torus_collapsed.stl"}));
+  EXPECT_EQ(lines_of(repair({".", "--out-dir", "../out", "--json"}).output)[1]["exit"], 2);  // it is there
+  EXPECT_EQ(lines_of(repair({".", "--out-dir", "../out", "--json", "-f"}).output)[1]["exit"], 0);
+  EXPECT_EQ(repair({".", "--out-dir", "../out", "--json=file"}).exit_code, 2);
+  EXPECT_EQ(repair({"a.stl", "b.stl", "-o", "c.stl"}).exit_code, 2);
+  EXPECT_EQ(repair({".", "-n", "--only", "weld"}).exit_code, 3);
 }
 
 #ifndef __SANITIZE_ADDRESS__  // which needs more address space than any limit
