@@ -6,6 +6,7 @@
 #include "control/control.h"
 #include "platform/digitiser/tri_mask.h"
 #include "support/captured_output.h"
+#include "support/shapes.h"
 #include "support/validator.h"
 
 namespace {
