@@ -90,7 +90,7 @@ HoleRepair::Plan HoleRepair::plan_for(const FoundBoundary& hole, const HoleSurro
     return plan;
   }
   switch (shape_of(hole, around, settings_.small_hole)) {
-    case HoleShape::small: plan.methods = {HoleMethod::fan}; break;
+    case HoleShape::small: plan.methods = {HoleMethod::flat, HoleMethod::fan}; break;
     case HoleShape::flat: plan.methods = {HoleMethod::flat, HoleMethod::curved, HoleMethod::fan}; break;
     case HoleShape::curved: plan.methods = {HoleMethod::curved, HoleMethod::flat, HoleMethod::fan}; break;
   }
@@ -115,7 +115,9 @@ void HoleRepair::give_up_method(Plan& plan, const std::string& reason) {
 }
 
 bool HoleRepair::cap(const FoundBoundary& hole, Plan& plan, HoleMethod method) {
-  plan.fate.spacing = settings_.spacing ? settings_.spacing->resolve(mesh_) : hole.length / hole.edges();
+  // Small holes get no nodes inside: no two points of them are so far apart.
+  const bool is_small = hole.edges() <= settings_.small_hole;
+  plan.fate.spacing = is_small ? 2.0 * hole.length : settings_.spacing ? settings_.spacing->resolve(mesh_) : hole.length / hole.edges();
   at2PlaneError error = at2_success;
   control_.start_undo("cap");
   const bool is_capped = control_.cycles().cap_hole(0, hole.number, plan.fate.spacing, method == HoleMethod::curved, error) != 0;

@@ -130,7 +130,7 @@ void add_steps(CLI::App* verb, RepairArguments& arguments) {
   verb->add_option("--spacing", arguments.spacing, "Distance between new nodes; by default the mean edge length of each hole")
       ->check(CLI::Validator(spacing_problem, ""))
       ->type_name("LENGTH");
-  add_count(verb, "--small-hole", arguments.request.settings.small_hole, 0, "Holes of at most so many edges are closed by a triangle, two, or a fan")
+  add_count(verb, "--small-hole", arguments.request.settings.small_hole, 0, "Holes of at most so many edges are closed without nodes inside")
       ->capture_default_str();
   verb->add_flag("--close-sheets", arguments.request.settings.closes_sheets, "Close the outer rims of open sheets, too");
   add_allowance(verb, "--drop-specks", arguments.specks, "Delete shells of less than this area; without it none is deleted");

@@ -43,7 +43,7 @@ struct RepairSettings {
   std::optional<LengthArgument> most_tolerance;   // by default a tenth of the median edge, or half of most free edges where less
   std::optional<LengthArgument> spacing;          // of new nodes; by default the mean edge of each hole
   std::optional<Allowance> specks;                // shells of less area are dropped
-  int small_hole = 4;                             // holes of at most so many edges are closed without new nodes in a plane or surface
+  int small_hole = 4;                             // holes of at most so many edges are closed without nodes inside
   bool closes_sheets = false;
   RepairLimits limits;
   std::optional<MeshFormat> target;               // whose precision coordinates are rounded to

@@ -15,6 +15,9 @@ namespace {
 // Beyond so many triangles only larger attempts are made.
 constexpr std::size_t few_triangles = 64;
 
+// A flap has few triangles.
+constexpr std::size_t largest_rest = 6;
+
 // Closing the holes of a cluster takes a pass over the mesh; so many passes over so many triangles are bearable.
 constexpr double most_work = 5e7;
 
@@ -110,15 +113,64 @@ bool SickCure::delete_one(Cluster& cluster) {
     control_.start_undo("cure");
     mesh_.delete_element(e);
     const bool helps = is_better(census_round(nodes), before);
+    const std::vector<int> rest = helps ? rest_of_flap(nodes) : std::vector<int>();
+    double area_of_rest = 0.0;
+    for (const int other : rest) {
+      area_of_rest += mesh_.area_element(other);
+      mesh_.delete_element(other);
+    }
     if (helps) mesh_.force_changed_status(1);
     control_.finish_undo(helps);
     if (!helps) continue;
-    ++result_.triangles_deleted;
-    result_.removed_area += area;
-    cluster.elements.erase(std::find(cluster.elements.begin(), cluster.elements.end(), e));
+    result_.triangles_deleted += 1 + static_cast<int>(rest.size());
+    result_.removed_area += area + area_of_rest;
+    const auto is_gone = [this](int other) { return !mesh_.element(other).valid(); };
+    cluster.elements.erase(std::remove_if(cluster.elements.begin(), cluster.elements.end(), is_gone), cluster.elements.end());
     return true;
   }
   return false;
+}
+
+// The few triangles that hung on the mesh by one that was deleted, with these corners, and now are a piece by themselves.
+std::vector<int> SickCure::rest_of_flap(const std::vector<int>& corners) {
+  std::vector<int> rest;
+  for (const int corner : corners) {
+    if (mesh_.node(corner).invalid) continue;
+    for (trIntListIT it = mesh_.node_elements(corner); ++it;) {
+      if (!mesh_.element(it()).valid() || std::find(rest.begin(), rest.end(), it()) != rest.end()) continue;
+      const std::vector<int> piece = piece_of(it());
+      if (piece.size() <= largest_rest && census_of(piece).open > 0) rest.insert(rest.end(), piece.begin(), piece.end());
+    }
+  }
+  make_unique(rest);
+  return rest;
+}
+
+// The triangles that hang together with one by edges, as soon as they are more than a rest of a flap only some.
+std::vector<int> SickCure::piece_of(int element) {
+  std::vector<int> piece{element};
+  for (std::size_t k = 0; k < piece.size() && piece.size() <= largest_rest; ++k) {
+    const trElement t = mesh_.element(piece[k]);
+    for (int c = 0; c < 3; ++c) {
+      for (trIntListIT it = mesh_.node_elements(t[c]); ++it;) {
+        const trElement& other = mesh_.element(it());
+        if (!other.valid() || std::find(piece.begin(), piece.end(), it()) != piece.end()) continue;
+        int common = 0;
+        for (int a = 0; a < 3; ++a) {
+          for (int b = 0; b < 3; ++b) common += t[a] == other[b];
+        }
+        if (common >= 2) piece.push_back(it());
+      }
+    }
+  }
+  return piece;
+}
+
+EdgeCensus SickCure::census_of(const std::vector<int>& elements) {
+  std::vector<int> nodes;
+  for (const int e : elements) add_corners(nodes, mesh_.element(e));
+  make_unique(nodes);
+  return census_round(nodes);
 }
 
 bool SickCure::delete_and_close(const std::vector<int>& elements) {
@@ -159,12 +211,7 @@ bool SickCure::delete_and_close(const std::vector<int>& elements) {
   return true;
 }
 
-bool SickCure::is_cured(const Cluster& cluster) {
-  std::vector<int> nodes;
-  for (const int e : cluster.elements) add_corners(nodes, mesh_.element(e));
-  make_unique(nodes);
-  return census_round(nodes).sick == 0;
-}
+bool SickCure::is_cured(const Cluster& cluster) { return census_of(cluster.elements).sick == 0; }
 
 CureResult SickCure::run() {
   std::vector<Cluster> clusters = find_clusters();

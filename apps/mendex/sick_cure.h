@@ -17,7 +17,8 @@ struct CureResult {
 
 /// Cures edges that more than two triangles share, cluster by cluster: sets of such edges that hang together by their nodes.
 ///
-/// Of a cluster first single triangles are deleted whose loss opens nothing, the smallest first; then all but the two largest of each
+/// Of a cluster first single triangles are deleted whose loss opens nothing, the smallest first, together with what few
+/// triangles hung on it alone; then all but the two largest of each
 /// edge, then all, with the holes that this makes closed again. What does not leave fewer such edges and no more open ones is taken
 /// back. Each attempt has undo records of its own.
 class SickCure {
@@ -36,6 +37,9 @@ class SickCure {
   bool delete_one(Cluster& cluster);
   bool delete_and_close(const std::vector<int>& elements);
   bool is_cured(const Cluster& cluster);
+  std::vector<int> rest_of_flap(const std::vector<int>& corners);
+  std::vector<int> piece_of(int element);
+  EdgeCensus census_of(const std::vector<int>& elements);
   EdgeCensus census_round(const std::vector<int>& nodes);
 
   Session& session_;
