@@ -214,7 +214,7 @@ void HoleRepair::note_closed(int first_new, int first_node) {
     if (!t.valid()) continue;
     auto& [elements, nodes] = of_patch[patches.patch_of(e)];
     ++elements;
-    new_area_ += mesh_.area_element(e);
+    new_area_ += area_of(mesh_, e);
     for (int k = 0; k < 3; ++k) {
       if (t[k] >= first_node) nodes.push_back(t[k]);
     }

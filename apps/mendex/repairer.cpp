@@ -214,7 +214,7 @@ void Repairer::drop(StepAccount& account) {
   for (int e = 1; e < mesh_.element_count(); ++e) {
     const int shell = survey.shell_of[static_cast<std::size_t>(e)];
     if (shell < 0 || !is_speck[static_cast<std::size_t>(shell)]) continue;
-    account_.budget.removed_area += mesh_.area_element(e);
+    account_.budget.removed_area += area_of(mesh_, e);
     mesh_.delete_element(e);
   }
   mesh_.force_changed_status(1);

@@ -116,7 +116,7 @@ void take_in(Shell& shell, const trTriBlock& mesh, int e) {
   const giPoint3 corners[3] = {mesh.point(t[0]), mesh.point(t[1]), mesh.point(t[2])};
   for (const giPoint3& p : corners) shell.box.merge(p);
   ++shell.elements;
-  shell.area += 0.5 * (corners[1] - corners[0]).cross(corners[2] - corners[0]).length();
+  shell.area += area_of(mesh, e);
   shell.volume += volume_seen_from(mesh.point(mesh.element(shell.first_element)[0]), corners) / 6.0;
 }
 
@@ -175,6 +175,12 @@ std::vector<int> inside_out_shells(const std::vector<Shell>& shells) {
   };
   inward.erase(std::remove_if(inward.begin(), inward.end(), is_cavity), inward.end());
   return inward;
+}
+
+double area_of(const trTriBlock& mesh, int element) {
+  const trElement& t = mesh.element(element);
+  const giPoint3& a = mesh.point(t[0]);
+  return 0.5 * (mesh.point(t[1]) - a).cross(mesh.point(t[2]) - a).length();
 }
 
 giPoint3 middle_of(const trTriBlock& mesh, int element) {

@@ -43,5 +43,7 @@ inline std::vector<Shell> find_shells(const trTriBlock& mesh) { return survey_sh
 /// thousand largest are looked at. Ascending places in the list.
 std::vector<int> inside_out_shells(const std::vector<Shell>& shells);
 
+double area_of(const trTriBlock& mesh, int element);
+
 /// The middle of an element's corners.
 giPoint3 middle_of(const trTriBlock& mesh, int element);

@@ -8,6 +8,7 @@
 #include "failure.h"
 #include "hole_repair.h"
 #include "interruption.h"
+#include "shells.h"
 #include "undo_mark.h"
 
 namespace {
@@ -103,12 +104,12 @@ EdgeCensus SickCure::census_round(const std::vector<int>& nodes) {
 
 bool SickCure::delete_one(Cluster& cluster) {
   std::vector<int> order = cluster.elements;
-  std::stable_sort(order.begin(), order.end(), [this](int a, int b) { return mesh_.area_element(a) < mesh_.area_element(b); });
+  std::stable_sort(order.begin(), order.end(), [this](int a, int b) { return area_of(mesh_, a) < area_of(mesh_, b); });
   for (const int e : order) {
     std::vector<int> nodes;
     add_corners(nodes, mesh_.element(e));
     make_unique(nodes);
-    const double area = mesh_.area_element(e);
+    const double area = area_of(mesh_, e);
     const EdgeCensus before = census_round(nodes);
     control_.start_undo("cure");
     mesh_.delete_element(e);
@@ -116,7 +117,7 @@ bool SickCure::delete_one(Cluster& cluster) {
     const std::vector<int> rest = helps ? rest_of_flap(nodes) : std::vector<int>();
     double area_of_rest = 0.0;
     for (const int other : rest) {
-      area_of_rest += mesh_.area_element(other);
+      area_of_rest += area_of(mesh_, other);
       mesh_.delete_element(other);
     }
     if (helps) mesh_.force_changed_status(1);
@@ -179,7 +180,7 @@ bool SickCure::delete_and_close(const std::vector<int>& elements) {
   double area = 0.0;
   for (const int e : elements) {
     add_corners(nodes, mesh_.element(e));
-    area += mesh_.area_element(e);
+    area += area_of(mesh_, e);
   }
   make_unique(nodes);
   const EdgeCensus before = census_round(nodes);
