@@ -151,8 +151,6 @@ class MENDEX_EXPORT trControl {
   int check_tol(double tol) const;
 
   // --- boundaries: stitching, none of which opens an undo bracket ---------------------------------------------------------------------
-  /// Merges nodes of boundaries within `tol`; see trCycleArray::unduplicate_nodes.
-  void action_bundup(double tol);
   /// One pass of trCycleArray::stitch; any tolerance is taken.
   void action_stitch(double tol);
   /// One pass of trCycleArray::superstitch; a negative tolerance is refused.

@@ -11,10 +11,6 @@ constexpr int nothing_changed = -2;
 
 }  // namespace
 
-void trControl::action_bundup(double tol) {
-  if (check_tol(tol) && cycles_.unduplicate_nodes(tol)) triangle_update(1);
-}
-
 void trControl::action_stitch(double tol) {
   cycles_.stitch(tol);
   triangle_update(1);
