@@ -2,6 +2,7 @@
 #include <memory>
 
 #include "arguments.h"
+#include "batch.h"
 #include "command_line.h"
 #include "repair_file.h"
 #include "verbs.h"
@@ -11,7 +12,7 @@ namespace {
 // Stands for standard output where --json has no file.
 constexpr const char* json_to_output = "-";
 
-struct RepairArguments {
+struct RepairArguments : BatchArguments {
   RepairRequest request;
   std::string tolerance;
   std::string spacing;
@@ -82,6 +83,7 @@ void set_steps(const RepairArguments& arguments, RepairSettings& settings) {
 RepairRequest request_of(const RepairArguments& arguments, bool has_json) {
   RepairRequest request = arguments.request;
   RepairSettings& settings = request.settings;
+  request.input = arguments.files.inputs.front();
   if (request.is_in_place) request.output = request.input;
   if (!arguments.tolerance.empty()) {
     const Range range = *range_in(arguments.tolerance);
@@ -131,30 +133,62 @@ void add_steps(CLI::App* verb, RepairArguments& arguments) {
   add_allowance(verb, "--drop-specks", arguments.specks, "Delete shells of less than this area; without it none is deleted");
 }
 
+// Each file in a process of its own, which is this verb with one file.
+ExitCode repair_many(Session& session, const RepairArguments& arguments, const CLI::App& verb) {
+  if (!arguments.request.output.empty()) throw Failure(ExitCode::wrong_usage, "--output takes one file; many go to --out-dir or get a --suffix");
+  if (!arguments.json.empty() && arguments.json != json_to_output) {
+    throw Failure(ExitCode::wrong_usage, "--json=FILE takes one report; those of many go to standard output");
+  }
+  BatchPlan plan;
+  plan.is_json = !arguments.json.empty();
+  plan.writing = arguments.request.is_dry_run    ? BatchWriting::nothing
+                 : arguments.request.is_in_place ? BatchWriting::in_place
+                                                 : BatchWriting::new_files;
+  const std::vector<std::string> own = own_command(verb, {"--json"});
+  plan.command = [own, writing = plan.writing](const BatchJob& job) {
+    std::vector<std::string> command = own;
+    command.push_back("--json");
+    if (writing == BatchWriting::new_files) command.insert(command.end(), {"-o", job.output});
+    command.insert(command.end(), {"--", job.input});
+    return command;
+  };
+  return run_batch(session, arguments, plan);
+}
+
+// One file is asked for by -o, -i or -n alone.
+void demand_target(const RepairArguments& arguments) {
+  const RepairRequest& request = arguments.request;
+  if (request.output.empty() && !request.is_in_place && !request.is_dry_run && !arguments.is_batch()) {
+    throw CLI::RequiredError("--output, --in-place, --dry-run, --out-dir or --suffix");
+  }
+}
+
 }  // namespace
 
 void add_repair_verb(CommandLine& line) {
   const auto arguments = std::make_shared<RepairArguments>();
   const auto verb_of_line = std::make_shared<CLI::App*>(nullptr);
-  CLI::App* verb = line.add_verb("repair", "Make a broken mesh sound, and tell what was done", [arguments, verb_of_line](Session& session) {
-    return repair_file(session, request_of(*arguments, (*verb_of_line)->count("--json") > 0));
+  CLI::App* verb = line.add_verb("repair", "Make broken meshes sound, and tell what was done", [arguments, verb_of_line](Session& session) {
+    if (arguments->is_batch()) return repair_many(session, *arguments, **verb_of_line);
+    return repair_file(session, request_of(*arguments, !arguments->json.empty()));
   });
   *verb_of_line = verb;
   RepairRequest& request = arguments->request;
-  add_input(verb, request.input);
+  verb->add_option("IN", arguments->files.inputs, "Files to be repaired; folders, and @ before the name of a list of files, stand for many")
+      ->required()
+      ->type_name("PATH");
   CLI::Option* output = verb->add_option("-o,--output", request.output, "File to be written")->type_name("PATH");
-  CLI::Option* in_place = verb->add_flag("-i,--in-place", request.is_in_place, "Replace the input; its old contents stay as FILE~")->excludes(output);
-  CLI::Option* dry_run = verb->add_flag("-n,--dry-run", request.is_dry_run, "Do and tell everything, but write nothing");
+  verb->add_flag("-i,--in-place", request.is_in_place, "Replace the input; its old contents stay as FILE~")->excludes(output);
+  verb->add_flag("-n,--dry-run", request.is_dry_run, "Do and tell everything, but write nothing");
   verb->add_flag("-f,--force", request.is_forced, "Replace an output file that is there");
   verb->add_flag("--json{" + std::string(json_to_output) + "}", arguments->json,
                  "Write a JSON report to standard output, or as --json=FILE to a file");
   add_steps(verb, *arguments);
   add_limits(verb, *arguments);
-  verb->final_callback([output, in_place, dry_run] {
-    if (output->count() + in_place->count() + dry_run->count() == 0) throw CLI::RequiredError("--output, --in-place or --dry-run");
-  });
-  verb->footer("What leaves the mesh worse is taken back, and told as refused. Closed shells without defects are not touched.\n"
-               "Exit code 0 when the mesh is sound in the end, 1 when defects are left, 5 when a limit was passed.\n"
-               "For example:\n  mendex repair broken.stl -o sound.stl\n"
-               "  mendex repair broken.stl -n --json | jq .defects");
+  add_batch_arguments(verb, *arguments);
+  verb->final_callback([arguments] { demand_target(*arguments); });
+  CommandLine::set_notes(verb,
+               "What leaves the mesh worse is taken back, and told as refused. Closed shells without defects are not touched.\n"
+               "Exit code 0 when the mesh is sound in the end, 1 when defects are left, 5 when a limit was passed.",
+               "mendex repair broken.stl -o sound.stl");
 }

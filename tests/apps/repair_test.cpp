@@ -1,0 +1,2 @@
+// `mendex repair`.
+#include <gtest/gtest.h>
