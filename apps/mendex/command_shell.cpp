@@ -49,9 +49,10 @@ void CommandShell::execute(const std::string& line) {
   session.messages.forget_warnings();
   complaint_.clear();
   shows_results_ = false;
-  ShellWords arguments(*command, words);
+  ShellWords arguments(*command, words, mesh);
   const ShellCommand::Action action = command->parse(*this, arguments);
   arguments.expect_end();
+  note(arguments.notes());
   session.progress.start_over();
   session.progress.begin(command->name);
   if (command->is_edit) {

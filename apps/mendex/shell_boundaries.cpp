@@ -117,22 +117,22 @@ Action parse_unselect(CommandShell& shell, ShellWords& words) {
 // --- stitching ----------------------------------------------------------------------------------------------------------------------------
 
 Action parse_bundup(CommandShell& shell, ShellWords& words) {
-  const double tolerance = words.limit("a tolerance");
+  const double tolerance = words.length("a tolerance");
   return [&shell, tolerance] { shell.control.action_bundup(tolerance); };
 }
 
 Action parse_stitch(CommandShell& shell, ShellWords& words) {
-  const double tolerance = words.limit("a tolerance");
+  const double tolerance = words.length("a tolerance");
   return [&shell, tolerance] { shell.control.action_stitch(tolerance); };
 }
 
 Action parse_staple(CommandShell& shell, ShellWords& words) {
-  const double tolerance = words.limit("a tolerance");
+  const double tolerance = words.length("a tolerance");
   return [&shell, tolerance] { shell.control.action_staple(tolerance); };
 }
 
 Action parse_astaple(CommandShell& shell, ShellWords& words) {
-  const double tolerance = words.limit("a tolerance");
+  const double tolerance = words.length("a tolerance");
   const int limit = words.is_empty() ? 10 : words.count("a number of passes", 1, most_passes);
   return [&shell, tolerance, limit] { shell.control.action_astaple(tolerance, limit); };
 }
@@ -151,8 +151,8 @@ struct AutoStitch {
 
 void take_ladder(AutoStitch& stitch, ShellWords& words) {
   constexpr double most_steps = 1e4;
-  stitch.finish = words.limit("the last tolerance");
-  stitch.step = words.positive("a step between tolerances");
+  stitch.finish = words.length("the last tolerance");
+  stitch.step = words.spacing("a step between tolerances");
   if (stitch.finish < stitch.start) words.refuse("the last tolerance is below the first");
   if (!((stitch.finish - stitch.start) / stitch.step <= most_steps)) words.refuse("these are more than 10,000 steps");
 }
@@ -172,7 +172,7 @@ void take_options(AutoStitch& stitch, ShellWords& words) {
 Action parse_auto_stitch(CommandShell& shell, ShellWords& words) {
   AutoStitch s;
   s.mode = static_cast<trAutoMode>(Single + words.choice({"single", "repeat", "multi"}));
-  s.start = s.finish = words.limit("a tolerance");
+  s.start = s.finish = words.length("a tolerance");
   if (s.mode == Multi) take_ladder(s, words);
   take_options(s, words);
   return [&shell, s] {
@@ -239,8 +239,11 @@ void cap_each(CommandShell& shell, double spacing, int is_curved) {
 
 Action capper(CommandShell& shell, ShellWords& words, bool is_extended) {
   Capping capping;
-  if (!words.is_empty() && !words.take("auto")) capping.spacing = words.positive("a distance between nodes");
   capping.is_curved = words.take("curved");
+  if (!capping.is_curved) {
+    if (!words.is_empty() && !words.take("auto")) capping.spacing = words.spacing("a distance between nodes");
+    capping.is_curved = words.take("curved");
+  }
   return [&shell, capping, is_extended] {
     if (!has_selection(shell)) return;
     const double spacing = capping.spacing > 0.0 ? capping.spacing : mean_edge_length(shell);

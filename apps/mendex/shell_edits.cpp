@@ -16,7 +16,7 @@ using Action = ShellCommand::Action;
 constexpr int most_passes = 1000000;
 
 Action parse_undup(CommandShell& shell, ShellWords& words) {
-  const double tolerance = words.is_empty() ? exact_copies : words.limit("a tolerance");
+  const double tolerance = words.is_empty() ? exact_copies : words.length("a tolerance");
   return [&shell, tolerance] { shell.control.action_undup(tolerance); };
 }
 
@@ -41,7 +41,7 @@ Action parse_reverse(CommandShell& shell, ShellWords&) {
 // --- deleting -------------------------------------------------------------------------------------------------------------------------
 
 Action parse_height(CommandShell& shell, ShellWords& words) {
-  const double limit = words.is_empty() ? shell.limits.small : words.limit("a length");
+  const double limit = words.is_empty() ? shell.limits.small : words.length("a length");
   return [&shell, limit] { shell.control.action_height(limit); };
 }
 

@@ -80,7 +80,7 @@ Action parse_limits(CommandShell& shell, ShellWords& words) {
   }
   CheckLimits limits = shell.limits;
   switch (words.choice({"small", "thin", "overlapping", "overhanging"})) {
-    case 0: limits.small = words.limit("a length"); break;
+    case 0: limits.small = words.length("a length"); break;
     case 1: limits.thin = words.limit("a ratio"); break;
     case 2: limits.overlap_deg = words.limit("an angle in degrees"); break;
     default: limits.up = words.direction(); break;

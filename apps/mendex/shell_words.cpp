@@ -4,6 +4,8 @@
 
 #include "arguments.h"
 #include "failure.h"
+#include "length_argument.h"
+#include "text.h"
 
 namespace {
 
@@ -17,7 +19,8 @@ bool is_whole(double value, int least, int most) { return value >= least && valu
 
 }  // namespace
 
-ShellWords::ShellWords(const ShellCommand& command, std::vector<std::string> words) : command_(command), words_(std::move(words)) {}
+ShellWords::ShellWords(const ShellCommand& command, std::vector<std::string> words, const trTriBlock& mesh)
+    : command_(command), words_(std::move(words)), mesh_(mesh) {}
 
 bool ShellWords::take(const char* word) {
   if (is_empty() || words_[at_] != word) return false;
@@ -43,8 +46,17 @@ double ShellWords::limit(const char* what) {
   return value;
 }
 
-double ShellWords::positive(const char* what) {
-  const double value = number(what);
+double ShellWords::length(const char* what) {
+  const std::string word = text(what);
+  const std::optional<LengthArgument> length = LengthArgument::parse(word);
+  if (!length) refuse(in_quotes(word) + " is not " + what + " from 0 up such as 0.01, 1e-5d or 0.2e");
+  const double value = length->resolve(mesh_);
+  if (length->is_relative()) notes_ += "  " + word + formatted(" is %.7g\n", value);
+  return value;
+}
+
+double ShellWords::spacing(const char* what) {
+  const double value = length(what);
   if (!(value > 0.0)) refuse(in_quotes(words_[at_ - 1]) + " is not above 0");
   return value;
 }

@@ -13,7 +13,8 @@
 class ShellWords {
  public:
   /// @param words  the command's name and what follows it
-  ShellWords(const ShellCommand& command, std::vector<std::string> words);
+  /// @param mesh   of whose size lengths may be shares
+  ShellWords(const ShellCommand& command, std::vector<std::string> words, const trTriBlock& mesh);
 
   bool is_empty() const { return at_ == words_.size(); }
   /// Takes the next word when it is this one; whether it was.
@@ -24,8 +25,10 @@ class ShellWords {
   double number(const char* what);
   /// A finite number from 0 up.
   double limit(const char* what);
-  /// A finite number above 0.
-  double positive(const char* what);
+  /// A length from 0 up, in the units of the model; it may have been given as a share of its diagonal or median edge.
+  double length(const char* what);
+  /// The same, above 0.
+  double spacing(const char* what);
   /// A whole number.
   int count(const char* what, int least, int most = INT_MAX);
   /// So many finite numbers, separated by blanks or commas.
@@ -39,6 +42,9 @@ class ShellWords {
   /// Whether the next word is a number, or a list of them.
   bool has_number() const;
 
+  /// What lengths that were given as shares came to, a line for each.
+  const std::string& notes() const { return notes_; }
+
   /// Throws when words are left.
   void expect_end() const;
   /// Throws, with the usage.
@@ -47,5 +53,7 @@ class ShellWords {
  private:
   const ShellCommand& command_;
   std::vector<std::string> words_;
+  const trTriBlock& mesh_;
   std::size_t at_ = 1;
+  std::string notes_;
 };

@@ -121,6 +121,8 @@ TEST(MendexRun, EditsAsTheActionsDo) {
   const std::string arc = box + "select 0 at " + std::to_string(first) + " " + std::to_string(third) + "\nfill";
   EXPECT_EQ(counts(arc), (Counts{33, 22, 1}));
   EXPECT_EQ(counts(arc + "\nundo all"), (Counts{32, 96, 32}));
+  EXPECT_EQ(counts(box + "select all\ncap 0.5e"), counts(box + "select all\ncap 5"));
+  EXPECT_EQ(counts(box + "select all\ncap curved"), counts(box + "select all\ncap auto curved"));
   EXPECT_EQ(counts(torus + "undup\nselect all\nfill\ncap 5\ncap_ext"), (Counts{320, 160, 0}));
   EXPECT_EQ(counts(box + "slice z below 5\nselect 0\nunselect 0"), counts(box + "transform scale 2\nslice z below 10"));
   EXPECT_EQ(counts(box + "append bracket_soup.stl\nundo"), (Counts{32, 22, 1}));
@@ -160,7 +162,8 @@ TEST(MendexRun, TellsErrorsWithTheirLineAndCode) {
     const char* told;
   } cases[] = {
       {"frobnicate 1", 2, "there is no command 'frobnicate'"},
-      {"undup -1", 2, "usage: undup [TOL]"},
+      {"undup -1", 2, "is not a tolerance from 0 up"},
+      {"height -1", 2, "usage: height [LENGTH]"},
       {"undup 1e999", 2, "is not a tolerance"},
       {"undup 1 2", 2, "what is '2' for?"},
       {"swap 0.1 99999999999", 2, "is not a whole number"},

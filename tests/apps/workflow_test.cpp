@@ -35,14 +35,12 @@ TEST(Workflow, RepairsAFolder) {
   std::filesystem::copy(sample("bracket_soup.stl"), folder.path("meshes/good one.stl"));
   std::filesystem::copy(sample("open_box.ast"), folder.path("meshes/deep/box.ast"));
   folder.write("meshes/text.stl", "no mesh at all");
-  const std::string program = folder.write("program", std::string("#!/bin/sh\nshift\nexec ") + MENDEX_BATCH_PROBE + " --program " + MENDEX_PROGRAM + " \"$@\"\n");
-  chmod(program.c_str(), 0755);
   ProcessSetup setup;
   setup.program = "/usr/bin/env";
   setup.folder = folder.path("");
   setup.environment = {{"HOME", folder.path("")}, {"XDG_CACHE_HOME", folder.path("cache")}};
   setup.arguments = {"snakemake", "-s", MENDEX_SOURCE_DIR "/examples/batch/Snakefile", "--cores", "2", "--keep-going",
-                     "--config", "inputs=meshes", "outputs=fixed", "mendex=" + program};
+                     "--config", "inputs=meshes", "outputs=fixed", "mendex=" MENDEX_PROGRAM};
   const ProcessResult first = run_process(setup);
   EXPECT_EQ(first.exit_code, 0) << first.errors;
   std::istringstream lines(contents_of_file(folder.path("fixed/reports.jsonl")));

@@ -69,18 +69,6 @@ TEST(ControlStitching, NegativeTolerancesAreRefusedSaveByStitch) {
   EXPECT_EQ(host.updates, std::vector<int>{1}) << "the host is told whatever came of it";
 }
 
-TEST(ControlStitching, BoundaryMergingTellsTheHostOnlyOfAChange) {
-  CapturedOutput output;
-  Host host(exploded(closed_box()));
-  host.action_bundup(-1);
-  EXPECT_EQ(output.text(), negative);
-  EXPECT_TRUE(host.updates.empty());
-  host.action_bundup(0);  // exact copies
-  host.action_bundup(1e-6);
-  EXPECT_EQ(host.updates, std::vector<int>{1});
-  EXPECT_EQ(host.triblock().valid_nodes(), 8);
-}
-
 TEST(ControlStitching, StapleTellsTheHostOnlyOfAChange) {
   Host host(t_junction(0.01));
   host.action_staple(0.001);
