@@ -15,13 +15,34 @@ double slack_of(const trTriBlock& mesh, const CutPlane& plane) {
   return 1e-10 + 16 * DBL_EPSILON * std::max({std::fabs(plane.at), std::fabs(box.min()[plane.axis]), std::fabs(box.max()[plane.axis])});
 }
 
+// Which nodes lie in the plane.
+class NodesInPlane {
+ public:
+  NodesInPlane(const trTriBlock& mesh, const CutPlane& plane) : mesh_(mesh), plane_(plane), slack_(slack_of(mesh, plane)) {}
+  bool operator()(int node) const { return std::fabs(mesh_.point(node)[plane_.axis] - plane_.at) <= slack_; }
+
+ private:
+  const trTriBlock& mesh_;
+  const CutPlane& plane_;
+  double slack_;
+};
+
+int open_edges_in(trControl& control, const CutPlane& plane) {
+  const NodesInPlane is_in_plane(control.triblock(), plane);
+  int count = 0;
+  for (const FoundBoundary& boundary : find_boundaries(control.cycles())) {
+    for (std::size_t k = 0; k < boundary.nodes.size(); ++k) {
+      count += is_in_plane(boundary.nodes[k]) && is_in_plane(boundary.nodes[(k + 1) % boundary.nodes.size()]);
+    }
+  }
+  return count;
+}
+
 std::vector<FoundBoundary> loops_in(trControl& control, const CutPlane& plane) {
-  const trTriBlock& mesh = control.triblock();
-  const double slack = slack_of(mesh, plane);
+  const NodesInPlane is_in_plane(control.triblock(), plane);
   std::vector<FoundBoundary> loops = find_boundaries(control.cycles());
   const auto is_elsewhere = [&](const FoundBoundary& boundary) {
-    return std::any_of(boundary.nodes.begin(), boundary.nodes.end(),
-                       [&](int node) { return !(std::fabs(mesh.point(node)[plane.axis] - plane.at) <= slack); });
+    return !std::all_of(boundary.nodes.begin(), boundary.nodes.end(), is_in_plane);
   };
   loops.erase(std::remove_if(loops.begin(), loops.end(), is_elsewhere), loops.end());
   return loops;
@@ -46,14 +67,17 @@ CutCap cap_cut(trControl& control, const CutPlane& plane) {
   const std::vector<FoundBoundary> loops = loops_in(control, plane);
   CutCap cap;
   cap.loops = static_cast<int>(loops.size());
-  if (loops.empty() || tr_interrupt()) return cap;
-  double outward[3] = {0.0, 0.0, 0.0};
-  outward[plane.axis] = plane.keeps_above ? -1.0 : 1.0;
-  const giVector3 normal(outward[0], outward[1], outward[2]);
-  const int elements = mesh.element_count();
-  cap.error = triangulate(mesh, loops, normal);
-  if (cap.error == at2_wrong_direction) cap.error = triangulate(mesh, loops, normal * -1.0);  // the mesh faces inward
-  cap.triangles = mesh.element_count() - elements;
-  mesh.force_changed_status(1);
+  if (tr_interrupt()) return cap;
+  if (!loops.empty()) {
+    double outward[3] = {0.0, 0.0, 0.0};
+    outward[plane.axis] = plane.keeps_above ? -1.0 : 1.0;
+    const giVector3 normal(outward[0], outward[1], outward[2]);
+    const int elements = mesh.element_count();
+    cap.error = triangulate(mesh, loops, normal);
+    if (cap.error == at2_wrong_direction) cap.error = triangulate(mesh, loops, normal * -1.0);  // the mesh faces inward
+    cap.triangles = mesh.element_count() - elements;
+    mesh.force_changed_status(1);
+  }
+  cap.open_edges = open_edges_in(control, plane);
   return cap;
 }

@@ -13,6 +13,7 @@ struct CutPlane {
 struct CutCap {
   int loops = 0;      // found there
   int triangles = 0;  // made to close them
+  int open_edges = 0;  // left there all the same: of the cut where it runs into a boundary that was there before
   at2PlaneError error = at2_success;  // why they stay open
 };
 

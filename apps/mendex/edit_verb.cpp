@@ -109,6 +109,9 @@ ExitCode run_edit(Session& session, const EditArguments& arguments, const std::s
   account.results = edit(session.control);
   session.control.finish_undo(!Interruption::requested());
   Interruption::check();
+  if (account.before.triangles > 0 && session.mesh.valid_elements() == 0) {
+    throw Failure(ExitCode::wrong_usage, "no triangle would be left; nothing is written");
+  }
   session.progress.begin("measuring " + arguments.input);
   account.after = state_of(session, arguments);
   write_mesh(session, {arguments.output, format, false, arguments.input});

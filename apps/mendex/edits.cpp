@@ -8,6 +8,8 @@
 #include "command_line.h"
 #include "edit_verb.h"
 #include "element_snapshot.h"
+#include "shells.h"
+#include "text.h"
 #include "verbs.h"
 
 namespace {
@@ -18,9 +20,20 @@ struct OrientArguments : EditArguments {
   bool reverses = false;
 };
 
-std::vector<EditResult> orient(trControl& control, bool reverses) {
+// What lies within 1e-5 of the lowest or highest point counts as level with it, so that of a very small model any triangle may be the
+// topmost.
+void warn_of_inside_out(Session& session) {
+  const std::size_t count = inside_out_shells(find_shells(session.mesh)).size();
+  if (count == 0) return;
+  session.messages.warning(counted(static_cast<long long>(count), "closed shell faces", "closed shells face") +
+                           " inward; mendex repair turns such shells outward, --reverse the whole model");
+}
+
+std::vector<EditResult> orient(Session& session, bool reverses) {
+  trControl& control = session.control;
   const ElementSnapshot snapshot(control.triblock());
   reverses ? control.action_reverse() : control.action_orient();
+  if (!tr_interrupt()) warn_of_inside_out(session);
   return {{"triangles turned over", size(snapshot.reversed_since())}};
 }
 
@@ -112,7 +125,7 @@ void add_orient_verb(CommandLine& line) {
   const auto arguments = std::make_shared<OrientArguments>();
   CLI::App* verb = line.add_verb("orient", "Turn triangles over until neighbours agree and the top faces up", [arguments](Session& session) {
     return run_edit(session, *arguments, arguments->reverses ? "reversing" : "orienting",
-                    [&](trControl& control) { return orient(control, arguments->reverses); });
+                    [&](trControl&) { return orient(session, arguments->reverses); });
   });
   add_edit_arguments(verb, *arguments, true);
   verb->add_flag("--reverse", arguments->reverses, "Turn every triangle over instead, for a model that is inside out");

@@ -50,8 +50,29 @@ bool is_one_file(const std::string& a, const std::string& b) {
          of_a.st_ino == of_b.st_ino;
 }
 
+// Files in the library's own formats name the triangles that differ from the commonest colour, if that is one: where the mesh has colours
+// but none for elements in general, as one that came from outside, one of its own is taken for that.
+void set_common_colour(Session& session, MeshFormat format) {
+  trTriBlock& mesh = session.mesh;
+  if ((format != MeshFormat::native && format != MeshFormat::mesh_file) || mesh.default_colour() != NO_COLOUR) return;
+  int coloured = 0, bare = 0, colour = NO_COLOUR;
+  for (int e = 1; e < mesh.element_count(); ++e) {
+    if (!mesh.element(e).valid()) continue;
+    const int own = mesh.get_element_colour(e);
+    own == NO_COLOUR ? ++bare : ++coloured;
+    if (colour == NO_COLOUR) colour = own;
+  }
+  if (coloured == 0) return;
+  if (bare > 0) {
+    session.messages.warning("colours are not written, since " + std::to_string(bare) + " triangles have none");
+  } else {
+    mesh.set_element_colour(0, colour);
+  }
+}
+
 // Writes the mesh and reads back what was written.
 void write_own_format(Session& session, SafeOutput& output, const WriteRequest& request) {
+  set_common_colour(session, request.format);
   const bool is_written = write_elements(session.mesh, output.stream(), request);
   Interruption::check();
   output.check();

@@ -25,16 +25,17 @@ std::string text_of(double value) {
 }
 
 std::string escaped(const std::string& text) {
+  const std::string quoted = Json(text).dump(-1, ' ', false, Json::error_handler_t::replace);  // mends what is no UTF-8
   std::string escaped;
-  for (const char c : Json(text).dump(-1, ' ', true, Json::error_handler_t::replace)) {
+  for (const char c : Json::parse(quoted).get<std::string>()) {
     switch (c) {
       case '&': escaped += "&amp;"; break;
       case '<': escaped += "&lt;"; break;
       case '>': escaped += "&gt;"; break;
-      default: escaped += c;
+      default: escaped += static_cast<unsigned char>(c) < ' ' ? '?' : c;
     }
   }
-  return escaped.substr(1, escaped.size() - 2);
+  return escaped;
 }
 
 // Which axes of the model run to the right and up.

@@ -48,10 +48,12 @@ ExitCode run_slice(Session& session, const SliceArguments& arguments) {
     std::vector<EditResult> results = slice(control, arguments, cap);
     if (cap.error != at2_success && cap.error != at2_interrupted) {
       session.messages.warning("the cut stays open, " + counted(cap.loops, "boundary", "boundaries") + ": " + reason_of(cap.error));
+    } else if (cap.open_edges > 0) {
+      session.messages.warning("the cut stays open, " + counted(cap.open_edges, "edge", "edges") + ": it runs into a boundary that was there before");
     }
     return results;
   });
-  return cap.error == at2_success ? code : ExitCode::defects_found;
+  return cap.error == at2_success && cap.open_edges == 0 ? code : ExitCode::defects_found;
 }
 
 }  // namespace
@@ -72,6 +74,6 @@ void add_slice_verb(CommandLine& line) {
       ->type_name("above|below");
   verb->add_flag("--cap", arguments->caps, "Close the cut with flat triangles; a loop inside another one stays a hole of the area");
   line.set_notes(verb,
-                 "Exit code 1 when the cut was to be closed and stays open.",
+                 "Exit code 1 when the cut was to be closed and stays open, 2 when no triangle is left.",
                  "mendex slice part.stl --axis z --at 12.5 --keep below --cap -o lower.stl");
 }

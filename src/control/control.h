@@ -186,7 +186,8 @@ class MENDEX_EXPORT trControl {
 
   // --- exchange with the host -----------------------------------------------------------------------------------------------------------
   /// Replaces the mesh by the host's: points, triangles that are not masked, colours. Host points and triangles count from 0; triangles
-  /// that name points which are not there are passed over. The history is forgotten. A pool without points or triangles gives none.
+  /// that name points which are not there are passed over. The history is forgotten. A pool without points or triangles gives none. Of a
+  /// trTriBlock what is valid is taken; the controller's own block is left as it is.
   void action_fill_triblock(coFeaturePool& pool);
   /// Adds the host's mesh to the mesh; to an empty one as a fill. The history is forgotten.
   void action_append_triblock(coFeaturePool& pool);

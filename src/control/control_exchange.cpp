@@ -1,6 +1,7 @@
 // Meshes that the host hands over in memory.
 
 #include <algorithm>
+#include <vector>
 
 #include "control/control.h"
 #include "platform/digitiser/tri_mask.h"
@@ -36,9 +37,50 @@ class HostMesh {
   pmTriMaskArrcoFeature mask_;
 };
 
+bool has_colours(const trTriBlock& block) {
+  for (int e = 1; e < block.element_count(); ++e) {
+    if (block.element(e).valid() && block.get_element_colour(e) != NO_COLOUR) return true;
+  }
+  return false;
+}
+
+// The mesh of a block of this library, whose reserved slots and deleted entities are no part of it, as a host would hold it.
+void copy_mesh(const trTriBlock& block, giTriBlock& out) {
+  giNodeXYZ points;
+  out.check_out(points);
+  std::vector<int> places(static_cast<std::size_t>(block.node_count()), -1);
+  for (int i = 1; i < block.node_count(); ++i) {
+    if (block.node(i).invalid) continue;
+    const int place = points.data()->points.count();
+    places[static_cast<std::size_t>(i)] = place;
+    points.data()->points[place] = block.point(i);
+  }
+  giTriArrcoFeature triangles;
+  out.check_out(triangles);
+  giTriCols colours;
+  if (has_colours(block)) out.check_out(colours);
+  for (int e = 1; e < block.element_count(); ++e) {
+    const trElement& t = block.element(e);
+    if (!t.valid()) continue;
+    const int place = triangles.data()->triangles.count();
+    for (int k = 0; k < 3; ++k) {
+      const auto corner = static_cast<std::size_t>(static_cast<unsigned>(t[k]));
+      triangles.data()->triangles[place][k] = corner < places.size() ? places[corner] : -1;
+    }
+    if (colours.valid()) (*colours.data())[place] = tr_decode_colour(block.get_element_colour(e));
+  }
+}
+
 }  // namespace
 
 void trControl::action_fill_triblock(coFeaturePool& pool) {
+  if (&pool == &triblock_) return;
+  if (const auto* const block = dynamic_cast<const trTriBlock*>(&pool)) {
+    giTriBlock copy;
+    copy_mesh(*block, copy);
+    action_fill_triblock(copy);
+    return;
+  }
   triblock_.clear();
   const HostMesh host(pool);
   take_host_mesh(pool);
@@ -51,6 +93,13 @@ void trControl::action_fill_triblock(coFeaturePool& pool) {
 }
 
 void trControl::action_append_triblock(coFeaturePool& pool) {
+  if (&pool == &triblock_) return;
+  if (const auto* const block = dynamic_cast<const trTriBlock*>(&pool)) {
+    giTriBlock copy;
+    copy_mesh(*block, copy);
+    action_append_triblock(copy);
+    return;
+  }
   if (triblock_.node_count() < 2) {
     action_fill_triblock(pool);
   } else {

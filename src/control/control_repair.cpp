@@ -92,6 +92,7 @@ void trControl::action_reverse() {
 void trControl::action_cure(int mode) {
   if (mode == 0) {
     sick_elems_.delete_elements();
+    if (tr_interrupt()) return;
     triangle_update(1);
     sick_elems_.stale_ = 0;
   } else if (triblock_.cure_sick(mode)) {

@@ -1,5 +1,7 @@
 #include "apps/process.h"
 
+#include "build_paths.h"
+
 #include <fcntl.h>
 #include <pty.h>
 #include <signal.h>

@@ -8,6 +8,7 @@
 
 #include "apps/process.h"
 #include "apps/test_files.h"
+#include "build_paths.h"
 
 TEST(Samples, AreWhatTheGeneratorMakes) {
   const TestFolder folder;

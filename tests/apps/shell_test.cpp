@@ -184,7 +184,7 @@ TEST(MendexRun, TellsErrorsWithTheirLineAndCode) {
     EXPECT_NE(result.errors.find(c.told), std::string::npos) << c.line << ": " << result.errors;
     EXPECT_EQ(result.output, "") << c.line;
   }
-  const ProcessResult all = test.run("fill\nread nowhere.stl\nfoo\n" + box + "boundaries\n", {"--keep-going"});
+  const ProcessResult all = test.run("undo\nread nowhere.stl\nfoo\n" + box + "boundaries\n", {"--keep-going"});
   EXPECT_EQ(all.exit_code, 3);
   EXPECT_EQ(std::count(all.errors.begin(), all.errors.end(), '\n'), 3);
   EXPECT_NE(all.output.find("1 boundary"), std::string::npos);

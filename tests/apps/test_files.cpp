@@ -1,5 +1,7 @@
 #include "apps/test_files.h"
 
+#include "build_paths.h"
+
 #include <stdlib.h>
 
 #include <algorithm>

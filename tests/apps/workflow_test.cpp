@@ -11,6 +11,7 @@
 
 #include "apps/process.h"
 #include "apps/test_files.h"
+#include "build_paths.h"
 
 namespace {
 

@@ -1,5 +1,7 @@
 #include "architecture/include_ladder.h"
 
+#include "build_paths.h"
+
 #include <gtest/gtest.h>
 
 namespace {

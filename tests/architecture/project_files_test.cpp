@@ -6,6 +6,7 @@
 #include <set>
 
 #include "architecture/source_tree.h"
+#include "build_paths.h"
 
 namespace {
 

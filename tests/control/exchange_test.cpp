@@ -216,6 +216,25 @@ TEST(Exchange, ComesToMeshesInAnyState) {
   }
 }
 
+// Of a block of this library what is valid is taken; a controller's own block is no mesh from outside.
+TEST(Exchange, TakesBlocksOfThisLibrary) {
+  CapturedOutput output;
+  trControl source, control;
+  add_to(source.triblock(), closed_box());
+  source.triblock().delete_element(3);
+  source.triblock().set_element_colour(5, 42);
+  for (const int times : {1, 2}) {
+    times == 1 ? control.action_fill_triblock(source.triblock()) : control.action_append_triblock(source.triblock());
+    EXPECT_EQ(control.triblock().valid_nodes(), 8 * times);
+    EXPECT_EQ(control.triblock().valid_elements(), 11 * times);
+    EXPECT_EQ(control.triblock().element_count(), 11 * times + 1);
+    EXPECT_EQ(control.triblock().get_element_colour(11 * (times - 1) + 4), 42);
+  }
+  control.action_append_triblock(control.triblock());
+  control.action_fill_triblock(control.triblock());
+  EXPECT_EQ(control.triblock().valid_elements(), 22);
+}
+
 // White and opaque is packed as the number that stands for no colour.
 TEST(Exchange, OpaqueWhiteIsNoColour) {
   EXPECT_EQ(tr_encode_colour(giColour(255, 255, 255, 255)), NO_COLOUR);

@@ -218,6 +218,7 @@ TEST(RepairActions, InterruptedAtEveryPoll) {
       {[](trControl& c) { c.action_overlapping(10); }, folded()},
       {[](trControl& c) { c.action_intersecting(10); }, crossing()},
       {[](trControl& c) { c.action_orient(); }, one_reversed()},
+      {[](trControl& c) { c.action_cure(0); }, with_fin()},
       {[](trControl& c) { c.action_cure(1); }, with_fin()},
   };
   for (const auto& [act, shape] : cases) {

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "build_paths.h"
 #include "format_input.h"
 
 namespace {
