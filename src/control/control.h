@@ -35,8 +35,8 @@ class MENDEX_EXPORT trControl {
   trControl& operator=(const trControl&) = delete;
   virtual ~trControl();
 
-  /// Called after every change of the mesh, for a host to refresh its views: with 1 when triangles came, went or moved, with 0 when only
-  /// their order, numbers or attributes changed. Does nothing here.
+  /// Called after each action that changed the mesh, for a host to refresh its views: with 1 when triangles came, went or moved, with 0 when
+  /// only their order, numbers or attributes changed. Not called by finish_undo(0). Does nothing here.
   virtual void control_update(int what);
   /// The host's active workplane; here the one that stands for none.
   virtual const ccWorkplane& active_workplane() const;
@@ -89,7 +89,7 @@ class MENDEX_EXPORT trControl {
   /// Opens a record of that name; edits are recorded until it is finished. What could have been redone is dropped.
   void start_undo(const utString& name);
   /// Closes the record: keeps it, or with `success` 0 takes the edits back at once and for good. Without an open record nothing is closed
-  /// or taken back.
+  /// or taken back. What was taken back is told to nobody: call triangle_update(1) then.
   void finish_undo(int success);
   /// Take back, or do again, up to `count` operations. The boundary selection is cleared.
   void action_undo(int count);
