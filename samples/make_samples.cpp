@@ -130,6 +130,32 @@ Facets open_box() {
   return facets;
 }
 
+// A ring (radii 8 and 3) as a careless exporter leaves it: the columns from 12 on are a piece of their own that stands off by 3/1024,
+// a patch is missing and a single facet, eight facets look inward, one is there twice, and one sticks out like a fin.
+Facets broken_ring() {
+  constexpr int columns = 24, rows = 12;
+  const auto point = [](int i, int j) {
+    const double round = 2.0 * pi * i / columns, across = 2.0 * pi * (j % rows) / rows;
+    const double radius = 8.0 + 3.0 * std::cos(across);
+    return Point{on_grid(radius * std::cos(round)), on_grid(radius * std::sin(round)), on_grid(3.0 * std::sin(across))};
+  };
+  const Facets sound = surface_of_grid(columns, rows, point);
+  Facets facets;
+  for (std::size_t k = 0; k < sound.size(); ++k) {
+    const int column = static_cast<int>(k / 2) % columns, row = static_cast<int>(k / 2) / columns;
+    const bool is_missing = (column >= 19 && column <= 21 && row >= 1 && row <= 2) || k == 2 * (3 * columns + 4);
+    if (is_missing) continue;
+    Facet facet = sound[k];
+    for (Point& p : facet) p.z += column >= 12 ? 3.0 / 1024.0 : 0.0;
+    if (column >= 14 && column <= 15 && row >= 1 && row <= 2) std::swap(facet[1], facet[2]);
+    facets.push_back(facet);
+    if (k == 2 * (2 * columns + 2)) facets.push_back(facet);
+  }
+  const Point a = point(0, 2), b = point(1, 2);
+  facets.push_back({a, b, {on_grid(1.3 * a.x), on_grid(1.3 * a.y), on_grid(a.z + 1.5)}});
+  return facets;
+}
+
 // --- files ---
 
 Point normal_of(const Facet& f) {
@@ -197,11 +223,12 @@ int main(int argc, char** argv) {
     return 2;
   }
   const std::string whole = binary_stl(bracket(), "bracket, cut off");
-  const std::array<std::pair<const char*, std::string>, 5> files = {{
+  const std::array<std::pair<const char*, std::string>, 6> files = {{
       {"bracket_soup.stl", binary_stl(bracket(), "solid bracket")},  // many exporters begin binary files with "solid"
       {"gap_sphere.stl", binary_stl(gap_sphere(), "sphere with gaps")},
       {"torus_collapsed.stl", binary_stl(torus_collapsed(), "torus with collapsed facets")},
       {"open_box.ast", ascii_stl(open_box(), "open box, a facet per line and a vertex per corner")},
+      {"broken_ring.stl", binary_stl(broken_ring(), "ring with six kinds of defects")},
       {"truncated.stl", whole.substr(0, 84 + 100 * 50 + 33)},  // within facet 101
   }};
   for (const auto& [name, bytes] : files) {

@@ -25,7 +25,7 @@
 /// A host makes one controller and keeps it. It brackets each edit with `start_undo` and `finish_undo`; an edit outside a bracket
 /// cannot be taken back, and neither can the edits before it from then on: call `undo_hist().reset("")` after one. Results go to the output stream
 /// (`tr_out`) as lines of text and, as commands, to files that the host hands in and the controller closes.
-/// Wrong arguments print a line that begins with " Error: " and change nothing. Nothing throws.
+/// Wrong arguments change nothing; nearly all actions print why, as a line. Nothing throws.
 /// Several controllers may be used in turn, from one thread; only one of them has its boundaries detected at a time.
 /// Operations that are const but search or edit do so through self(): never define an object of this class as const.
 class MENDEX_EXPORT trControl {
@@ -35,8 +35,8 @@ class MENDEX_EXPORT trControl {
   trControl& operator=(const trControl&) = delete;
   virtual ~trControl();
 
-  /// Called after every change of the mesh, for a host to refresh its views: with 1 when triangles came, went or moved, with 0 when only
-  /// their order, numbers or attributes changed. Does nothing here.
+  /// Called after each action that changed the mesh, for a host to refresh its views: with 1 when triangles came, went or moved, with 0 when
+  /// only their order, numbers or attributes changed. Not called by finish_undo(0). Does nothing here.
   virtual void control_update(int what);
   /// The host's active workplane; here the one that stands for none.
   virtual const ccWorkplane& active_workplane() const;
@@ -89,7 +89,7 @@ class MENDEX_EXPORT trControl {
   /// Opens a record of that name; edits are recorded until it is finished. What could have been redone is dropped.
   void start_undo(const utString& name);
   /// Closes the record: keeps it, or with `success` 0 takes the edits back at once and for good. Without an open record nothing is closed
-  /// or taken back.
+  /// or taken back. What was taken back is told to nobody: call triangle_update(1) then.
   void finish_undo(int success);
   /// Take back, or do again, up to `count` operations. The boundary selection is cleared.
   void action_undo(int count);

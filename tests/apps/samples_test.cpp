@@ -16,7 +16,7 @@ TEST(Samples, AreWhatTheGeneratorMakes) {
   setup.program = MENDEX_MAKE_SAMPLES;
   setup.arguments = {folder.path("")};
   ASSERT_EQ(run_process(setup).exit_code, 0);
-  EXPECT_EQ(folder.names().size(), 5u);
+  EXPECT_EQ(folder.names().size(), 6u);
   for (const std::string& name : folder.names()) {
     EXPECT_TRUE(contents_of_file(folder.path(name)) == contents_of_file(sample(name))) << name;
   }
@@ -40,9 +40,12 @@ TEST(Readme, ShowsRealOutput) {
   std::filesystem::create_directory_symlink(MENDEX_SOURCE_DIR "/samples", folder.path("samples"));
   const std::string readme = contents_of_file(MENDEX_SOURCE_DIR "/README.md");
   const std::vector<std::vector<std::string>> commands = {
+      {"repair", "samples/broken_ring.stl", "-o", "sound.stl"},
       {"weld", "samples/torus_collapsed.stl", "-o", "fixed.stl"},
       {"check", "samples/open_box.ast"},
       {"cap", "samples/open_box.ast", "-o", "closed.stl", "--spacing", "5"},
+      {"slice", "samples/bracket_soup.stl", "--at", "12.5", "--keep", "below", "--cap", "-o", "lower.stl"},
+      {"section", "samples/bracket_soup.stl", "--at", "2.5,12.5"},
       {"info", "samples/bracket_soup.stl"},
       {"info", "samples/bracket_soup.stl", "--json"},
   };
