@@ -421,9 +421,12 @@ TEST(Stitching, StoppedBetweenSliversItKeepsThoseItMade) {
     trCycleArray set(&block);
     ASSERT_EQ(set.num_boundaries(), 6);
     ASSERT_EQ(block.changed, 0);
-    InterruptingHandler handler(stop);
-    const int result = set.stitch(0.02);
-    is_stopped = handler.interrupted_flag;
+    int result = 0;
+    {
+      const InterruptingHandler handler(stop);
+      result = set.stitch(0.02);
+      is_stopped = handler.interrupted_flag;
+    }
     const int slivers = block.valid_elements() - 6;
     made.insert(slivers);
     if (slivers == 0) continue;
@@ -444,9 +447,12 @@ TEST(Superstitching, StoppedBeforeTheElementIsDeletedItDeletesNothing) {
     block.add_flap(0.5, 0);
     trCycleArray set(&block);
     ASSERT_EQ(set.num_boundaries(), 2);
-    InterruptingHandler handler(stop);
-    const int result = set.superstitch(0.01);
-    is_stopped = handler.interrupted_flag;
+    int result = 1;
+    {
+      const InterruptingHandler handler(stop);
+      result = set.superstitch(0.01);
+      is_stopped = handler.interrupted_flag;
+    }
     if (!is_stopped || block.node(5).side != 0 || block.valid_elements() != 3) continue;
     ++stopped_between;
     EXPECT_EQ(result, 0);
