@@ -54,9 +54,9 @@ int trTriBlock::create_gcm_surface(const giPoint3coPageArr& ring, const giPoint3
   return ReportingFitter().fit(ring, boundary, surface);
 }
 
-void trTriBlock::disable_curvature_adjust(const int& free) const {
-  if (free) self()->free_surface();
-  self()->curvature_adjust = 0;
+void trTriBlock::disable_curvature_adjust(const int& free) {
+  if (free) free_surface();
+  curvature_adjust = 0;
 }
 
 int trTriBlock::apply_curvature_adjust_on_coords(const giPoint3& p, const giVector3& direction, giPoint3& q) const {

@@ -173,8 +173,8 @@ class MENDEX_EXPORT trControl {
   int unselect_cycles(const intcoSet& ids, double& average_length) const;
   /// Closes by triangles on the nodes of the boundary and a centre. 1 when a boundary was filled; else says so.
   int action_fill(const int& curvature) const;
-  /// Closes by triangles with new nodes at about `spacing`, which must be above 0. When nothing was tried, the open undo bracket is
-  /// closed and taken back. `error` is that of the last boundary; 1 when one was tried.
+  /// Closes by triangles with new nodes at about `spacing`, which must be above 0; else says so and leaves all, `error` too, as it is.
+  /// When nothing was tried, the open undo bracket is closed and taken back. `error` is that of the last boundary; 1 when one was tried.
   int action_cap(double spacing, at2PlaneError& error, const int& curvature) const;
   /// The same, each boundary in an undo bracket of its own, "fill_hole": call it outside any. Boundaries that failed are selected again,
   /// with their picks. `error` is that of the one that failed, 6 when several did, 0 where none came so far as to be triangulated.

@@ -13,7 +13,6 @@ constexpr double second_tol = 1e-7;
 int trControl::action_cap(double spacing, at2PlaneError& error, const int& curvature) const {
   if (!(spacing > 0.0)) {
     print_message(" Error: invalid value for distance between nodes");
-    error = at2_bad_length;
     return 0;
   }
   if (self()->cycles_.cap_holes(spacing, second_tol, error, curvature)) {

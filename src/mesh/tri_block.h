@@ -233,7 +233,7 @@ class MENDEX_EXPORT trTriBlock : public trMeshArrays {
   /// @return 0; -2 when no surface could be fitted; -1 when interrupted before. Progress: 30 % the ring, 70 % the surface.
   int enable_curvature_adjust(const intcoPageArr* boundary_nodes, int option) const;
   /// New nodes stay where they are made; frees the surface too when `free` is not 0.
-  void disable_curvature_adjust(const int& free) const;
+  void disable_curvature_adjust(const int& free);
   /// q = p moved onto the fitted surface along `direction`, or to its closest point when there is none; -1 and q = p when
   /// adjustment is off; else the surface's answer, 0 for success.
   int apply_curvature_adjust_on_coords(const giPoint3& p, const giVector3& direction, giPoint3& q) const;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <set>
 
 #include "boundaries/boundary_shapes.h"
 #include "boundaries/bowls.h"
@@ -271,6 +272,27 @@ TEST(Capping, SmallHolesAreNotOriented) {
   }
 }
 
+// The far corner has edges too short to turn by: it and the corner behind it tell the sense of the rim round its middle.
+TEST(Capping, IsOrientedRoundItsMiddleWhereTheFarCornerDoesNotTurn) {
+  const double e = 1e-5;
+  const Outline rim = {{0, 0}, {4, 0}, {12 - 4 * e, 2 - e}, {12, 2}, {12 - 4 * e, 2 + e}, {4, 4}, {0, 4}, {0, 3}, {0, 2}, {0, 1}};
+  for (const giVector3& up : {giVector3(0, 0, 1), giVector3(0, 0, -1), giVector3(1, 2, 3), giVector3(-1, -2, 3)}) {
+    CapturedOutput output;
+    BlockOf block(bowl(rim, frame_of(up)));
+    trCycleArray set(&block);
+    select_all(set);
+    const int first = block.element_count();
+    at2PlaneError error = at2_no_memory;
+    EXPECT_EQ(set.cap_holes(1.0, 0.0, error, 0), 1);
+    EXPECT_EQ(error, at2_success);
+    EXPECT_EQ(output.text(), "");
+    giVector3 facing = up;
+    facing.make_unit();
+    EXPECT_NEAR(cap_of(block, first, facing).area, area_of(rim), 1e-9);
+    EXPECT_TRUE(expected_free_edges(block).empty());
+  }
+}
+
 // --- arcs ---------------------------------------------------------------------------------------------------------
 
 // Two picks and a third on the side to be capped: the arc is closed by a row of nodes along the line between the two.
@@ -311,6 +333,56 @@ TEST(CappingArc, TheArcAndThenTheRestCloseTheHole) {
     EXPECT_EQ(error, at2_success);
     expect_capped(block, first, rim, giVector3(0, 0, 1));
   }
+}
+
+// A cap makes the boundary stale by itself: the part of the hole that is left is found again.
+TEST(CappingArc, TheRestIsFoundAgain) {
+  BlockOf block(bowl(round_outline(20)));
+  trCycleArray set(&block);
+  pick(set, 0, {1, 11, 5});
+  EXPECT_EQ(block.changed, 0);
+  at2PlaneError error = at2_success;
+  EXPECT_EQ(set.cap_holes(0.3, 0.0, error, 0), 1);
+  EXPECT_EQ(error, at2_success);
+  EXPECT_EQ(block.changed, 1);
+  EXPECT_EQ(set.edge_count, -1);
+  EXPECT_EQ(set.num_boundaries(), 1);
+}
+
+// A rim folded along the line between the picks: once the row along it is made, the plane is that of the arc, not of the whole rim.
+TEST(CappingArc, LiesInThePlaneOfTheArc) {
+  const Outline rim = {{0, 0}, {4, 0}, {4, 4}, {4, 8}, {0, 8}, {0, 4}};
+  Shape shape = bowl(rim);
+  for (std::size_t k : {3u, 4u}) shape.points[k].z = 3.0;
+  BlockOf block(shape);
+  trCycleArray set(&block);
+  pick(set, 0, {6, 3, 1});
+  const int first = block.element_count();
+  at2PlaneError error = at2_success;
+  ASSERT_EQ(set.cap_hole(0, 0, 1.0, 0, error), 1);
+  std::set<int> inside;
+  for (int e = first; e < block.element_count(); ++e) {
+    for (int k = 0; k < 3; ++k) {
+      const giPoint3& p = block.point(block.element(e)[k]);
+      EXPECT_NEAR(p.z, 0.0, 1e-12);
+      if (p.x > 0.1 && p.x < 3.9 && p.y > 0.1 && p.y < 3.9) inside.insert(block.element(e)[k]);
+    }
+  }
+  EXPECT_GE(inside.size(), 4u);
+}
+
+// The first plane is that of the whole rim. Where the arc between the picks has none the row is made all the same, and stays.
+TEST(CappingArc, TheWholeRimIsFittedBeforeTheArcIsSet) {
+  BlockOf block(bowl({{0, 0}, {2, 0}, {4, 0}, {6, 0}, {6, 6}, {0, 6}}));
+  trCycleArray set(&block);
+  pick(set, 0, {1, 4, 2});
+  const int nodes = block.node_count();
+  const int elements = block.element_count();
+  at2PlaneError error = at2_no_memory;
+  EXPECT_EQ(set.cap_hole(0, 0, 1.0, 0, error), 0);
+  EXPECT_EQ(error, at2_no_memory) << "never triangulated";
+  EXPECT_EQ(block.node_count(), nodes + 2 * 5);
+  EXPECT_EQ(block.element_count(), elements);
 }
 
 // The row of nodes that was to close the arc stays in the block when the arc cannot be capped.
@@ -443,7 +515,36 @@ TEST(CappingProgress, EachHoleHasItsShareAndTheRangeIsRestored) {
   EXPECT_NEAR(handler.percents[static_cast<std::size_t>(middle - handler.messages.begin())], 20.0, 1e-12);
 }
 
-// Interrupted, it returns 0 with nothing selected, also after holes were closed.
+// A fitted surface takes the first fifth of the range that the host had set before, whichever hole it is; the cap fills the rest.
+TEST(CappingProgress, CurvatureIsReportedInTheRangeOfTheHost) {
+  Shape shape = holed_surface(surfaces[0].height);
+  Shape second = shape;
+  for (giPoint3& p : second.points) p.x += 10.0;
+  append(shape, second);
+  BlockOf block(shape);
+  trCycleArray set(&block);
+  pick(set, 0, {});
+  pick(set, 2, {});
+  InterruptingHandler handler;
+  tr_set_percent_range(10.0, 60.0);
+  at2PlaneError error = at2_success;
+  ASSERT_EQ(set.cap_hole(0, 0, 0.1, 1, error), 1) << error;
+  int fitting = 0, capping = 0;
+  for (std::size_t k = 0; k < handler.messages.size(); ++k) {
+    const bool is_fitting = handler.messages[k].rfind("Filling Holes - ", 0) == 0;
+    ++(is_fitting ? fitting : capping);
+    EXPECT_GE(handler.percents[k], is_fitting ? 10.0 : 20.0) << handler.messages[k];
+    EXPECT_LE(handler.percents[k], is_fitting ? 20.0 : 60.0) << handler.messages[k];
+    if (handler.messages[k] == "Filling Holes - Calculating Curvature...") { EXPECT_GE(handler.percents[k], 13.0); }
+  }
+  EXPECT_GE(fitting, 3);
+  EXPECT_GE(capping, 3);
+  EXPECT_GT(handler.percents.back(), 50.0);
+  EXPECT_EQ(handler.percent_inf_range(), 10.0);
+  EXPECT_EQ(handler.percent_sup_range(), 60.0);
+}
+
+// Interrupted, it returns 0 with nothing selected and the mesh not marked as changed, also after holes were closed.
 TEST(CappingProgress, InterruptionEmptiesTheSelection) {
   Shape shape = bowl(square);
   append(shape, bowl(square, moved_to(10)));
@@ -462,6 +563,7 @@ TEST(CappingProgress, InterruptionEmptiesTheSelection) {
       if (handler.interrupted_flag) polls = stop + 1;
     }
     EXPECT_EQ(set.selection.count(), 0);
+    EXPECT_EQ(block.changed, result) << "stopped at " << stop;
     EXPECT_TRUE(is_sound(block));
     if (result == 0 && block.element_count() > first) ++stopped_between;
   }

@@ -159,6 +159,35 @@ TEST_F(CyclePicks, TheArcIsChosenByTheThirdPickElseByLength) {
   EXPECT_EQ(cycle().arc_start, -1) << "without picks nothing changes";
 }
 
+// A picked node that the cycle passes twice stands where it is met last, as an end and as the third pick.
+TEST(DoubleNodePicks, StandWhereTheyAreMetLast) {
+  trTriBlock block;
+  const double places[][2] = {{0, 0}, {3, 0}, {9, 4}, {9, -4}, {5, 0}};
+  for (int k = 0; k < 5; ++k) block.set_node(k + 1, giPoint3(places[k][0], places[k][1], 0));
+  block.generate(5, 3, 4);
+  block.generate(1, 5, 2);
+  trCycleArray set(&block);
+  ASSERT_EQ(all_cycles(set), (std::vector<Numbers>{{1, 5, 3, 4, 5, 2}}));
+  trCycle& cycle = set.cycles[0];
+  const struct {
+    Numbers picks;
+    Numbers outputs;  // start, after start, before end, end
+    int forward;
+  } cases[] = {
+      {{1, 5, 3}, {1, 5, 4, 5}, 1}, {{5, 2, 1}, {5, 2, 5, 2}, 0}, {{5, 4, 1}, {4, 5, 4, 5}, 0},
+      {{3, 5, 4}, {3, 4, 4, 5}, 1}, {{1, 3, 5}, {1, 5, 5, 3}, 0},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::PrintToString(c.picks));
+    cycle.enable_holefilling(0);
+    for (int k = 0; k < 3; ++k) cycle.picks[k] = c.picks[static_cast<std::size_t>(k)];
+    Numbers out(4, 0);
+    cycle.enable_holefilling(1, out[0], out[1], out[2], out[3]);
+    EXPECT_EQ(out, c.outputs);
+    EXPECT_EQ(cycle.arc_forward, c.forward);
+  }
+}
+
 TEST_F(CyclePicks, LengthsAreTakenFromTheEndThatIsMetFirst) {
   set.num_boundaries();
   const double side = cycle().average_length();

@@ -68,8 +68,9 @@ TEST(ActionCap, RefusesASpacingThatIsNotPositive) {
     Host host({square});
     host.select_all();
     const BlockSnapshot before(host.triblock());
-    at2PlaneError error = at2_success;
+    at2PlaneError error = at2_no_memory;
     EXPECT_EQ(host.action_cap(spacing, error, 0), 0);
+    EXPECT_EQ(error, at2_no_memory) << "not touched";
     EXPECT_EQ(output.take(), " Error: invalid value for distance between nodes\n");
     EXPECT_EQ(before.difference(BlockSnapshot(host.triblock())), "");
     EXPECT_EQ(host.cycles().selection.count(), 1);
@@ -257,6 +258,37 @@ TEST(ActionCapExt, InterruptionTakesAllBack) {
     ++taken_back;
   }
   EXPECT_GE(taken_back, 100);
+}
+
+// The part of a hole that was not picked is a hole again, found without a further edit.
+TEST(ActionCapExt, TheRestOfAHoleIsFoundAgain) {
+  CapturedOutput output;
+  Host host({round_outline(20)});
+  host.select_all();
+  for (const int node : {1, 11, 5}) host.select(intcoSet{0}, node);
+  at2PlaneError error = at2_success;
+  EXPECT_EQ(host.action_cap_ext(0.3, 0, error), 1);
+  EXPECT_EQ(error, at2_success);
+  EXPECT_EQ(host.cycles().num_boundaries(), 1);
+  EXPECT_EQ(host.cycles().selection.count(), 0);
+}
+
+// Each of two holes has its half of the progress, the second from 50 on.
+TEST(ActionCapExt, EachHoleHasItsShareOfTheProgress) {
+  CapturedOutput output;
+  Host host({round_outline(200), round_outline(200)});
+  host.select_all();
+  InterruptingHandler handler;
+  at2PlaneError error = at2_success;
+  ASSERT_EQ(host.action_cap_ext(0.03, 0, error), 1);
+  std::vector<double> begins;
+  for (std::size_t k = 0; k < handler.messages.size(); ++k) {
+    const bool is_begin = handler.messages[k] == "Triangulating" && (k == 0 || handler.messages[k - 1] != "Triangulating");
+    if (is_begin) begins.push_back(handler.percents[k]);
+  }
+  ASSERT_EQ(begins.size(), 2u);
+  EXPECT_NEAR(begins[0], 20.0, 1e-12);
+  EXPECT_NEAR(begins[1], 70.0, 1e-12);
 }
 
 // Of several controllers each caps its own: cycles that another one's detection discarded are found again.

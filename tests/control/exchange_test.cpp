@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <limits>
+#include <utility>
+
 #include "analysis/sick_triangles.h"
 #include "control/control.h"
 #include "platform/digitiser/tri_mask.h"
@@ -28,6 +32,7 @@ class HostPool : public giTriBlock {
     t[1] = b;
     t[2] = c;
   }
+  void set_point(int k, const giPoint3& p) { points_.data()->points[k] = p; }
   void mask(int k) {
     check_out(mask_);
     mask_.data()->set(k);
@@ -240,4 +245,52 @@ TEST(Exchange, TakesBlocksOfThisLibrary) {
 TEST(Exchange, OpaqueWhiteIsNoColour) {
   EXPECT_EQ(tr_encode_colour(giColour(255, 255, 255, 255)), NO_COLOUR);
   EXPECT_EQ(tr_decode_colour(NO_COLOUR), giColour(255, 255, 255, 255));
+}
+
+// Each exchange tells the host of one change; appending to an empty mesh fills it, which tells it once more.
+TEST(Exchange, TellsTheHost) {
+  struct Host : trControl {
+    void control_update(int what) override { updates.push_back(what); }
+    std::vector<int> take() { return std::exchange(updates, {}); }
+    std::vector<int> updates;
+  } host;
+  CapturedOutput output;
+  HostPool pool;
+  host.action_append_triblock(pool);
+  EXPECT_EQ(host.take(), (std::vector<int>{1, 1}));
+  host.action_append_triblock(pool);
+  EXPECT_EQ(host.take(), std::vector<int>{1});
+  host.action_fill_triblock(pool);
+  EXPECT_EQ(host.take(), std::vector<int>{1});
+  giTriBlock out;
+  host.triblock().get_giTriBlock(out);
+  EXPECT_TRUE(host.updates.empty());
+}
+
+// A point that is not a number is a point like any other: it keeps its number and its triangles, there and back.
+TEST(Exchange, PointsThatAreNotNumbersKeepTheirPlace) {
+  CapturedOutput output;
+  HostPool pool;
+  const double odd = std::numeric_limits<double>::quiet_NaN();
+  pool.set_point(0, giPoint3(odd, 1, 1));
+  pool.set_point(3, giPoint3(1, odd, odd));
+  trControl control;
+  control.action_fill_triblock(pool);
+  control.action_append_triblock(pool);
+  const trTriBlock& block = control.triblock();
+  EXPECT_EQ(block.valid_nodes(), 14);
+  EXPECT_EQ(block.valid_elements(), 10);
+  EXPECT_EQ(block.element(7)[2], 11);
+  EXPECT_TRUE(std::isnan(block.point(11).y) && block.point(11).x == 1.0);
+  giTriBlock out;
+  control.triblock().get_giTriBlock(out);
+  giNodeXYZ points;
+  giTriArrcoFeature triangles;
+  ASSERT_TRUE(out.find(points) && out.find(triangles));
+  ASSERT_EQ(points.data()->points.count(), 14);
+  ASSERT_EQ(triangles.data()->triangles.count(), 10);
+  for (int k = 0; k < 14; ++k) {
+    EXPECT_EQ(std::isnan(points.data()->points[k].x), k % 7 == 0) << k;
+    EXPECT_EQ(std::isnan(points.data()->points[k].z), k % 7 == 3) << k;
+  }
 }

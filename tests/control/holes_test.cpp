@@ -76,3 +76,23 @@ TEST(FillAction, PicksChooseThePartThatIsFilled) {
   EXPECT_EQ(host.triblock().valid_elements(), 12 + 5);
   EXPECT_EQ(host.cycles().num_edges(), 9);
 }
+
+// Moving the mesh keeps boundaries, selection and picks: what was picked before is filled after.
+TEST(FillAction, SelectionAndPicksOutliveATransform) {
+  Host host;
+  add_to(host.triblock(), cone_fan(12));
+  double length = 0.0;
+  for (int pick : {-1, 5, 9}) host.select_cycles({0}, length, pick, intcoSet(), -1, -1);
+  host.action_transform_triangles(giXform3::rotation(giVector3(0, 0, 1), giVector3(1, 2, 3)).then(giXform3::translation(giVector3(7, 8, 9))));
+  EXPECT_EQ(host.cycles().detected(), 1);
+  ASSERT_EQ(host.cycles().selection.count(), 1);
+  ASSERT_EQ(host.cycles().cycles.count(), 1);
+  const trCycle& cycle = host.cycles().cycles[0];
+  EXPECT_EQ(cycle.selected, 1);
+  EXPECT_EQ((std::vector<int>{cycle.picks[0], cycle.picks[1], cycle.picks[2]}), (std::vector<int>{5, 9, 5}));
+  ASSERT_EQ(cycle.valid_nodes.count(), 2);
+  EXPECT_EQ(host.action_fill(0), 1);
+  EXPECT_EQ(host.triblock().valid_elements(), 12 + 5);
+  EXPECT_EQ(host.cycles().num_edges(), 9);
+  EXPECT_EQ(host.updates, (std::vector<int>{1, 1}));
+}

@@ -171,6 +171,95 @@ TEST(RepairActions, LeaveTheirListFreshAndTheOthersStale) {
   }
 }
 
+// Every action that tells the host of a change makes all six lists stale, and one that does not leaves all of them alone. Taking
+// back and doing again tell whenever there is something to take back or to do again.
+TEST(RepairActions, MakeAllListsStaleWhenTheMeshChanged) {
+  const CapturedOutput output;
+  using Act = std::function<void(trControl&)>;
+  const auto fill = [](trControl& c) { c.action_fill(0); };
+  const auto cap = [](trControl& c) {
+    at2PlaneError error = at2_success;
+    c.action_cap(0.2, error, 0);
+  };
+  const auto cap_each = [](trControl& c) {
+    at2PlaneError error = at2_success;
+    c.action_cap_ext(0.2, 0, error);
+  };
+  const Act nothing = [](trControl&) {};
+  const Act select = [](trControl& c) {
+    double length = 0.0;
+    c.select_cycles({0}, length, -1, intcoSet(), -1, -1);
+  };
+  const Act edit = [](trControl& c) {
+    c.start_undo("edit");
+    c.triblock().delete_element(1);
+    c.finish_undo(1);
+  };
+  const Act edit_and_undo = [&](trControl& c) {
+    edit(c);
+    c.action_undo(1);
+  };
+  const struct {
+    const char* name;
+    Act act;
+    Act prepare;
+    Shape shape;
+    int is_stale;
+  } cases[] = {
+      {"undup", [](trControl& c) { c.action_undup(1e-6); }, nothing, exploded(closed_box()), 1},
+      {"undup, idle", [](trControl& c) { c.action_undup(1e-6); }, nothing, closed_box(), 0},
+      {"bundup", [](trControl& c) { c.action_bundup(1e-6); }, nothing, exploded(closed_box()), 1},
+      {"bundup, idle", [](trControl& c) { c.action_bundup(1e-6); }, nothing, closed_box(), 0},
+      {"swap", [](trControl& c) { c.action_swap(0.9, 3); }, nothing, bad_diagonal(), 1},
+      {"swap, idle", [](trControl& c) { c.action_swap(0.1, 3); }, nothing, closed_box(), 0},
+      {"orient", [](trControl& c) { c.action_orient(); }, nothing, one_reversed(), 1},
+      {"orient, idle", [](trControl& c) { c.action_orient(); }, nothing, closed_box(), 0},
+      {"reverse", [](trControl& c) { c.action_reverse(); }, nothing, closed_box(), 1},
+      {"renumber", [](trControl& c) { c.action_renumber(); }, nothing, closed_box(), 1},
+      {"transform", [](trControl& c) { c.action_transform_triangles(giXform3()); }, nothing, closed_box(), 1},
+      {"cancelling", [](trControl& c) { c.action_cancelling(1); }, nothing, one_repeated(), 1},
+      {"cancelling, idle", [](trControl& c) { c.action_cancelling(1); }, nothing, closed_box(), 0},
+      {"stitch, idle", [](trControl& c) { c.action_stitch(1e-6); }, nothing, closed_box(), 1},
+      {"staple, idle", [](trControl& c) { c.action_staple(1e-6); }, nothing, closed_box(), 0},
+      {"auto stitch, idle", [](trControl& c) { c.action_auto_stitch(Single, 1e-6, 0, 0, 1, 0, 0, 0, 0); }, nothing, closed_box(), 1},
+      {"fill", fill, select, punctured_sphere(6, 1), 1},
+      {"fill, idle", fill, nothing, punctured_sphere(6, 1), 0},
+      {"cap", cap, select, punctured_sphere(6, 1), 1},
+      {"cap, idle", cap, nothing, punctured_sphere(6, 1), 0},
+      {"cap each", cap_each, select, punctured_sphere(6, 1), 1},
+      {"cap each, idle", cap_each, nothing, punctured_sphere(6, 1), 0},
+      {"undo", [](trControl& c) { c.action_undo(1); }, edit, closed_box(), 1},
+      {"undo, idle", [](trControl& c) { c.action_undo(1); }, nothing, closed_box(), 0},
+      {"redo", [](trControl& c) { c.action_redo(1); }, edit_and_undo, closed_box(), 1},
+      {"redo, idle", [](trControl& c) { c.action_redo(1); }, edit, closed_box(), 0},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    Host host(c.shape);
+    c.prepare(host);
+    host.detect_all();
+    host.updates.clear();
+    c.act(host);
+    EXPECT_EQ(!host.updates.empty(), c.is_stale == 1);
+    for (std::size_t k = 0; k < 6; ++k) EXPECT_EQ(host.lists()[k]->stale(), c.is_stale) << "list " << k;
+  }
+}
+
+// A list that has just deleted what it held is out of date only from the second change on.
+TEST(RepairActions, AListOutlivesTheFirstChangeAfterItsOwnDeletion) {
+  const CapturedOutput output;
+  for (std::size_t cleaned = 0; cleaned < 6; ++cleaned) {
+    Host host;
+    host.overhang_elems().set_up_vector(giUnitVec3(giVector3(0, 0, 1)));
+    host.detect_all();
+    host.lists()[cleaned]->delete_elements();
+    host.action_reverse();
+    for (std::size_t k = 0; k < 6; ++k) EXPECT_EQ(host.lists()[k]->stale(), k != cleaned) << k << " after " << cleaned;
+    host.action_reverse();
+    for (const trElementList* list : host.lists()) EXPECT_EQ(list->stale(), 1);
+  }
+}
+
 // Nothing found, nothing out of date: not even for another tolerance than that of the list before.
 TEST(RepairActions, LeaveTheListsAloneWhereNothingIsFound) {
   const CapturedOutput output;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "control/control.h"
 #include "support/captured_output.h"
 #include "support/interrupting_handler.h"
@@ -23,6 +25,9 @@ class Host : public trControl {
 Shape t_junction(double gap) {
   return Shape{{{0, 0, 0}, {1, 0, 0}, {0.5, 1, 0}, {0.5, -gap, 0}, {0, -1, 0}, {1, -1, 0}}, {{0, 1, 2}, {3, 4, 5}}};
 }
+
+// A triangle, and behind it two that divide it at the middle of one edge: stapling makes two pairs that lie back to back.
+Shape divided_behind() { return Shape{{{0, 0, 0}, {2, 0, 0}, {1, 2, 0}, {1, 0, 0}}, {{0, 1, 2}, {0, 2, 3}, {3, 2, 1}}}; }
 
 // A closed box of which the lower half of the walls stands on edges of two triangles that the upper half divides.
 Shape box_with_t_junctions(double gap) {
@@ -175,6 +180,77 @@ TEST(ControlStitching, EndsWhenTheStepNoLongerWidensTheTolerance) {
   Host host(t_junction(0.01));
   host.action_auto_stitch(Multi, std::nan(""), std::nan(""), std::nan(""), 3, 0, 0, 0, 99);
   EXPECT_EQ(host.triblock().valid_elements(), 2);
+}
+
+// Pairs that stapling made are deleted at the end when that is asked for, both of each; also when the target is met at once, which
+// leaves the other tolerances out. Pairs that were there before a pass are deleted in any case.
+TEST(ControlStitching, FinalCancelDeletesThePairsThatStaplingMade) {
+  for (const trAutoMode mode : {Single, Repeat, Multi}) {
+    for (const int final_cancel : {0, 1}) {
+      Host host(divided_behind());
+      InterruptingHandler handler;
+      host.action_auto_stitch(mode, 0.01, 0.03, 0.01, 5, 0, 0, final_cancel, 0);
+      EXPECT_EQ(host.cycles().num_boundaries(), 0);
+      EXPECT_EQ(host.triblock().valid_elements(), final_cancel ? 0 : 4) << tr_automode_string(mode);
+      for (const std::string& message : handler.messages) EXPECT_EQ(message.find("tolerance 0.02"), std::string::npos);
+    }
+  }
+}
+
+// Before stapling, opposite triangles go in pairs, and of repeated ones that with the highest number stays.
+TEST(ControlStitching, EachPassDeletesOppositeAndRepeatedTriangles) {
+  Shape shape = t_junction(0.001);
+  shape.triangles = {{0, 1, 2}, {2, 3, 4}, {4, 3, 2}, {3, 4, 5}, {5, 3, 4}, {4, 5, 3}};
+  Host host(shape);
+  host.action_auto_stitch(Single, 1e-6, 0, 0, 1, 0, 0, 0, -5);
+  std::vector<int> left;
+  for (int e = 1; e < host.triblock().element_count(); ++e) {
+    if (host.triblock().element(e).valid()) left.push_back(e);
+  }
+  EXPECT_EQ(left, (std::vector<int>{1, 6}));
+}
+
+// Only with `orient` a triangle that faces the wrong way is turned, and only before stapling: what one pass could not close because of
+// it stays open.
+TEST(ControlStitching, OrientsOnlyWhenAsked) {
+  Shape shape = closed_box();
+  std::swap(shape.triangles[5][0], shape.triangles[5][1]);
+  for (const int orient : {0, 1}) {
+    Host host(shape);
+    host.action_auto_stitch(Single, 1e-6, 0, 0, 1, 0, orient, 0, 0);
+    EXPECT_EQ(host.cycles().num_boundaries() == 0, orient == 1);
+    EXPECT_EQ(host.triblock().valid_elements(), 12);
+  }
+}
+
+// Where a pass had no effect, neither the next tolerance nor the end of the sequence does more than staple: not one report tells of
+// cleaning or orienting.
+TEST(ControlStitching, AfterAPassWithoutEffectNothingElseIsEvenTried) {
+  const auto reports_behind_first_pass = [](int orient, int final_cancel) {
+    Host host(t_junction(0.5));
+    InterruptingHandler handler;
+    host.action_auto_stitch(Multi, 0.01, 0.035, 0.01, 5, 0, orient, final_cancel, 0);
+    const auto first = std::find_if(handler.messages.begin(), handler.messages.end(),
+                                    [](const std::string& message) { return message.rfind("Stitch tolerance", 0) == 0; });
+    return std::vector<std::string>(first, handler.messages.end());
+  };
+  const std::vector<std::string> plain = reports_behind_first_pass(0, 0);
+  EXPECT_EQ(std::count_if(plain.begin(), plain.end(), [](const std::string& m) { return m.rfind("Stitch tolerance", 0) == 0; }), 3);
+  for (const std::string& message : plain) EXPECT_EQ(message.rfind("Processing", 0), std::string::npos) << message;
+  EXPECT_EQ(reports_behind_first_pass(1, 0), plain);
+  EXPECT_EQ(reports_behind_first_pass(0, 1), plain);
+}
+
+// Moving the mesh keeps the boundaries that were found; distances between them are those of the moved mesh.
+TEST(ControlStitching, StaplesAfterATransform) {
+  Host host(t_junction(0.5));
+  ASSERT_EQ(host.cycles().num_boundaries(), 2);
+  for (int i = 0; i < 2; ++i) EXPECT_FALSE(host.cycles().cycles[i].box().crosses(host.cycles().cycles[1 - i].box(), 0.006));
+  host.action_transform_triangles(giXform3::scaling(0.01, 0.01, 0.01));
+  EXPECT_EQ(host.cycles().detected(), 1);
+  host.action_staple(0.006);
+  EXPECT_EQ(host.triblock().valid_elements(), 3);
+  EXPECT_EQ(host.updates, (std::vector<int>{1, 1}));
 }
 
 TEST(ControlStitching, LooseTrianglesOfAClosedModelBecomeWatertight) {

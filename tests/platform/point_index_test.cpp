@@ -85,7 +85,7 @@ const Scale scales[] = {
     {0.0, 0.25, 0.0},      {-0.0, 0.25, 1.0},    {0.0, 1e-170, 0.0},       {1e-200, 1e-163, 0.0},  {1e-161, 5e-162, 0.0},
     {3e-162, 1e-162, 0.0}, {1e-155, 5e-156, 0},  {1e-200, 1e-200, 5.0},    {DBL_TRUE_MIN, 1e-320, 0}, {1e150, 5e149, 0.0},
     {1e154, 5e153, 1e154}, {1e155, 1e155, 0.0},  {1e300, 1e307, 0.0},      {infinity, 1.0, 0.0},   {not_a_number, 0.0, 0.0},
-    {-1.0, 0.5, 0.0},      {-infinity, 1.0, 0.0}, {1e-3, 0x1p-42, 4096.0}, {0x1p-20, 0x1p-21, 0x1p33}, {1e-12, 2e-12, 1e4}};
+    {-1.0, 0.5, 0.0},      {-0.1, 0.1, -0.3},    {-1e-3, 5e-4, 1000.0},    {-1.0, 0.5, 0x1p53},   {-infinity, 1.0, 0.0}, {1e-3, 0x1p-42, 4096.0}, {0x1p-20, 0x1p-21, 0x1p33}, {1e-12, 2e-12, 1e4}};
 
 std::vector<giPoint3> random_points(const Scale& scale, int round, std::mt19937& random) {
   const int odd_percent = round % 3 == 0 ? 0 : round % 3 == 1 ? 3 : 15;
@@ -123,7 +123,7 @@ TEST(PointIndex, TreeOrderNamesWhatTheTreeFindsFirst) {
   int not_first = 0, cut_off = 0;
   for (const Scale& scale : scales) {
     const double reach_sq = scale.tol * scale.tol;
-    const bool follow = scale.tol > 0.0 && std::isnormal(reach_sq);
+    const bool follow = std::isnormal(reach_sq);
     for (int round = 0; round < 400; ++round) {
       const std::vector<giPoint3> points = random_points(scale, round, random);
       PointIndex index(scale.tol, Winner::tree_order);
@@ -173,6 +173,28 @@ TEST(PointIndex, TreeOrderInAPlaneOfConstantX) {
     ASSERT_EQ(index.find_or_add(p, k), tree.add(p, k)) << k;
   }
   EXPECT_GT(brute.matches, 3500);
+}
+
+// Under a negative tolerance the two conditions on x leave a band in which a search of the tree ends: it meets one entry there, if
+// any, and all others stay apart, however near.
+TEST(PointIndex, TreeOrderUnderANegativeTolerance) {
+  std::mt19937 random(53);
+  const struct {
+    double tol, width;
+    int least_found;
+  } cases[] = {{-1.0, 40.0, 60}, {-1.0, 1000.0, 500}, {-0.25, 0.0, 1000}, {-8.0, 4.0, 1000}};
+  for (const auto& c : cases) {
+    PointIndex index(c.tol, Winner::tree_order);
+    PointTreeLiteral tree(c.tol, true);
+    int found = 0;
+    for (int k = 0; k < 4000; ++k) {
+      const giPoint3 p(c.width * (random() % 1024) / 1024, (random() % 64) / 64.0, (random() % 2) / 8.0);
+      const int expected = tree.add(p, k);
+      ASSERT_EQ(index.find_or_add(p, k), expected) << c.tol << " point " << k;
+      found += expected >= 0;
+    }
+    EXPECT_GE(found, c.least_found) << c.tol << " in " << c.width;
+  }
 }
 
 // The plain comparison is with the square: two points whose difference is longer than the tolerance by less than rounding.

@@ -60,7 +60,8 @@ PointIndex::PointIndex(double tol, Winner winner)
       grid_last_(std::nextafter(grid_end_, 0.0)),
       winner_(winner),
       kind_(std::isnan(reach_sq_) ? Reach::nothing : std::isinf(reach_sq_) ? Reach::everything : Reach::near_points),
-      conditions_on_x_(winner == Winner::tree_order && tol > 0.0 && std::isnormal(reach_sq_)),
+      conditions_on_x_(winner == Winner::tree_order && std::isnormal(reach_sq_)),
+      apart_(!(conditions_on_x_ && tol < 0.0)),
       records_(10, 5, 10),
       greatest_x_(-std::numeric_limits<double>::infinity()) {
   std::fill(std::begin(class_best_), std::end(class_best_), -1);
@@ -157,12 +158,22 @@ int PointIndex::search_classes(const giPoint3& p) const {
 }
 
 void PointIndex::consider(int position, Search& search) const {
-  if (position == search.best) return;
+  if (position == search.best || (conditions_on_x_ && tol_ < 0.0 && lies_behind(position, search))) return;
   if (conditions_on_x_ && cut_off(position, search.p.x)) {
     apart_ = false;
   } else if (search.best < 0 || better(position, search.best)) {
     search.best = position;
   }
+}
+
+// Under a negative tolerance a search of the tree ends at the first record that meets neither condition on x, and the later ones of
+// that kind are out of reach. However many lie together, only the first takes a look at the order.
+bool PointIndex::lies_behind(int position, Search& search) const {
+  const double at = records_.at(position).x;
+  if (at + tol_ >= search.p.x || search.p.x >= at - tol_) return false;
+  if (search.end >= 0 && search.end < position) return true;
+  search.end = position;
+  return false;
 }
 
 bool PointIndex::better(int position, int than) const {

@@ -47,8 +47,10 @@ class PointIndex {
   /// The number of a kept point that matches p; or -1, and then p is kept under `number`, which should not be negative.
   ///
   /// In tree order an entry cut off by the search conditions of the tree (on x alone, rounded) is not found, as in the tree. This
-  /// holds for positive tolerances with a square of normal size; for others the conditions on x are passed over. In all cases a
-  /// point whose x is NaN hides all later points that are not left of every point before it, as in the tree.
+  /// holds for tolerances with a square of normal size; for others the conditions on x are passed over. Under a negative tolerance
+  /// the conditions keep a search from nearly all that matches, so that points kept may match each other, and each search looks
+  /// at all of those near. In all cases a point whose x is NaN hides all later points that are not left of every point before it,
+  /// as in the tree.
   int find_or_add(const giPoint3& p, int number) {
     const int found = find_or_add_position(p, number, probe(p));
     return found < 0 ? -1 : records_.at(found).number;
@@ -81,6 +83,7 @@ class PointIndex {
   struct Search {
     const giPoint3& p;
     int best = -1;  // position of the record to be named so far
+    int end = -1;   // under a negative tolerance: that of the first record seen at which the tree's search would end
   };
   struct CellRange {
     std::uint64_t first, last;
@@ -94,6 +97,7 @@ class PointIndex {
   bool search_cell(std::uint32_t tag, Search& search) const;
   int search_classes(const giPoint3& p) const;
   void consider(int position, Search& search) const;
+  bool lies_behind(int position, Search& search) const;
   bool better(int position, int than) const;
   bool cut_off(int position, double x) const;
   void complete_order() const;
@@ -115,7 +119,7 @@ class PointIndex {
   Winner winner_;
   Reach kind_;
   bool conditions_on_x_;    // whether the tree's search conditions are followed
-  mutable bool apart_ = true;  // surely no two points kept match each other
+  mutable bool apart_;         // surely no two points kept match each other
 
   coPageArr<Record> records_;
   coFlatArray<Slot> large_table_;
