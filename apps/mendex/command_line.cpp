@@ -12,13 +12,13 @@ constexpr const char* lengths_help =
     "Lengths: 0.01 in the units of the model, 1e-5d of the diagonal of its bounding box, 0.2e of its median edge.\n";
 
 constexpr const char* exit_codes_help =
-    "Exit codes: 0 done, 1 defects found (check) or holes left (cap, fill), 2 wrong usage, 3 cannot read, 4 cannot write,\n5 a limit of change passed, 6 interrupted or timed out, 7 out of memory (of several files the highest).\n"
+    "Exit codes: 0 done, 1 defects found or left (check, repair, cap, fill, slice --cap), 2 wrong usage, 3 cannot read, 4 cannot write,\n5 a limit of change passed, 6 interrupted or timed out, 7 out of memory (of several files the highest).\n"
     "Results go to standard output; warnings, errors and the progress bar go to standard error.";
 
 }  // namespace
 
 CommandLine::CommandLine()
-    : app_("Repair triangle meshes: read a broken STL file, tell what is wrong with it, merge its nodes, write it back.", "mendex") {
+    : app_("Repair triangle meshes: read a broken STL file, tell what is wrong with it, make it sound, write it back.", "mendex") {
   app_.require_subcommand(1);
   app_.fallthrough();
   app_.set_version_flag("--version", std::string("mendex ") + MENDEX_VERSION);
@@ -28,7 +28,7 @@ CommandLine::CommandLine()
       ->check(CLI::Validator(MemoryLimit::problem, ""))
       ->type_name("SIZE");
   app_.footer(std::string("Files: told by their content; written as their name says: ") + writable_extensions() + ".\n" + lengths_help + exit_codes_help +
-              "\n\nFor example:\n  mendex check part.stl\n  mendex weld part.stl -o fixed.stl --tol 0.001\n"
+              "\n\nFor example:\n  mendex repair part.stl -o sound.stl\n  mendex check part.stl\n  mendex weld part.stl -o fixed.stl --tol 0.001\n"
               "  mendex convert part.stl part.ast");
 }
 

@@ -282,6 +282,7 @@ void Repairer::fill(StepAccount& account) {
   } else {
     state_ = now;
     account_.budget.new_area += holes.new_area();
+    account_.budget.moved = std::max(account_.budget.moved, holes.farthest_rounded());
   }
   long long closed = 0, triangles = 0, nodes = 0, refused = 0;
   for (const HoleFate& fate : fates) {
