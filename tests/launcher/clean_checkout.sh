@@ -25,7 +25,7 @@ ln -s ../checkout/mendex linked
 cmp first.out second.out || fail "building has left traces on standard output"
 [ ! -s second.err ] || fail "nothing has changed, and yet: $(cat second.err)"
 
-touch ../checkout/src/mendexlib.h
+touch ../checkout/apps/mendex/text.cpp
 ./linked --version >third.out 2>third.err || fail "run after an edit"
 [ -s third.err ] || fail "an edited source was not noticed"
 
