@@ -24,10 +24,11 @@ bool exists(const std::string& path) {
 // Keeps the contents of a file under the name FILE~, once the new ones have arrived.
 class Backup {
  public:
-  explicit Backup(const std::string& path) : kept_(path + "~"), temporary_(path + ".mendex-old") {
+  explicit Backup(const std::string& path) : kept_(path + "~"), temporary_(path + ".mendex-" + std::to_string(getpid())) {
     std::error_code error;
-    std::filesystem::remove(temporary_, error);
-    std::filesystem::create_hard_link(path, temporary_, error);
+    // Of a symbolic link the destination is what will be replaced.
+    const std::filesystem::path contents = std::filesystem::canonical(path, error);
+    if (!error) std::filesystem::create_hard_link(contents, temporary_, error);
     if (error) std::filesystem::copy_file(path, temporary_, error);
     if (error) throw Failure(ExitCode::cannot_write, "no copy can be kept: " + error.message());
   }

@@ -26,6 +26,12 @@ bool is_better(const EdgeCensus& now, const EdgeCensus& before) {
   return now.sick < before.sick && now.open <= before.open && now.opposed <= before.opposed;
 }
 
+bool shares_edge(const std::vector<int>& corners, const trElement& t) {
+  int common = 0;
+  for (int k = 0; k < 3; ++k) common += std::find(corners.begin(), corners.end(), t[k]) != corners.end();
+  return common >= 2;
+}
+
 void add_corners(std::vector<int>& nodes, const trElement& t) {
   for (int k = 0; k < 3; ++k) nodes.push_back(t[k]);
 }
@@ -132,13 +138,14 @@ bool SickCure::delete_one(Cluster& cluster) {
   return false;
 }
 
-// The few triangles that hung on the mesh by one that was deleted, with these corners, and now are a piece by themselves.
+// The few triangles that hung by an edge on one that was deleted, with these corners, and now are a piece by themselves.
 std::vector<int> SickCure::rest_of_flap(const std::vector<int>& corners) {
   std::vector<int> rest;
   for (const int corner : corners) {
     if (mesh_.node(corner).invalid) continue;
     for (trIntListIT it = mesh_.node_elements(corner); ++it;) {
-      if (!mesh_.element(it()).valid() || std::find(rest.begin(), rest.end(), it()) != rest.end()) continue;
+      const trElement& other = mesh_.element(it());
+      if (!other.valid() || !shares_edge(corners, other) || std::find(rest.begin(), rest.end(), it()) != rest.end()) continue;
       const std::vector<int> piece = piece_of(it());
       if (piece.size() <= largest_rest && census_of(piece).open > 0) rest.insert(rest.end(), piece.begin(), piece.end());
     }
@@ -156,11 +163,7 @@ std::vector<int> SickCure::piece_of(int element) {
       for (trIntListIT it = mesh_.node_elements(t[c]); ++it;) {
         const trElement& other = mesh_.element(it());
         if (!other.valid() || std::find(piece.begin(), piece.end(), it()) != piece.end()) continue;
-        int common = 0;
-        for (int a = 0; a < 3; ++a) {
-          for (int b = 0; b < 3; ++b) common += t[a] == other[b];
-        }
-        if (common >= 2) piece.push_back(it());
+        if (shares_edge({t[0], t[1], t[2]}, other)) piece.push_back(it());
       }
     }
   }

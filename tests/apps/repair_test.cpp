@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <set>
@@ -147,6 +148,20 @@ TEST(MendexRepair, LeavesSoundShellsAlone) {
   EXPECT_EQ(repaired.report["output"]["backup"], mixed + "~");
   EXPECT_EQ(contents_of_file(mixed + "~"), binary_stl(facets));
   for (const FacetCorners& f : tetrahedron(5)) EXPECT_TRUE(has(facets_in(mixed), f));
+}
+
+// Of a symbolic link the old contents are kept, not the link to the new ones.
+TEST(MendexRepair, KeepsTheContentsBehindALink) {
+  const TestFolder folder;
+  std::vector<FacetCorners> open = tetrahedron();
+  open.pop_back();
+  const std::string file = folder.write("file.stl", binary_stl(open)), link = folder.path("link.stl");
+  std::filesystem::create_symlink("file.stl", link);
+  EXPECT_EQ(repair({link, "-i"}).exit_code, 0);
+  EXPECT_TRUE(std::filesystem::is_symlink(link));
+  EXPECT_EQ(facets_in(file).size(), 4U);
+  EXPECT_EQ(contents_of_file(link + "~"), binary_stl(open));
+  EXPECT_EQ(folder.names(), (std::vector<std::string>{"file.stl", "link.stl", "link.stl~"}));
 }
 
 // A sheet keeps its outer rim unless asked; holes in it are closed.
