@@ -47,6 +47,7 @@ int trBinRead::read_bytes(char* bytes, int n) {
     }
     read += static_cast<int>(got);
   }
+  passed_ += read;
   if (read < n) error = 1;
   return read;
 }

@@ -26,6 +26,8 @@ class MENDEX_EXPORT trBinRead {
   void expect(std::int64_t bytes) { expected_ = bytes > 0 ? bytes : 0; }
   /// Reads up to n bytes and returns how many there were; sets `error` when there were fewer.
   int read_bytes(char* bytes, int n);
+  /// How many bytes were handed out.
+  std::int64_t passed() const { return passed_; }
 
   std::FILE* file;  ///< not owned
   std::int32_t error = 0;
@@ -35,6 +37,7 @@ class MENDEX_EXPORT trBinRead {
   T read_value();
   void fetch();
 
+  std::int64_t passed_ = 0;
   std::int64_t expected_ = 0;   // bytes that may be fetched ahead
   std::vector<char> fetched_;
   std::size_t at_ = 0;          // in what was fetched

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 
 /// The characters of a text file one after the other, with some of those ahead in view. Needs the same memory for every file.
@@ -10,7 +11,7 @@ class CharStream {
 
   explicit CharStream(std::FILE* file) : file_(file) {}
   /// The characters of a text in memory, which must outlive the object.
-  CharStream(const char* text, std::size_t length) : file_(nullptr), has_ended_(true), begin_(text), end_(text + length) {}
+  CharStream(const char* text, std::size_t length) : file_(nullptr), has_ended_(true), fetched_(static_cast<std::int64_t>(length)), begin_(text), end_(text + length) {}
   CharStream(const CharStream&) = delete;
   CharStream& operator=(const CharStream&) = delete;
 
@@ -24,6 +25,8 @@ class CharStream {
   const char* begin() const { return begin_; }
   const char* end() const { return end_; }
   void skip(std::size_t n) { begin_ += n; }
+  /// How many characters were passed.
+  std::int64_t passed() const { return fetched_ - static_cast<std::int64_t>(in_view()); }
 
   /// The next character as an unsigned value, or -1 at the end of the file.
   int peek() { return look_ahead(1) == 0 ? -1 : static_cast<unsigned char>(*begin_); }
@@ -34,6 +37,7 @@ class CharStream {
 
   std::FILE* file_;
   bool has_ended_ = false;
+  std::int64_t fetched_ = 0;
   char buffer_[capacity];
   const char* begin_ = buffer_;
   const char* end_ = buffer_;

@@ -78,9 +78,13 @@ int trTriRead::read_kvx() {
   vrpKVXFileRead in(file);
   const char* text = nullptr;
   int blocks = 0, version = 0, flags = 0;
-  if (in.read_header(text, blocks, version, flags)) return 0;
+  const int has_failed = in.read_header(text, blocks, version, flags);
+  bytes_read_ = in.bytes_read();
+  if (has_failed) return 0;
   reset_node_data_size(0);
-  if (!KvxBlocks(*mesh, in, blocks).read()) return 0;
+  const bool is_complete = KvxBlocks(*mesh, in, blocks).read();
+  bytes_read_ = in.bytes_read();
+  if (!is_complete) return 0;
   tr_report_progress(tr_brnknls("Finished reading KVX file..."), 100.0);
   return 1;
 }

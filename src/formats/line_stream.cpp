@@ -14,7 +14,7 @@ bool LineStream::next() {
   const std::size_t length = line_end == nullptr ? most : static_cast<std::size_t>(static_cast<const char*>(line_end) - in_.begin()) + 1;
   is_cut_ = line_end == nullptr;
   std::memcpy(line_, in_.begin(), length);
-  pass(length);
+  in_.skip(length);
   const void* const zero = std::memchr(line_, '\0', length);
   length_ = zero == nullptr ? length : static_cast<std::size_t>(static_cast<const char*>(zero) - line_);
   return true;
@@ -27,7 +27,7 @@ bool LineStream::next_whole() {
     if (seen == 0) break;
     const void* const line_end = std::memchr(in_.begin(), '\n', seen);
     is_cut_ = line_end == nullptr;
-    pass(is_cut_ ? seen : static_cast<std::size_t>(static_cast<const char*>(line_end) - in_.begin()) + 1);
+    in_.skip(is_cut_ ? seen : static_cast<std::size_t>(static_cast<const char*>(line_end) - in_.begin()) + 1);
   }
   return true;
 }

@@ -17,23 +17,17 @@ class LineStream {
   /// The same, passing over the rest of a line that is longer.
   bool next_whole();
   /// Bytes of the file that were passed so far.
-  std::int64_t bytes_passed() const { return bytes_passed_; }
+  std::int64_t bytes_passed() const { return in_.passed(); }
   /// The line, up to its first zero byte.
   std::string_view line() const { return {line_, length_}; }
 
  private:
   static constexpr std::size_t most_characters = 99;
 
-  void pass(std::size_t bytes) {
-    in_.skip(bytes);
-    bytes_passed_ += static_cast<std::int64_t>(bytes);
-  }
-
   CharStream in_;
   char line_[most_characters];
   std::size_t length_ = 0;
   bool is_cut_ = false;  // the line goes on behind what is in view
-  std::int64_t bytes_passed_ = 0;
 };
 
 /// Takes numbers from a line one after the other, as sscanf does with "%d" and "%lf" in the C locale: white space before a number is

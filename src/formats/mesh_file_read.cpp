@@ -27,6 +27,8 @@ class MeshFileReader {
   MeshFileReader(trTriRead& reader, trTriBlock& mesh, std::FILE* file, bool appends)
       : reader_(reader), mesh_(mesh), lines_(file), limit_(file, least_line_bytes), appends_(appends) {}
 
+  std::int64_t bytes_read() const { return lines_.bytes_passed(); }
+
   // False when interrupted.
   bool read() {
     while (lines_.next_whole()) {
@@ -133,7 +135,10 @@ int trTriRead::read_mes() {
   tr_report_progress(tr_brnknls(append ? "Appending Mesh file..." : "Reading Mesh file..."), 0.0);
   begin_reading();
   leave_lists_for_later();
-  if (!MeshFileReader(*this, *mesh, file, append != 0).read()) return 0;
+  MeshFileReader reader(*this, *mesh, file, append != 0);
+  const bool is_finished = reader.read();
+  bytes_read_ = reader.bytes_read();
+  if (!is_finished) return 0;
   tr_report_progress(tr_brnknls("Finished reading Mesh file..."), 100.0);
   return 1;
 }

@@ -44,14 +44,19 @@ int trTriRead::read_native() {
   begin_reading();
   trBinRead in(file);
   char header[native::header_bytes + 1] = {};
-  if (in.b_read(header, native::header_bytes)) {
+  const int is_cut_short = in.b_read(header, native::header_bytes);
+  bytes_read_ = in.passed();
+  if (is_cut_short) {
     std::fputs(tr_brnknls("Error reading file header data\n"), stderr);
     return 0;
   }
   MessageLine().raw(" ").raw(header);
   if (!read_native_records(in)) return 0;
+  bytes_read_ = in.passed();
   NativeBlocks blocks(*mesh, in, native_version_of(header), [this](int n) { return reset_node_data_size(n); });
-  if (!blocks.read()) return 0;
+  const bool is_finished = blocks.read();
+  bytes_read_ = in.passed();
+  if (!is_finished) return 0;
   if (append && !blocks.has_node_data()) reset_node_data_size(0);
   tr_report_progress(tr_brnknls("Finished reading file..."), 100.0);
   return 1;

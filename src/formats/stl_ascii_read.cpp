@@ -50,6 +50,8 @@ class FacetScanner {
  public:
   explicit FacetScanner(std::FILE* file) : words_(file) {}
 
+  std::int64_t bytes_read() const { return words_.passed(); }
+
   enum class Result { facet, end, failed };
 
   Result next(giPoint3 (&corners)[3]) {
@@ -122,6 +124,7 @@ class AsciiFacetReader {
   }
 
   std::int64_t facets_read() const { return facets_read_; }
+  std::int64_t bytes_read() const { return scanner_.bytes_read(); }
 
  private:
   trTriBlock& mesh_;
@@ -137,6 +140,7 @@ int trTriRead::read_ast(int start, int stop) {
   begin_reading();
   AsciiFacetReader facets(*mesh, file);
   const AsciiFacetReader::End end = facets.read_range(start, stop);
+  bytes_read_ = facets.bytes_read();
   if (end == AsciiFacetReader::End::interrupted) return 0;
   const bool is_complete = end == AsciiFacetReader::End::complete;
   if (!is_complete) print_message("*** Error: problem reading facet ", facets.facets_read() + 1, " ***");

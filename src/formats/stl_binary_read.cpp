@@ -85,8 +85,10 @@ int trTriRead::read_stl(int start, int stop) {
   tr_report_progress(tr_brnknls(append ? "Appending STL file..." : "Reading STL file..."), 0.0);
   reset_node_data_size(0);
   trBinRead in(file);
-  if (!read_header(in)) return 0;
-  std::uint32_t facets = in.read_ulong();
+  const bool has_header = read_header(in);
+  std::uint32_t facets = has_header ? in.read_ulong() : 0;
+  bytes_read_ = in.passed();
+  if (!has_header) return 0;
   if (in.error) {
     std::fputs(tr_brnknls("Error reading facet count\n"), stderr);
     return 0;
@@ -111,6 +113,7 @@ int trTriRead::read_facets(int start, std::uint32_t facets, std::uint32_t& faile
     if (skipping && static_cast<std::int64_t>(i) >= start) skipping = false;
     tr_report_triangles(ut_numeric_cast<int>(i), total, 0.0, 100.0);
     const bool complete = stream.next();
+    bytes_read_ += stream.available();
     if (!complete || (!skipping && !has_room_for_facet(*mesh))) {
       if (!complete && !skipping) append_loose_corners(*mesh, stream.bytes(), stream.available());
       failed = i;

@@ -67,6 +67,9 @@ class MENDEX_EXPORT trTriRead {
   /// @return 1 for success, 0 when interrupted or when the file is damaged or cut short: what was read stays
   int read_kvx();
 
+  /// How many bytes of the stream the last read took in. Of a file that is damaged, those before lie before the damage or are part of it.
+  std::int64_t bytes_read() const { return bytes_read_; }
+
  protected:
   /// Reconciles the block's node attributes with the n attributes a node that the file carries, saying what becomes of them.
   /// Returns the block's attributes a node afterwards.
@@ -91,5 +94,6 @@ class MENDEX_EXPORT trTriRead {
   int read_facets(int start, std::uint32_t facets, std::uint32_t& failed);
   int read_native_records(trBinRead& in);
 
+  std::int64_t bytes_read_ = 0;
   std::unique_ptr<NumberLimit> number_limit_;  // of the numbers that the file gives its entities
 };

@@ -22,6 +22,8 @@ class TriangleBlocks {
  public:
   TriangleBlocks(trTriBlock& mesh, std::FILE* file) : mesh_(mesh), bytes_(bytes_left(file)), lines_(file) {}
 
+  std::int64_t bytes_read() const { return lines_.bytes_passed(); }
+
   // Reads up to the blocks' names.
   void read_head() {
     while (lines_.next()) {
@@ -132,7 +134,9 @@ int trTriRead::read_tri() {
   TriangleBlocks blocks(*mesh, file);
   blocks.read_head();
   const int attributes = reset_node_data_size(attributes_per_vertex);
-  if (!blocks.read_blocks(attributes != 0)) return 0;
+  const bool is_finished = blocks.read_blocks(attributes != 0);
+  bytes_read_ = blocks.bytes_read();
+  if (!is_finished) return 0;
   tr_report_progress(tr_brnknls("Finished reading triangle file..."), 100.0);
   return 1;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string_view>
 
 #include "formats/char_stream.h"
@@ -15,6 +16,9 @@ class WordScanner {
 
   /// Whether the last word was ended by the end of the file.
   bool has_ended() const { return has_ended_; }
+
+  /// How many characters were passed.
+  std::int64_t passed() const { return in_.passed(); }
 
   /// Reads a number at the current place; see scan_number.
   bool next_number(double& value);

@@ -130,15 +130,18 @@ TEST(MendexInfo, TakesFilesOfAnyName) {
 TEST(MendexInfo, RefusesWhatIsNoStlFile) {
   const TestFolder folder;
   const std::string text(2000, 'x');
+  const std::string unknown = "is neither STL, binary or ASCII, nor a mesh in another known format: nothing known begins at byte 0";
   const std::vector<std::pair<std::string, std::string>> cases = {
       {folder.path("missing.stl"), "cannot be read: No such file or directory"},
       {folder.path(""), "cannot be read: Is a directory"},
-      {folder.write("empty.stl", ""), "is neither STL, binary or ASCII, nor a mesh in another known format"},
-      {folder.write("short.stl", std::string(83, '\0')), "is neither STL, binary or ASCII, nor a mesh in another known format"},
-      {folder.write("text.stl", text), "is neither STL, binary or ASCII, nor a mesh in another known format"},
-      {folder.write("none.stl", binary_stl({}, "", 7)), "the file is damaged: no triangle could be read"},
-      {folder.write("bad.ast", "solid s\nfacet normal 0 0 1\nvertex 1 2 x\n"),
-       "the file is damaged: no triangle could be read"},
+      {folder.write("empty.stl", ""), unknown},
+      {folder.write("short.stl", std::string(83, '\0')), unknown},
+      {folder.write("text.stl", text), unknown},
+      {folder.write("none.stl", binary_stl({}, "", 7)), "the file is damaged at byte 84: no triangle could be read"},
+      {folder.write("bad.ast", "solid s\nfacet normal 0 0 1\nvertex 1 2 x\n"), "the file is damaged in line 3: no triangle could be read"},
+      // The line counts in the file as it is, with the names of solids.
+      {folder.write("named.ast", "\xef\xbb\xbfsolid a facet of rock\r\nendsolid\r\nsolid b\r\nfacet normal\r\nouter loop vertex 1 2 3 4 5 6 end\r\n"),
+       "the file is damaged in line 5: no triangle could be read"},
   };
   for (const auto& [path, message] : cases) {
     const ProcessResult result = run_mendex({"info", path, "--json"});

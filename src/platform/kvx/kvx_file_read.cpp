@@ -36,7 +36,10 @@ vrpKVXFileRead::vrpKVXFileRead(std::FILE* stream) : file_(stream), bytes_left_(b
 vrpKVXFileRead::~vrpKVXFileRead() = default;
 
 int vrpKVXFileRead::get(void* bytes, std::size_t count) {
-  if (has_failed_ || file_ == nullptr || std::fread(bytes, 1, count, file_) != count) return fail();
+  if (has_failed_ || file_ == nullptr) return fail();
+  const std::size_t got = std::fread(bytes, 1, count, file_);
+  bytes_read_ += static_cast<std::int64_t>(got);
+  if (got != count) return fail();
   if (bytes_left_ >= 0) bytes_left_ -= static_cast<std::int64_t>(count);
   return 0;
 }

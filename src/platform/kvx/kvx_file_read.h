@@ -31,6 +31,9 @@ class MENDEX_EXPORT vrpKVXFileRead {
   /// The next triangle; its nodes are counted from 0 in the block and are not checked.
   int read_tri(int& a, int& b, int& c);
 
+  /// How many bytes of the stream were taken in.
+  std::int64_t bytes_read() const { return bytes_read_; }
+
  private:
   int fail() { return has_failed_ = 1; }
   int get(void* bytes, std::size_t count);
@@ -42,6 +45,7 @@ class MENDEX_EXPORT vrpKVXFileRead {
 
   std::FILE* file_;
   std::int64_t bytes_left_ = -1;  // in the file, -1 when it cannot be told
+  std::int64_t bytes_read_ = 0;
   int has_failed_ = 0;
   std::vector<char> text_;
   int blocks_left_ = 0;
