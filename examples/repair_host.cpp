@@ -126,6 +126,11 @@ class ProgressDialog : public trBreakHandler {
 class Document : public trControl {
  public:
   void control_update(int) override { ++redraws; }
+  // What is taken back is told to nobody, and lists of defects stay as the edit left them: see to both.
+  void close_edit(bool is_done) {
+    finish_undo(is_done);
+    if (!is_done) triangle_update(1);
+  }
   int redraws = 0;
 };
 
@@ -141,7 +146,7 @@ void fill_all_holes(trControl& control) {
 
 // One operation for the user, one record in the history. Whatever was done when it was interrupted is taken back by closing the record with
 // 0; that is not optional, for some operations leave the mesh half-done.
-bool repair(trControl& control) {
+bool repair(Document& control) {
   ProgressDialog dialog;
   control.start_undo("repair");
   control.action_undup(1e-6);      // one node of those at the same place
@@ -150,7 +155,7 @@ bool repair(trControl& control) {
   fill_all_holes(control);
   control.action_orient();         // all look outward
   const bool is_done = tr_interrupt() == 0;
-  control.finish_undo(is_done);
+  control.close_edit(is_done);
   std::printf("repaired, with %s\n", dialog.reports() > 0 ? "progress shown" : "no progress shown");
   return is_done;
 }
