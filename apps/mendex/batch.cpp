@@ -289,13 +289,17 @@ ExitCode run_batch(Session& session, const BatchArguments& arguments, const Batc
 
 std::vector<std::string> own_command(const CLI::App& verb, const std::set<std::string>& but) {
   std::vector<std::string> words = {"/proc/self/exe", verb.get_name()};
-  const CLI::Option* const verbose = verb.get_parent() == nullptr ? nullptr : verb.get_parent()->get_option_no_throw("--verbose");
-  if (verbose != nullptr && verbose->count() > 0) words.emplace_back("--verbose");
-  for (const CLI::Option* option : verb.get_options()) {
-    const std::string name = option->get_name();
-    if (option->count() == 0 || option->get_positional() || option->get_group() == option_group || but.count(name) != 0) continue;
+  const auto add = [&words](const CLI::Option* option) {
     const bool is_flag = option->get_items_expected_max() == 0;
-    for (const std::string& value : option->results()) words.push_back(is_flag ? name : name + "=" + value);
+    for (const std::string& value : option->results()) words.push_back(option->get_name() + (is_flag ? "" : "=" + value));
+  };
+  for (const char* name : {"--verbose", "--units"}) {
+    const CLI::Option* const option = verb.get_parent() == nullptr ? nullptr : verb.get_parent()->get_option_no_throw(name);
+    if (option != nullptr && option->count() > 0) add(option);
+  }
+  for (const CLI::Option* option : verb.get_options()) {
+    const bool is_its_own = option->get_positional() || option->get_group() == option_group || but.count(option->get_name()) != 0;
+    if (option->count() > 0 && !is_its_own) add(option);
   }
   return words;
 }

@@ -44,24 +44,26 @@ Json made_report(const BatchJob& job) {
   const Json unknown = nullptr;
   return {{"schema", "mendex.report/1"},
           {"tool", {{"name", "mendex"}, {"version", MENDEX_VERSION}}},
-          {"input", {{"path", job.input}, {"format", unknown}, {"bytes", bytes_of(job.input)}}},
+          {"input", {{"path", job.input}, {"format", unknown}, {"bytes", bytes_of(job.input)}, {"complete", unknown}}},
+          {"units", unknown},
           {"before", unknown},
-          {"steps", unknown},
-          {"defects", unknown},
+          {"steps", Json::array()},
+          {"holes", Json::array()},
+          {"defects", Json::array()},
+          {"defect_count", unknown},
           {"budget", unknown},
           {"after", unknown},
-          {"output", unknown}};
+          {"output", {{"path", unknown}, {"format", unknown}, {"verified", false}, {"backup", unknown}}},
+          {"warnings", Json::array()},
+          {"error", unknown}};
 }
 
 Json report_on(const BatchJob& job, const BatchOutcome& outcome) {
   Json report = Json::parse(outcome.report, nullptr, false);
   if (!report.is_object()) report = made_report(job);
   report["exit"] = static_cast<int>(outcome.code);
-  if (!outcome.error.empty()) {
-    report["error"] = outcome.error;
-  } else if (!report.contains("error")) {
-    report["error"] = nullptr;
-  }
+  report.emplace("error", nullptr);
+  if (!outcome.error.empty()) report["error"] = outcome.error;
   return report;
 }
 

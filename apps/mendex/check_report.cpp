@@ -61,12 +61,12 @@ std::string boundary_note(const MeshCheck& check) {
 }
 
 // A line for each of the first.
-std::string boundary_lines(const MeshCheck& check) {
+std::string boundary_lines(const MeshCheck& check, const Units& units) {
   constexpr std::size_t shown = 10;
   std::string text;
   for (std::size_t k = 0; k < check.boundaries.size() && k < shown; ++k) {
     const FoundBoundary& boundary = check.boundaries[k];
-    text += formatted("    hole %-6d %11d edges, length %.5g, round ", boundary.number, boundary.edges(), boundary.length) + place(boundary.at) + "\n";
+    text += formatted("    hole %-6d %11d edges, length ", boundary.number, boundary.edges()) + units.length(boundary.length, 5) + ", round " + place(boundary.at) + "\n";
   }
   if (check.boundaries.size() > shown) text += formatted("    ... and %zu more; --json lists all\n", check.boundaries.size() - shown);
   return text;
@@ -77,22 +77,22 @@ std::string sick_note(const MeshCheck& check) {
   return formatted("%d triangles; first edge at ", static_cast<int>(check.sick.size())) + place(check.sick_edges.front().at);
 }
 
-std::string volumes_of(const std::vector<Shell>& shells) {
+std::string volumes_of(const std::vector<Shell>& shells, const Units& units) {
   constexpr int shown = 6;
   std::string text;
   int k = 0;
   for (const Shell& shell : shells) {
     if (!shell.is_closed) continue;
     if (k++ == shown) return text + ", ...";
-    text += (text.empty() ? "volume " : ", ") + formatted("%.6g", shell.volume);
+    text += (text.empty() ? "volume " : ", ") + units.volume(shell.volume, 6);
   }
   return text;
 }
 
 long long size(const std::vector<int>& list) { return static_cast<long long>(list.size()); }
 
-std::string copies_merged(double tolerance, int count) {
-  return formatted("%d copies merged", count) + (tolerance == exact_copies ? "" : formatted(", up to %.6g apart", tolerance));
+std::string copies_merged(double tolerance, int count, const Units& units) {
+  return formatted("%d copies merged", count) + (tolerance == exact_copies ? "" : ", up to " + units.length(tolerance, 6) + " apart");
 }
 
 }  // namespace
@@ -100,17 +100,18 @@ std::string copies_merged(double tolerance, int count) {
 std::string text_of_check(const Session& session, const std::string& file, const ReadOutcome& read, const CheckLimits& limits,
                           const MeshCheck& check) {
   const trTriBlock& mesh = session.mesh;
+  const Units& units = session.units;
   Table table(printable(file) + ": " + name_of(read.format) + (read.is_complete ? "\n" : ", damaged\n"));
-  table.fact("triangles", check.mesh.elements, formatted("area %.7g, volume %.7g", check.mesh.area, check.mesh.volume));
-  table.fact("nodes", check.mesh.nodes, limits.weld ? copies_merged(*limits.weld, check.nodes_merged) : "not merged");
+  table.fact("triangles", check.mesh.elements, "area " + units.area(check.mesh.area, 7) + ", volume " + units.volume(check.mesh.volume, 7));
+  table.fact("nodes", check.mesh.nodes, limits.weld ? copies_merged(*limits.weld, check.nodes_merged, units) : "not merged");
   table.fact("shells", static_cast<long long>(check.shells.size()));
-  table.fact("closed shells", check.closed_shells(), volumes_of(check.shells));
+  table.fact("closed shells", check.closed_shells(), volumes_of(check.shells, units));
   table.defect("boundaries", static_cast<long long>(check.boundaries.size()), boundary_note(check));
-  table.lines(boundary_lines(check));
+  table.lines(boundary_lines(check, units));
   table.defect("sick edges", static_cast<long long>(check.sick_edges.size()), sick_note(check));
   table.defect("collapsed triangles", size(check.collapsed),
                check.collapsed.empty() ? "" : formatted("two corners are one; first is %d", check.collapsed.front()));
-  table.defect("small triangles", size(check.small), first_of(mesh, check.small, formatted("height below %g", limits.small)));
+  table.defect("small triangles", size(check.small), first_of(mesh, check.small, "height below " + units.length(limits.small, 6)));
   table.defect("thin triangles", size(check.thin), first_of(mesh, check.thin, formatted("aspect below %g", limits.thin)));
   table.defect("overlapping triangles", size(check.overlapping),
                first_of(mesh, check.overlapping, formatted("fold sharper than %g degrees", limits.overlap_deg)));

@@ -27,6 +27,9 @@ CommandLine::CommandLine()
   app_.add_option("--max-memory", max_memory_, "End with code 7 rather than take more memory than this, such as 500M or 4G; of\nseveral files for each")
       ->check(CLI::Validator(MemoryLimit::problem, ""))
       ->type_name("SIZE");
+  app_.add_option("--units", units_, "What lengths are in, such as mm: printed behind them, and behind areas and volumes")
+      ->check(CLI::Validator(Units::problem, ""))
+      ->type_name("NAME");
   app_.footer(std::string("Files: told by their content; written as their name says: ") + writable_extensions() + ".\n" + lengths_help + exit_codes_help +
               "\n\nFor example:\n  mendex repair part.stl -o sound.stl\n  mendex check part.stl\n  mendex weld part.stl -o fixed.stl --tol 0.001\n"
               "  mendex convert part.stl part.ast");
@@ -53,6 +56,7 @@ ExitCode CommandLine::run(Session& session) const {
   session.is_quiet = is_quiet_;
   if (is_quiet_) session.progress.silence();
   if (!max_memory_.empty()) MemoryLimit::set(*MemoryLimit::bytes_in(max_memory_));
+  session.units = Units(units_);
   if (is_verbose_) session.messages.set_verbose();
   for (const Verb& verb : verbs_) {
     if (verb.app->parsed()) return verb.run(session);

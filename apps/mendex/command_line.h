@@ -42,5 +42,6 @@ class CommandLine {
   bool is_quiet_ = false;
   bool is_verbose_ = false;
   std::string max_memory_;
+  std::string units_;
   std::vector<Verb> verbs_;
 };

@@ -40,7 +40,7 @@ MeshState state_of(Session& session, const EditArguments& arguments) {
   return state;
 }
 
-std::string text_of(const EditArguments& arguments, const EditAccount& account) {
+std::string text_of(const Session& session, const EditArguments& arguments, const EditAccount& account) {
   std::string text = printable(arguments.input) + ": " + name_of(account.read.format) + (account.read.is_complete ? "\n" : ", damaged\n");
   const auto row = [&text](const char* name, int before, int after) { text += formatted("  %-12s %12d %12d\n", name, before, after); };
   text += formatted("  %-12s %12s %12s\n", "", "before", "after");
@@ -50,9 +50,9 @@ std::string text_of(const EditArguments& arguments, const EditAccount& account) 
     row("boundaries", account.before.boundaries, account.after.boundaries);
     row("free edges", account.before.free_edges, account.after.free_edges);
   }
-  if (account.tolerance != exact_copies) text += formatted("  merged up to %.6g apart\n", account.tolerance);
+  if (account.tolerance != exact_copies) text += "  merged up to " + session.units.length(account.tolerance, 6) + " apart\n";
   for (const EditResult& result : account.results) {
-    text += formatted("  %lld %s", result.count, result.what.c_str()) + (result.limit ? formatted(", below %.6g\n", *result.limit) : "\n");
+    text += formatted("  %lld %s", result.count, result.what.c_str()) + (result.limit ? ", below " + session.units.length(*result.limit, 6) + "\n" : "\n");
   }
   return text + printable(arguments.output) + ": " + name_of(account.written) + ", written\n";
 }
@@ -119,7 +119,7 @@ ExitCode run_edit(Session& session, const EditArguments& arguments, const std::s
   if (arguments.is_json) {
     std::printf("%s\n", json_of(session, arguments, account).c_str());
   } else if (!session.is_quiet) {
-    std::printf("%s", text_of(arguments, account).c_str());
+    std::printf("%s", text_of(session, arguments, account).c_str());
   }
   return ExitCode::done;
 }

@@ -70,7 +70,7 @@ ExitCode run_closing(Session& session, const HoleArguments& arguments, HoleMetho
   if (arguments.is_json) {
     std::printf("%s\n", json_of_closing(session, account).c_str());
   } else if (!session.is_quiet) {
-    std::printf("%s", text_of_closing(account).c_str());
+    std::printf("%s", text_of_closing(session, account).c_str());
   }
   return holes.refused() == 0 ? ExitCode::done : ExitCode::defects_found;
 }

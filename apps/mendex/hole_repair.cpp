@@ -74,12 +74,6 @@ std::string text_of(HoleMethod method, const std::string& reason) { return std::
 HoleRepair::HoleRepair(Session& session, const RepairSettings& settings)
     : session_(session), control_(session.control), mesh_(session.mesh), settings_(settings) {}
 
-HoleRepair::Key HoleRepair::key_of(const FoundBoundary& hole) {
-  Key lowest(hole.nodes.back(), hole.nodes.front());
-  for (std::size_t k = 0; k + 1 < hole.nodes.size(); ++k) lowest = std::min(lowest, Key(hole.nodes[k], hole.nodes[k + 1]));
-  return lowest;
-}
-
 HoleRepair::Plan HoleRepair::plan_for(const FoundBoundary& hole, const HoleSurroundings& around) const {
   Plan plan;
   plan.fate.hole = hole;
@@ -98,13 +92,13 @@ HoleRepair::Plan HoleRepair::plan_for(const FoundBoundary& hole, const HoleSurro
 }
 
 // Holes that are known keep their plans.
-void HoleRepair::plan() {
+void HoleRepair::plan(const ShellSurvey& shells) {
   std::vector<FoundBoundary> boundaries = find_boundaries(control_.cycles());
   Interruption::check();
-  const HoleSurvey survey(mesh_, boundaries);
+  const HoleSurvey survey(mesh_, boundaries, shells);
   for (std::size_t h = 0; h < boundaries.size(); ++h) {
     if (is_wanted_ && !is_wanted_(boundaries[h])) continue;
-    plans_.emplace(key_of(boundaries[h]), plan_for(boundaries[h], survey.at(h)));
+    plans_.emplace(key_of_rim(boundaries[h]), plan_for(boundaries[h], survey.at(h)));
   }
 }
 
@@ -130,7 +124,7 @@ bool HoleRepair::cap(const FoundBoundary& hole, Plan& plan, HoleMethod method) {
 void HoleRepair::cap_holes() {
   bool any_capped = false;
   for (const FoundBoundary& hole : find_boundaries(control_.cycles())) {
-    const auto found = plans_.find(key_of(hole));
+    const auto found = plans_.find(key_of_rim(hole));
     if (found == plans_.end()) continue;
     Plan& plan = found->second;
     bool is_capped = false;
@@ -146,7 +140,7 @@ void HoleRepair::cap_holes() {
 void HoleRepair::fan_holes() {
   intcoSet numbers;
   for (const FoundBoundary& hole : find_boundaries(control_.cycles())) {
-    const auto found = plans_.find(key_of(hole));
+    const auto found = plans_.find(key_of_rim(hole));
     if (found != plans_.end() && !found->second.methods.empty() && found->second.methods.front() == HoleMethod::fan) numbers.add(hole.number);
   }
   if (numbers.count() == 0) return;
@@ -231,9 +225,9 @@ void HoleRepair::note_closed(int first_new, int first_node) {
   }
 }
 
-std::vector<HoleFate> HoleRepair::run() {
+std::vector<HoleFate> HoleRepair::run(const ShellSurvey& shells) {
   UndoMark mark(control_);
-  plan();
+  plan(shells);
   for (int k = 0;; ++k) {
     const int first_new = mesh_.element_count(), first_node = mesh_.node_count();
     bool are_good = false;

@@ -22,8 +22,8 @@ class HoleRepair {
 
   /// Which holes are to be closed; by default all.
   void set_filter(std::function<bool(const FoundBoundary&)> is_wanted) { is_wanted_ = std::move(is_wanted); }
-  /// Every attempt that stays lies in undo records of its own. Throws on interruption.
-  std::vector<HoleFate> run();
+  /// Every attempt that stays lies in undo records of its own. Throws on interruption. `shells`: the survey of the mesh as it is.
+  std::vector<HoleFate> run(const ShellSurvey& shells);
 
   /// How far rounding moved new nodes at most.
   double farthest_rounded() const { return farthest_rounded_; }
@@ -31,16 +31,13 @@ class HoleRepair {
   double new_area() const { return new_area_; }
 
  private:
-  using Key = std::pair<int, int>;  // the lowest edge of a rim, by its nodes
-
   struct Plan {
     HoleFate fate;
     std::vector<HoleMethod> methods;  // those left, the one in use first
   };
 
-  static Key key_of(const FoundBoundary& hole);
   Plan plan_for(const FoundBoundary& hole, const HoleSurroundings& around) const;
-  void plan();
+  void plan(const ShellSurvey& shells);
   void attempt();
   void cap_holes();
   void fan_holes();
@@ -54,7 +51,7 @@ class HoleRepair {
   trTriBlock& mesh_;
   const RepairSettings& settings_;
   std::function<bool(const FoundBoundary&)> is_wanted_;
-  std::map<Key, Plan> plans_;
+  std::map<RimKey, Plan> plans_;
   double farthest_rounded_ = 0.0;
   double new_area_ = 0.0;
 };

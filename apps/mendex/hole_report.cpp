@@ -10,21 +10,21 @@ namespace {
 
 const char* verb_of(HoleMethod method) { return method == HoleMethod::fan ? "filled" : "capped"; }
 
-std::string line_of_hole(const HoleAccount& account, const HoleOutcome& outcome) {
+std::string line_of_hole(const HoleAccount& account, const HoleOutcome& outcome, const Units& units) {
   std::string line = formatted("  %6d %8d %10d %8d  ", outcome.hole.number, outcome.hole.edges(), outcome.triangles, outcome.nodes);
   if (!outcome.refused.empty()) return line + "refused: " + outcome.refused + "\n";
   line += verb_of(account.method);
-  if (account.method != HoleMethod::fan) line += formatted(", spacing %.4g", outcome.spacing);
+  if (account.method != HoleMethod::fan) line += ", spacing " + units.length(outcome.spacing, 4);
   return line + ", round " + place(outcome.hole.at) + "\n";
 }
 
-std::string table_of_holes(const HoleAccount& account) {
+std::string table_of_holes(const HoleAccount& account, const Units& units) {
   constexpr int most_shown = 20;
   std::string text = formatted("  %6s %8s %10s %8s\n", "hole", "edges", "triangles", "nodes");
   int shown = 0;
   for (const HoleOutcome& outcome : account.holes.outcomes) {
     if (outcome.refused.empty() && ++shown > most_shown) continue;
-    text += line_of_hole(account, outcome);
+    text += line_of_hole(account, outcome, units);
   }
   if (shown > most_shown) text += formatted("  ... and %d more that were %s; --json lists all\n", shown - most_shown, verb_of(account.method));
   return text;
@@ -32,7 +32,7 @@ std::string table_of_holes(const HoleAccount& account) {
 
 }  // namespace
 
-std::string text_of_closing(const HoleAccount& account) {
+std::string text_of_closing(const Session& session, const HoleAccount& account) {
   const ClosedHoles& holes = account.holes;
   std::string text = printable(account.input) + ": " + name_of(account.read.format) + (account.read.is_complete ? "\n" : ", damaged\n");
   long long triangles = 0, nodes = 0;
@@ -40,8 +40,8 @@ std::string text_of_closing(const HoleAccount& account) {
     triangles += outcome.triangles;
     nodes += outcome.nodes;
   }
-  if (account.tolerance != exact_copies) text += formatted("  merged up to %.6g apart\n", account.tolerance);
-  if (!holes.outcomes.empty()) text += table_of_holes(account);
+  if (account.tolerance != exact_copies) text += "  merged up to " + session.units.length(account.tolerance, 6) + " apart\n";
+  if (!holes.outcomes.empty()) text += table_of_holes(account, session.units);
   text += formatted("  %d of %s %s, %s and %s added", holes.closed(),
                     counted(static_cast<long long>(holes.outcomes.size()), "hole", "holes").c_str(), verb_of(account.method),
                     counted(triangles, "triangle", "triangles").c_str(), counted(nodes, "node", "nodes").c_str());

@@ -17,6 +17,6 @@ struct HoleAccount {
 };
 
 /// For people: several lines, each ended. Of many holes that were closed only the first are listed; those that were not, all.
-std::string text_of_closing(const HoleAccount& account);
+std::string text_of_closing(const Session& session, const HoleAccount& account);
 /// One JSON object on one line, without line end.
 std::string json_of_closing(const Session& session, const HoleAccount& account);

@@ -46,10 +46,9 @@ std::uint64_t key_of(int from, int to) {
 
 }  // namespace
 
-HoleSurvey::HoleSurvey(const trTriBlock& mesh, const std::vector<FoundBoundary>& boundaries)
-    : mesh_(mesh), surroundings_(boundaries.size()) {
+HoleSurvey::HoleSurvey(const trTriBlock& mesh, const std::vector<FoundBoundary>& boundaries, const ShellSurvey& shells)
+    : mesh_(mesh), shells_(shells), surroundings_(boundaries.size()) {
   if (boundaries.empty()) return;
-  shells_ = survey_shells(mesh);
   look_along_rims(boundaries);
   find_sheets(boundaries);
 }

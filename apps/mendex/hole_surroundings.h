@@ -20,7 +20,8 @@ struct HoleSurroundings {
 /// box, and spans at least 0.6 of the shell's area: the rim of a flat piece is at least twice its diagonal and spans all of it.
 class HoleSurvey {
  public:
-  HoleSurvey(const trTriBlock& mesh, const std::vector<FoundBoundary>& boundaries);
+  /// `shells`: the survey of the mesh as it is.
+  HoleSurvey(const trTriBlock& mesh, const std::vector<FoundBoundary>& boundaries, const ShellSurvey& shells);
 
   const HoleSurroundings& at(std::size_t boundary) const { return surroundings_[boundary]; }
 
@@ -29,7 +30,7 @@ class HoleSurvey {
   void find_sheets(const std::vector<FoundBoundary>& boundaries);
 
   const trTriBlock& mesh_;
-  ShellSurvey shells_;
+  const ShellSurvey& shells_;
   std::vector<HoleSurroundings> surroundings_;
 };
 

@@ -153,6 +153,12 @@ class HoleCloser {
 
 }  // namespace
 
+RimKey key_of_rim(const FoundBoundary& rim) {
+  RimKey lowest(rim.nodes.back(), rim.nodes.front());
+  for (std::size_t k = 0; k + 1 < rim.nodes.size(); ++k) lowest = std::min(lowest, RimKey(rim.nodes[k], rim.nodes[k + 1]));
+  return lowest;
+}
+
 const char* name_of(HoleMethod method) {
   switch (method) {
     case HoleMethod::fan: return "fan";

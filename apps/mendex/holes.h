@@ -3,6 +3,7 @@
 #include <mendexlib.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 /// A loop of free edges. Its number is its place among those that the library detects, from 0: the order of their lowest nodes.
@@ -14,6 +15,11 @@ struct FoundBoundary {
 
   int edges() const { return static_cast<int>(nodes.size()); }
 };
+
+/// The lowest of a rim's edges, by its nodes: tells rims apart, since no edge belongs to two.
+using RimKey = std::pair<int, int>;
+
+RimKey key_of_rim(const FoundBoundary& rim);
 
 /// The boundaries of the controller's mesh.
 std::vector<FoundBoundary> find_boundaries(trCycleArray& cycles);

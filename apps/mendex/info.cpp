@@ -20,7 +20,7 @@ ExitCode run_info(Session& session, const InfoOptions& options) {
     session.progress.begin("measuring " + file);
     const MeshStatistics mesh = measure_mesh(session.mesh);
     Interruption::check();
-    return {options.is_json ? json_of_info(session, file, read, mesh) + "\n" : text_of_info(file, read, mesh)};
+    return {options.is_json ? json_of_info(session, file, read, mesh) + "\n" : text_of_info(session, file, read, mesh)};
   });
 }
 

@@ -3,9 +3,36 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <vector>
 
 #include "failure.h"
+
+namespace {
+
+constexpr int class_bits = 18;
+
+// Of a number from 0 up; greater numbers have no lower class.
+std::size_t class_of(double x) {
+  std::uint64_t bits = 0;
+  std::memcpy(&bits, &x, sizeof bits);
+  return static_cast<std::size_t>(bits >> (63 - class_bits));
+}
+
+template <class See>
+void for_each_length(const trTriBlock& mesh, See see) {
+  for (int e = 1; e < mesh.element_count(); ++e) {
+    const trElement& element = mesh.element(e);
+    if (!element.valid()) continue;
+    for (int k = 0; k < 3; ++k) {
+      const double length = (mesh.point(element[(k + 1) % 3]) - mesh.point(element[k])).length();
+      if (std::isfinite(length)) see(length);
+    }
+  }
+}
+
+}  // namespace
 
 std::optional<LengthArgument> LengthArgument::parse(const std::string& text) {
   LengthArgument length;
@@ -44,19 +71,23 @@ double diagonal_of(const trTriBlock& mesh) {
   return box.is_empty() ? 0.0 : (box.max() - box.min()).length();
 }
 
+// Lengths are told apart by their exponent and upper bits first, so that only those near the median are kept and ordered.
 double median_edge_of(const trTriBlock& mesh) {
-  std::vector<double> lengths;
-  lengths.reserve(3 * static_cast<std::size_t>(mesh.valid_elements()));
-  for (int e = 1; e < mesh.element_count(); ++e) {
-    const trElement& element = mesh.element(e);
-    if (!element.valid()) continue;
-    for (int k = 0; k < 3; ++k) {
-      const double length = (mesh.point(element[(k + 1) % 3]) - mesh.point(element[k])).length();
-      if (std::isfinite(length)) lengths.push_back(length);
-    }
-  }
-  if (lengths.empty()) return 0.0;
-  const auto middle = lengths.begin() + static_cast<std::ptrdiff_t>(lengths.size() / 2);
-  std::nth_element(lengths.begin(), middle, lengths.end());
+  std::vector<std::size_t> counts(std::size_t{1} << class_bits);
+  std::size_t total = 0;
+  for_each_length(mesh, [&](double length) {
+    ++counts[class_of(length)];
+    ++total;
+  });
+  if (total == 0) return 0.0;
+  std::size_t rank = total / 2, middle_class = 0;
+  while (rank >= counts[middle_class]) rank -= counts[middle_class++];
+  std::vector<double> near;
+  near.reserve(counts[middle_class]);
+  for_each_length(mesh, [&](double length) {
+    if (class_of(length) == middle_class) near.push_back(length);
+  });
+  const auto middle = near.begin() + static_cast<std::ptrdiff_t>(rank);
+  std::nth_element(near.begin(), middle, near.end());
   return *middle;
 }

@@ -26,15 +26,12 @@ class DefectList {
 
 void Repairer::list_defects() {
   DefectList list(account_);
-  const auto fate_of = [this](const FoundBoundary& rim) -> const HoleFate* {
-    for (const HoleFate& fate : account_.holes) {
-      if (fate.hole.nodes == rim.nodes) return &fate;
-    }
-    return nullptr;
-  };
   if (state_.edges.open > 0 || state_.edges.opposed > 0) {
+    std::map<RimKey, const HoleFate*> fates;
+    for (const HoleFate& fate : account_.holes) fates.emplace(key_of_rim(fate.hole), &fate);
     for (FoundBoundary& rim : find_boundaries(control_.cycles())) {
-      const HoleFate* const fate = fate_of(rim);
+      const auto found = fates.find(key_of_rim(rim));
+      const HoleFate* const fate = found != fates.end() && found->second->hole.nodes == rim.nodes ? found->second : nullptr;
       if (fate != nullptr && fate->kind == HoleFate::Kind::kept) continue;
       list.add({"boundary", rim.nodes, rim.at, rim.length, fate == nullptr ? "" : fate->reason});
     }
@@ -55,9 +52,9 @@ void Repairer::list_defects() {
     }
   }
   if (state_.inside_out > 0) {
-    const ShellSurvey survey = survey_shells(mesh_);
-    for (const int k : inside_out_shells(survey.shells)) {
-      const Shell& shell = survey.shells[static_cast<std::size_t>(k)];
+    const std::vector<Shell>& shells = survey().shells;
+    for (const int k : inside_out_shells(shells)) {
+      const Shell& shell = shells[static_cast<std::size_t>(k)];
       list.add({"inside-out shell", {shell.first_element}, shell.box.point_at(0.5, 0.5, 0.5), shell.volume, "it faces inward"});
     }
   }

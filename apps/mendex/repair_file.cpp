@@ -7,8 +7,11 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <new>
+#include <stdexcept>
 
 #include "interruption.h"
+#include "memory_limit.h"
 #include "mesh_writer.h"
 #include "repair_report.h"
 #include "repairer.h"
@@ -61,6 +64,7 @@ class FileRepair {
   }
 
   ExitCode run() {
+    MemoryLimit::add_last_words([this] { tell_last(); });
     try {
       work();
     } catch (const Failure& failure) {
@@ -68,6 +72,10 @@ class FileRepair {
       report_.exit = failure.code();
       tell();
       throw;
+    } catch (const std::bad_alloc&) {
+      MemoryLimit::end_program();
+    } catch (const std::length_error&) {
+      MemoryLimit::end_program();
     }
     tell();
     return report_.exit;
@@ -108,6 +116,7 @@ class FileRepair {
   }
 
   void tell() {
+    has_told_ = true;
     session_.progress.erase();
     if (request_.json) {
       const std::string line = line_of(json_of_repair(session_, report_)) + "\n";
@@ -117,7 +126,16 @@ class FileRepair {
       }
       write_json(line);
     }
-    if (report_.account && !session_.is_quiet) std::fputs(text_of_repair(report_).c_str(), stdout);
+    if (report_.account && !session_.is_quiet) std::fputs(text_of_repair(session_, report_).c_str(), stdout);
+  }
+
+  // When memory runs out: nothing that was computed can be relied on.
+  void tell_last() {
+    if (has_told_) return;
+    report_.account.reset();
+    report_.error = MemoryLimit::account();
+    report_.exit = ExitCode::out_of_memory;
+    tell();
   }
 
   void write_json(const std::string& line) const {
@@ -132,8 +150,13 @@ class FileRepair {
   Session& session_;
   RepairRequest request_;
   RepairReport report_;
+  bool has_told_ = false;
 };
 
 }  // namespace
 
-ExitCode repair_file(Session& session, RepairRequest request) { return FileRepair(session, std::move(request)).run(); }
+// Not destroyed, as the session is not: a report may be asked for as long as the program runs.
+ExitCode repair_file(Session& session, RepairRequest request) {
+  static FileRepair& repair = *new FileRepair(session, std::move(request));
+  return repair.run();
+}

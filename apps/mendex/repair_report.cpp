@@ -1,18 +1,33 @@
 #include "repair_report.h"
 
+#include <algorithm>
+
 #include "messages.h"
 #include "text.h"
 
 namespace {
 
-std::string text_of_step(const StepAccount& step) {
+// "collapsed triangles deleted" is "collapsed triangle deleted" of one: the first word in the plural.
+std::string singular_of(const std::string& what) {
+  const std::size_t end = std::min(what.find("s "), what.size() - 1);
+  const bool is_in_ies = end >= 2 && what.compare(end - 2, 2, "ie") == 0;
+  return is_in_ies ? what.substr(0, end - 2) + "y" + what.substr(end + 1) : what.substr(0, end) + what.substr(end + 1);
+}
+
+std::string text_of_parameter(const std::pair<std::string, double>& parameter, const Units& units) {
+  const auto& [name, value] = parameter;
+  return name + " " + (name == "area" ? units.area(value, 4) : units.length(value, 4));
+}
+
+std::string text_of_step(const StepAccount& step, const Units& units) {
   std::string text = formatted("  %-7s %-14s", name_of(step.step), name_of(step.result));
   for (std::size_t k = 0; k < step.counts.size(); ++k) {
-    text += (k == 0 ? "" : ", ") + std::to_string(step.counts[k].second) + " " + step.counts[k].first;
+    const auto& [what, number] = step.counts[k];
+    text += (k == 0 ? "" : ", ") + counted(number, singular_of(what).c_str(), what.c_str());
   }
   if (!step.counts.empty() && !step.parameters.empty()) {
     for (std::size_t k = 0; k < step.parameters.size(); ++k) {
-      text += (k == 0 ? " (" : ", ") + formatted("%s %.4g", step.parameters[k].first.c_str(), step.parameters[k].second);
+      text += (k == 0 ? " (" : ", ") + text_of_parameter(step.parameters[k], units);
     }
     text += ")";
   }
@@ -22,10 +37,10 @@ std::string text_of_step(const StepAccount& step) {
   return text;
 }
 
-std::string text_of_states(const RepairState& before, const RepairState& after) {
+std::string text_of_states(const RepairState& before, const RepairState& after, const Units& units) {
   std::string text = formatted("  %-16s %14s %14s\n", "", "before", "after");
   const auto row = [&text](const char* name, int a, int b) { text += formatted("  %-16s %14d %14d\n", name, a, b); };
-  const auto measure = [&text](const char* name, double a, double b) { text += formatted("  %-16s %14.7g %14.7g\n", name, a, b); };
+  const auto measure = [&text](const std::string& name, double a, double b) { text += formatted("  %-16s %14.7g %14.7g\n", name.c_str(), a, b); };
   row("triangles", before.triangles, after.triangles);
   row("nodes", before.nodes, after.nodes);
   row("shells", before.shells, after.shells);
@@ -35,8 +50,8 @@ std::string text_of_states(const RepairState& before, const RepairState& after) 
   row("open edges", before.edges.open, after.edges.open);
   row("opposed edges", before.edges.opposed, after.edges.opposed);
   row("sick edges", before.edges.sick, after.edges.sick);
-  measure("area", before.area, after.area);
-  measure("volume", before.volume, after.volume);
+  measure("area" + units.of_area(), before.area, after.area);
+  measure("volume" + units.of_volume(), before.volume, after.volume);
   return text;
 }
 
@@ -133,12 +148,12 @@ Json list_of(const List& items) {
 
 }  // namespace
 
-std::string text_of_repair(const RepairReport& report) {
+std::string text_of_repair(const Session& session, const RepairReport& report) {
   const RepairAccount& account = *report.account;
   std::string text = printable(report.input) + ": " + name_of(report.read->format) + (report.read->is_complete ? "\n" : ", damaged\n");
-  for (const StepAccount& step : account.steps) text += text_of_step(step);
+  for (const StepAccount& step : account.steps) text += text_of_step(step, session.units);
   text += text_of_holes(account.holes);
-  text += text_of_states(account.before, account.after);
+  text += text_of_states(account.before, account.after, session.units);
   text += text_of_verdict(report);
   if (report.written) {
     text += printable(report.output) + ": " + name_of(*report.written) + ", written and read back\n";
@@ -159,6 +174,7 @@ Json json_of_repair(const Session& session, const RepairReport& report) {
             {"format", report.read ? Json(name_of(report.read->format)) : nothing},
             {"bytes", report.input_bytes ? Json(*report.input_bytes) : nothing},
             {"complete", report.read ? Json(report.read->is_complete) : nothing}}},
+          {"units", session.units.name().empty() ? nothing : Json(session.units.name())},
           {"before", has_account ? json_of(report.account->before) : nothing},
           {"steps", has_account ? list_of(report.account->steps) : Json::array()},
           {"holes", has_account ? list_of(report.account->holes) : Json::array()},

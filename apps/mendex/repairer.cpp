@@ -14,7 +14,6 @@
 #include "sick_cure.h"
 #include "text.h"
 #include "tolerance_ladder.h"
-#include "undo_mark.h"
 
 namespace {
 
@@ -43,7 +42,7 @@ RepairAccount Repairer::run() {
   step(RepairStep::fill, [this](StepAccount& account) { fill(account); });
   account_.budget.volume_change = std::fabs(std::fabs(state_.volume) - std::fabs(volume));
   step(RepairStep::orient, [this](StepAccount& account) { orient(account); });
-  account_.after = state_ = measure();
+  account_.after = state_;
   account_.after.boundaries = state_.edges.open == 0 && state_.edges.opposed == 0 ? 0 : control_.cycles().num_boundaries();
   list_defects();
   judge_budget();
@@ -66,8 +65,20 @@ void Repairer::step(RepairStep which, const Edit& edit) {
   account_.steps.push_back(std::move(account));
 }
 
-RepairState Repairer::measure() const {
-  const ShellSurvey survey = survey_shells(mesh_);
+const ShellSurvey& Repairer::survey() {
+  if (!survey_) survey_ = survey_shells(mesh_);
+  return *survey_;
+}
+
+void Repairer::take_back(UndoMark& mark) {
+  survey_.reset();
+  mark.take_back();
+}
+
+// After every edit that may stay.
+RepairState Repairer::measure() {
+  survey_.reset();
+  const ShellSurvey& survey = this->survey();
   RepairState state;
   state.triangles = mesh_.valid_elements();
   state.nodes = mesh_.valid_nodes();
@@ -83,10 +94,10 @@ RepairState Repairer::measure() const {
 }
 
 std::string Repairer::harm_done(const RepairState& now) const {
-  const auto more = [](int before, int after, const char* what) { return std::to_string(after - before) + " more " + what; };
-  if (now.edges.open > state_.edges.open) return more(state_.edges.open, now.edges.open, "open edges");
-  if (now.edges.sick > state_.edges.sick) return more(state_.edges.sick, now.edges.sick, "edges of more than two triangles");
-  if (now.edges.opposed > state_.edges.opposed) return more(state_.edges.opposed, now.edges.opposed, "edges whose triangles disagree");
+  const EdgeCensus &before = state_.edges, &after = now.edges;
+  if (after.open > before.open) return counted(after.open - before.open, "more open edge", "more open edges");
+  if (after.sick > before.sick) return counted(after.sick - before.sick, "more edge of more than two triangles", "more edges of more than two triangles");
+  if (after.opposed > before.opposed) return counted(after.opposed - before.opposed, "more edge whose triangles disagree", "more edges whose triangles disagree");
   return "";
 }
 
@@ -110,7 +121,7 @@ bool Repairer::try_edit(StepAccount& account, const std::string& what, const std
     account.result = StepResult::changed;
     return true;
   }
-  mark.take_back();
+  take_back(mark);
   account.refused.push_back(what + ": it would leave " + harm);
   return false;
 }
@@ -144,7 +155,7 @@ void Repairer::clean(StepAccount& account) {
   const int deleted = before - mesh_.valid_elements();
   account.result = deleted == 0 ? StepResult::nothing_to_do : StepResult::changed;
   account_.budget.removed_area += std::max(0.0, area - state_.area);
-  account.count("repeated triangles and those back to back deleted", deleted);
+  account.count("repeated and back-to-back triangles deleted", deleted);
 }
 
 void Repairer::align(StepAccount& account) {
@@ -174,23 +185,25 @@ void Repairer::join(StepAccount& account) {
   account.count("open edges joined", open - state_.edges.open);
 }
 
-// A pass that changes nothing is known by its counts: merging takes nodes away, stapling adds triangles.
+// A pass that changes nothing leaves no record.
 void Repairer::join_within(StepAccount& account, double tolerance) {
   trCycleArray& cycles = control_.cycles();
   UndoMark mark(control_);
-  const int nodes = mesh_.valid_nodes(), triangles = mesh_.valid_elements();
-  control_.start_undo("join");
-  control_.action_bundup(tolerance);
-  if (!tr_interrupt() && nodes != mesh_.valid_nodes()) control_.action_cancelling(1);
-  if (!tr_interrupt() && cycles.num_edges() != 0) control_.action_astaple(tolerance, staple_passes);
-  control_.finish_undo(!tr_interrupt());
-  Interruption::check();
-  if (nodes == mesh_.valid_nodes() && triangles == mesh_.valid_elements()) return;
+  const auto bracketed = [this](const auto& edit) {
+    control_.start_undo("join");
+    edit();
+    control_.finish_undo(!tr_interrupt());
+    Interruption::check();
+  };
+  bracketed([&] { control_.action_bundup(tolerance); });
+  if (mark.operations() > 0) bracketed([&] { control_.action_cancelling(1); });
+  if (cycles.num_edges() != 0) bracketed([&] { control_.action_astaple(tolerance, staple_passes); });
+  if (mark.operations() == 0) return;
   const RepairState now = measure();
   const std::string harm = harm_done(now);
   if (!harm.empty()) {
-    mark.take_back();
-    account.refused.push_back(formatted("joining within %.4g: it would leave %s", tolerance, harm.c_str()));
+    take_back(mark);
+    account.refused.push_back("joining within " + session_.units.length(tolerance, 4) + ": it would leave " + harm);
     return;
   }
   state_ = now;
@@ -200,11 +213,10 @@ void Repairer::join_within(StepAccount& account, double tolerance) {
 
 void Repairer::drop(StepAccount& account) {
   if (!settings_.specks) return;
-  const ShellSurvey survey = survey_shells(mesh_);
   const double least = settings_.specks->resolve(whole_area_);
   std::vector<bool> is_speck;
   int specks = 0;
-  for (const Shell& shell : survey.shells) {
+  for (const Shell& shell : survey().shells) {
     is_speck.push_back(shell.area < least);
     specks += shell.area < least;
   }
@@ -212,7 +224,7 @@ void Repairer::drop(StepAccount& account) {
   if (specks == 0) return;
   control_.start_undo("drop");
   for (int e = 1; e < mesh_.element_count(); ++e) {
-    const int shell = survey.shell_of[static_cast<std::size_t>(e)];
+    const int shell = survey().shell_of[static_cast<std::size_t>(e)];
     if (shell < 0 || !is_speck[static_cast<std::size_t>(shell)]) continue;
     account_.budget.removed_area += area_of(mesh_, e);
     mesh_.delete_element(e);
@@ -252,7 +264,7 @@ void Repairer::cure_clusters(StepAccount& account) {
   const RepairState now = measure();
   const std::string harm = harm_done(now);
   if (!harm.empty()) {
-    mark.take_back();
+    take_back(mark);
     account.refused.push_back("deleting triangles of edges of more than two: it would leave " + harm);
     return;
   }
@@ -268,11 +280,11 @@ void Repairer::fill(StepAccount& account) {
   if (state_.edges.open == 0) return;
   UndoMark mark(control_);
   HoleRepair holes(session_, settings_);
-  std::vector<HoleFate> fates = holes.run();
+  std::vector<HoleFate> fates = holes.run(survey());
   const RepairState now = measure();
   const std::string harm = harm_done(now);
   if (!harm.empty()) {
-    mark.take_back();
+    take_back(mark);
     account.refused.push_back("closing holes: it would leave " + harm);
     for (HoleFate& fate : fates) {
       if (fate.kind != HoleFate::Kind::closed) continue;
@@ -320,11 +332,14 @@ void Repairer::orient(StepAccount& account) {
 void Repairer::judge_budget() {
   BudgetAccount& budget = account_.budget;
   const RepairLimits& limits = settings_.limits;
-  const auto judge = [&budget](const char* what, double value, double most) {
-    if (value > most) budget.passed.push_back(formatted("%s: %.6g, allowed %.6g", what, value, most));
+  using Print = std::string (Units::*)(double, int) const;
+  const auto judge = [&](const char* what, double value, double most, Print print) {
+    const Units& units = session_.units;
+    if (value > most) budget.passed.push_back(std::string(what) + ": " + (units.*print)(value, 6) + ", allowed " + (units.*print)(most, 6));
   };
-  if (limits.move) judge("the farthest move", budget.moved, limits.move->resolve(mesh_));
-  if (limits.removed_area) judge("area removed", budget.removed_area, limits.removed_area->resolve(account_.before.area));
-  if (limits.new_area) judge("area added", budget.new_area, limits.new_area->resolve(account_.before.area));
-  if (limits.volume_change) judge("change of volume", budget.volume_change, limits.volume_change->resolve(std::fabs(account_.before.volume)));
+  const RepairState& before = account_.before;
+  if (limits.move) judge("the farthest move", budget.moved, limits.move->resolve(mesh_), &Units::length);
+  if (limits.removed_area) judge("area removed", budget.removed_area, limits.removed_area->resolve(before.area), &Units::area);
+  if (limits.new_area) judge("area added", budget.new_area, limits.new_area->resolve(before.area), &Units::area);
+  if (limits.volume_change) judge("change of volume", budget.volume_change, limits.volume_change->resolve(std::fabs(before.volume)), &Units::volume);
 }

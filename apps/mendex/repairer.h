@@ -1,9 +1,11 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 
 #include "repair_account.h"
 #include "session.h"
+#include "undo_mark.h"
 
 /// Repairs the mesh of a session, step by step, each in undo records of its own. A step, or a part of one, that leaves the mesh worse is
 /// taken back and told as refused: more open edges, more edges whose triangles disagree or that more than two share, fewer closed
@@ -20,7 +22,9 @@ class Repairer {
 
   void step(RepairStep which, const Edit& edit);
   bool try_edit(StepAccount& account, const std::string& what, const std::function<void()>& edit);
-  RepairState measure() const;
+  RepairState measure();
+  const ShellSurvey& survey();
+  void take_back(UndoMark& mark);
   std::string harm_done(const RepairState& now) const;
 
   void weld(StepAccount& account);
@@ -41,6 +45,7 @@ class Repairer {
   trTriBlock& mesh_;
   const RepairSettings& settings_;
   RepairState state_;
+  std::optional<ShellSurvey> survey_;  // of the mesh as it is, when known
   double whole_area_ = 0.0;
   RepairAccount account_;
 };

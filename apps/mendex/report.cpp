@@ -3,6 +3,8 @@
 #include <cstdarg>
 #include <cstdio>
 
+#include "session.h"
+
 namespace {
 
 __attribute__((format(printf, 2, 3))) void append(std::string& text, const char* format, ...) {
@@ -14,20 +16,20 @@ __attribute__((format(printf, 2, 3))) void append(std::string& text, const char*
   text += line;
 }
 
-void append_point(std::string& text, const char* label, const giPoint3& p) {
-  append(text, "  %-10s %.7g  %.7g  %.7g\n", label, p.x, p.y, p.z);
+void append_point(std::string& text, const char* label, const giPoint3& p, const Units& units) {
+  append(text, "  %-10s %.7g  %.7g  %s\n", label, p.x, p.y, units.length(p.z, 7).c_str());
 }
 
-void append_box(std::string& text, const giBox3& box) {
+void append_box(std::string& text, const giBox3& box, const Units& units) {
   if (box.is_empty()) {
     append(text, "  %-10s empty\n", "box");
     return;
   }
   const giPoint3 low = box.min();
   const giPoint3 high = box.max();
-  append_point(text, "box from", low);
-  append_point(text, "to", high);
-  append_point(text, "size", giPoint3(high.x - low.x, high.y - low.y, high.z - low.z));
+  append_point(text, "box from", low, units);
+  append_point(text, "to", high, units);
+  append_point(text, "size", giPoint3(high.x - low.x, high.y - low.y, high.z - low.z), units);
 }
 
 }  // namespace
@@ -56,19 +58,19 @@ MeshStatistics measure_mesh(const trTriBlock& mesh) {
   return statistics;
 }
 
-std::string text_of_info(const std::string& file, const ReadOutcome& read, const MeshStatistics& mesh) {
+std::string text_of_info(const Session& session, const std::string& file, const ReadOutcome& read, const MeshStatistics& mesh) {
   std::string text = printable(file) + ": " + name_of(read.format) + (read.is_complete ? "\n" : ", damaged\n");
   append(text, "  %-10s %d\n", "triangles", mesh.elements);
   append(text, "  %-10s %d\n", "nodes", mesh.nodes);
-  append(text, "  %-10s %.7g\n", "area", mesh.area);
-  append(text, "  %-10s %.7g\n", "volume", mesh.volume);
-  append_point(text, "centre", mesh.centre);
-  append_box(text, mesh.box);
+  append(text, "  %-10s %s\n", "area", session.units.area(mesh.area, 7).c_str());
+  append(text, "  %-10s %s\n", "volume", session.units.volume(mesh.volume, 7).c_str());
+  append_point(text, "centre", mesh.centre, session.units);
+  append_box(text, mesh.box, session.units);
   if (mesh.elements > 0) append(text, "  %-10s least %.4g, mean %.4g\n", "aspect", mesh.min_aspect, mesh.mean_aspect);
   return text;
 }
 
-std::string text_of_weld(const WeldAccount& account) {
+std::string text_of_weld(const Session& session, const WeldAccount& account) {
   std::string text = printable(account.input) + ": " + name_of(account.read.format) +
                      (account.read.is_complete ? "\n" : ", damaged\n");
   append(text, "  %-10s %12s %12s\n", "", "before", "after");
@@ -76,7 +78,7 @@ std::string text_of_weld(const WeldAccount& account) {
   append(text, "  %-10s %12d %12d\n", "triangles", account.before.elements, account.after.elements);
   append(text, "  %d nodes merged, %d collapsed triangles deleted\n", account.merged_nodes(),
          account.deleted_elements());
-  if (account.tolerance != exact_copies) append(text, "  tolerance %.6g\n", account.tolerance);
+  if (account.tolerance != exact_copies) append(text, "  tolerance %s\n", session.units.length(account.tolerance, 6).c_str());
   if (account.merged_nodes() == 0 && account.tolerance == exact_copies && account.before.elements > 1) {
     text += "  no node has an exact copy; --tol merges nodes that lie near each other\n";
   }

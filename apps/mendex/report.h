@@ -56,5 +56,5 @@ std::string json_of_info(const Session& session, const std::string& file, const 
 std::string json_of_weld(const Session& session, const WeldAccount& account);
 
 /// The same for people: several lines, each ended.
-std::string text_of_info(const std::string& file, const ReadOutcome& read, const MeshStatistics& mesh);
-std::string text_of_weld(const WeldAccount& account);
+std::string text_of_info(const Session& session, const std::string& file, const ReadOutcome& read, const MeshStatistics& mesh);
+std::string text_of_weld(const Session& session, const WeldAccount& account);

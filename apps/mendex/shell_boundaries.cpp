@@ -28,8 +28,8 @@ void list_boundaries(CommandShell& shell) {
   const std::vector<FoundBoundary> found = find_boundaries(shell.control.cycles());
   Interruption::check();
   for (const FoundBoundary& boundary : found) {
-    shell.result(formatted("%c %-6d %8d edges, length %.7g, round ", selection.member(boundary.number) ? '*' : ' ', boundary.number,
-                           boundary.edges(), boundary.length) +
+    shell.result(formatted("%c %-6d %8d edges, length %s, round ", selection.member(boundary.number) ? '*' : ' ', boundary.number,
+                           boundary.edges(), shell.session.units.length(boundary.length, 7).c_str()) +
                  place(boundary.at) + "\n");
   }
   shell.result("  " + counted(static_cast<long long>(found.size()), "boundary", "boundaries") + "\n");

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <numeric>
 
 namespace {
@@ -9,8 +10,14 @@ namespace {
 // One of the three sides of an element, kept with the lower of its nodes.
 struct EdgeUse {
   int high;
-  int element;
-  bool is_upward;  // the element runs it from the low node to the high one
+  std::uint32_t side;
+
+  EdgeUse() = default;
+  EdgeUse(int a, int b, int e) : high(std::max(a, b)), side(static_cast<std::uint32_t>(e) << 1 | (a < b ? 1U : 0U)) {}
+
+  int element() const { return static_cast<int>(side >> 1); }
+  /// Whether the element runs it from the low node to the high one.
+  bool is_upward() const { return (side & 1U) != 0; }
 };
 
 // The sides of all elements by their lower nodes; those of one node by the higher, and then by the element.
@@ -21,7 +28,7 @@ class EdgeUses {
     for (std::size_t i = 1; i < starts_.size(); ++i) starts_[i] += starts_[i - 1];
     uses_.resize(starts_.back());
     std::vector<std::size_t> next(starts_.begin(), starts_.end() - 1);
-    for_each_side(mesh, [&](int a, int b, int e) { uses_[next[lower(a, b)]++] = {std::max(a, b), e, a < b}; });
+    for_each_side(mesh, [&](int a, int b, int e) { uses_[next[lower(a, b)]++] = EdgeUse(a, b, e); });
     for (std::size_t i = 0; i + 1 < starts_.size(); ++i) sort_uses(uses_.data() + starts_[i], uses_.data() + starts_[i + 1]);
   }
 
@@ -103,7 +110,7 @@ double volume_seen_from(const giPoint3& origin, const giPoint3 corners[3]) {
 int EdgeCensus::*fault_of(const EdgeUse* first, const EdgeUse* last) {
   if (last - first == 1) return &EdgeCensus::open;
   if (last - first > 2) return &EdgeCensus::sick;
-  return first[0].is_upward == first[1].is_upward ? &EdgeCensus::opposed : nullptr;
+  return first[0].is_upward() == first[1].is_upward() ? &EdgeCensus::opposed : nullptr;
 }
 
 struct FaultyEdge {
@@ -126,9 +133,9 @@ ShellSurvey survey_shells(const trTriBlock& mesh) {
   JoinedElements joined(mesh.element_count());
   std::vector<FaultyEdge> faults;
   EdgeUses(mesh).for_each_edge([&](const EdgeUse* first, const EdgeUse* last) {
-    for (const EdgeUse* use = first + 1; use < last; ++use) joined.join(first->element, use->element);
+    for (const EdgeUse* use = first + 1; use < last; ++use) joined.join(first->element(), use->element());
     int EdgeCensus::*const fault = fault_of(first, last);
-    if (fault != nullptr) faults.push_back({first->element, fault});
+    if (fault != nullptr) faults.push_back({first->element(), fault});
   });
   ShellSurvey survey;
   survey.shell_of.assign(static_cast<std::size_t>(mesh.element_count()), -1);

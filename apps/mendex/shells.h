@@ -34,7 +34,7 @@ struct ShellSurvey {
   EdgeCensus edges;           // of all
 };
 
-/// Cost: O(n) time where few triangles meet in a node, 32 bytes a triangle.
+/// Cost: O(n) time where few triangles meet in a node, 24 bytes a triangle.
 ShellSurvey survey_shells(const trTriBlock& mesh);
 
 inline std::vector<Shell> find_shells(const trTriBlock& mesh) { return survey_shells(mesh).shells; }

@@ -196,7 +196,7 @@ bool SickCure::delete_and_close(const std::vector<int>& elements) {
   holes.set_filter([&nodes](const FoundBoundary& hole) {
     return std::any_of(hole.nodes.begin(), hole.nodes.end(), [&nodes](int n) { return std::binary_search(nodes.begin(), nodes.end(), n); });
   });
-  const std::vector<HoleFate> fates = holes.run();
+  const std::vector<HoleFate> fates = holes.run(survey_shells(mesh_));
   std::vector<int> touched = nodes;
   for (int e = first_new; e < mesh_.element_count(); ++e) {
     if (mesh_.element(e).valid()) add_corners(touched, mesh_.element(e));

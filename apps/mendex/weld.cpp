@@ -44,7 +44,7 @@ ExitCode run_weld(Session& session, const WeldOptions& options) {
   if (options.is_json) {
     std::printf("%s\n", json_of_weld(session, account).c_str());
   } else if (!session.is_quiet) {
-    std::printf("%s", text_of_weld(account).c_str());
+    std::printf("%s", text_of_weld(session, account).c_str());
   }
   return ExitCode::done;
 }

@@ -113,8 +113,8 @@ TEST(MendexBatch, EveryEndHasItsCodeAndItsReport) {
   EXPECT_EQ(result.reports[1]["steps"], Json::parse("[1]"));
   const Json& made = result.reports[2];
   EXPECT_EQ(made["schema"], "mendex.report/1");
-  EXPECT_EQ(made["input"], (Json{{"path", "job2.stl"}, {"format", nullptr}, {"bytes", std::filesystem::file_size(folder.path("job2.stl"))}}));
-  for (const char* key : {"before", "steps", "defects", "budget", "after", "output"}) EXPECT_TRUE(made.at(key).is_null()) << key;
+  EXPECT_EQ(made["input"], (Json{{"path", "job2.stl"}, {"format", nullptr}, {"bytes", std::filesystem::file_size(folder.path("job2.stl"))}, {"complete", nullptr}}));
+  for (const char* key : {"before", "defect_count", "budget", "after"}) EXPECT_TRUE(made.at(key).is_null()) << key;
   for (const auto& [key, count] : expected) EXPECT_EQ(result.summary[key], count) << key;
   EXPECT_EQ(result.summary["files"], std::size(cases));
   EXPECT_EQ(result.summary["exit"], 7);

@@ -213,6 +213,7 @@ TEST(MendexRepair, ExitCodes) {
                {{folder.path("none.stl"), "-o", folder.path("3.stl")}, 3, false, "No such file"},
                {{hole, "-o", folder.path("no/4.stl")}, 4, false, "cannot be written"},
                {{hole, "-o", folder.path("5.stl"), "--max-new-area", "1%"}, 5, false, ""},
+               {{hole, "-o", folder.path("6.stl"), "--timeout", "1e-6"}, 6, false, "timed out"},
                {{hole, "-n"}, 0, false, ""}};
   for (const auto& c : cases) {
     const Repaired repaired = repair(c.arguments);
