@@ -1,5 +1,6 @@
 #include "batch.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <sched.h>
 #include <sys/wait.h>
@@ -196,7 +197,9 @@ class Batch {
     outcome.report = child.output();
     if (WIFSIGNALED(child.status())) remove_temporary_files(job.output, child.id());
     errors_[worker.job] = child.errors();
-    if (outcome.code == ExitCode::cannot_write && !arguments_.keeps_going) stop(outcome.code, "not started, because of " + job.input + "; see --keep-going");
+    if (outcome.code == ExitCode::cannot_write && !arguments_.keeps_going && !takes_results(job)) {
+      stop(outcome.code, "not started, because of " + job.input + "; see --keep-going");
+    }
     outcomes_[worker.job] = std::move(outcome);
     ++done_;
   }
@@ -211,6 +214,18 @@ class Batch {
     outcome.end = worker.is_out_of_time ? BatchEnd::timed_out : BatchEnd::interrupted;
     outcome.error = worker.is_out_of_time ? formatted("timed out after %g s", *limits_.seconds) : "interrupted";
     return outcome;
+  }
+
+  // Whether the folder of a result takes another file, as large as the job's input: else the other results will not be written either.
+  static bool takes_results(const BatchJob& job) {
+    try {
+      const SafeOutput probe(std::filesystem::path(job.output).replace_filename("probe").string());
+      std::error_code ignored;
+      const std::uintmax_t bytes = std::filesystem::file_size(job.input, ignored);
+      return posix_fallocate(probe.descriptor(), 0, ignored ? 1 : std::max<off_t>(1, static_cast<off_t>(bytes))) == 0;
+    } catch (const Failure&) {
+      return false;
+    }
   }
 
   // In the order of the jobs, whichever ends first. What a child had to say beside its report comes before it.
@@ -278,7 +293,7 @@ void add_batch_arguments(CLI::App* verb, BatchArguments& arguments) {
   add_count(verb, "--jobs", arguments.jobs, 0, "Files worked on at a time, each in a process of its own; 0: one for each\nprocessor")
       ->capture_default_str()
       ->group(option_group);
-  verb->add_flag("--keep-going", arguments.keeps_going, "Start further files even after a result could not be written")->group(option_group);
+  verb->add_flag("--keep-going", arguments.keeps_going, "Start further files even where the folder takes no more results")->group(option_group);
   verb->add_option("--timeout", arguments.timeout_seconds, "Stop work on a file after so long, with code 6")
       ->check(CLI::Validator(seconds_problem, ""))
       ->type_name("SECONDS")

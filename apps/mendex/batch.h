@@ -38,7 +38,7 @@ struct BatchPlan {
 /// at the end. Returns the highest code; throws a Failure where nothing is started, for the reasons that `find_jobs` names.
 ///
 /// A file whose time is up is asked to stop and killed two seconds later. Whatever becomes of one, the others go on, save where a result
-/// cannot be written, since that would befall the others too; with `keeps_going` even then. The
+/// cannot be written and its folder takes no other file either, since that would befall them too; with `keeps_going` even then. The
 /// limit on this process's memory becomes that of each child. On interruption the children are stopped and nothing more is started.
 ExitCode run_batch(Session& session, const BatchArguments& arguments, const BatchPlan& plan);
 

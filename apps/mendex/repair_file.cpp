@@ -97,6 +97,12 @@ class FileRepair {
       report_.exit = ExitCode::budget_passed;
       return;
     }
+    if (report_.account->after.triangles == 0) {
+      report_.error = "no triangle is left, so nothing is written";
+      report_.exit = ExitCode::defects_found;
+      session_.messages.error(report_.error);
+      return;
+    }
     report_.exit = report_.account->is_sound() ? ExitCode::done : ExitCode::defects_found;
     if (!request_.is_dry_run && !request_.output.empty()) write();
   }

@@ -93,7 +93,9 @@ RepairState Repairer::measure() {
   return state;
 }
 
-std::string Repairer::harm_done(const RepairState& now) const {
+std::string Repairer::harm_done(const RepairState& now, const ShellSurvey* shells) const {
+  const int lost = shells == nullptr ? 0 : shells_lost_since(*shells);
+  if (lost > 0) return "nothing of " + counted(lost, "shell", "shells");
   const EdgeCensus &before = state_.edges, &after = now.edges;
   if (after.open > before.open) return counted(after.open - before.open, "more open edge", "more open edges");
   if (after.sick > before.sick) return counted(after.sick - before.sick, "more edge of more than two triangles", "more edges of more than two triangles");
@@ -101,8 +103,19 @@ std::string Repairer::harm_done(const RepairState& now) const {
   return "";
 }
 
+// Shells of which no triangle is there any more.
+int Repairer::shells_lost_since(const ShellSurvey& before) const {
+  std::vector<bool> is_there(before.shells.size());
+  for (int e = 1; e < mesh_.element_count(); ++e) {
+    const int shell = static_cast<std::size_t>(e) < before.shell_of.size() ? before.shell_of[static_cast<std::size_t>(e)] : -1;
+    if (shell >= 0 && mesh_.element(e).valid()) is_there[static_cast<std::size_t>(shell)] = true;
+  }
+  return static_cast<int>(std::count(is_there.begin(), is_there.end(), false));
+}
+
 // In an undo bracket, kept when it did some good, or at least no harm. Whether it was kept.
 bool Repairer::try_edit(StepAccount& account, const std::string& what, const std::function<void()>& edit) {
+  const ShellSurvey before = survey();
   UndoMark mark(control_);
   control_.start_undo(name_of(account.step));
   try {
@@ -115,7 +128,7 @@ bool Repairer::try_edit(StepAccount& account, const std::string& what, const std
   Interruption::check();
   control_.finish_undo(1);
   const RepairState now = measure();
-  const std::string harm = harm_done(now);
+  const std::string harm = harm_done(now, &before);
   if (harm.empty()) {
     state_ = now;
     account.result = StepResult::changed;
@@ -254,6 +267,7 @@ void Repairer::cure(StepAccount& account) {
 }
 
 void Repairer::cure_clusters(StepAccount& account) {
+  const ShellSurvey before = survey();
   UndoMark mark(control_);
   const CureResult result = SickCure(session_, settings_).run();
   if (result.refused > 0) {
@@ -262,7 +276,7 @@ void Repairer::cure_clusters(StepAccount& account) {
   }
   if (result.triangles_deleted == 0) return;
   const RepairState now = measure();
-  const std::string harm = harm_done(now);
+  const std::string harm = harm_done(now, &before);
   if (!harm.empty()) {
     take_back(mark);
     account.refused.push_back("deleting triangles of edges of more than two: it would leave " + harm);
@@ -318,12 +332,11 @@ void Repairer::fill(StepAccount& account) {
 void Repairer::orient(StepAccount& account) {
   if (state_.edges.opposed == 0 && state_.inside_out == 0) return;
   int turned = 0, shells = 0;
-  const bool is_kept = try_edit(account, "turning shells outward", [&] {
-    MeshOrienter orienter(control_);
-    if (state_.edges.opposed > 0) turned = orienter.make_consistent();
-    shells = orienter.make_outward();
-  });
-  if (!is_kept) return;
+  MeshOrienter orienter(control_);
+  const bool is_consistent = state_.edges.opposed == 0 || try_edit(account, "turning triangles over", [&] { turned = orienter.make_consistent(); });
+  const bool is_outward = state_.inside_out == 0 || try_edit(account, "turning shells outward", [&] { shells = orienter.make_outward(); });
+  if (!is_consistent && !is_outward) return;
+  if (!is_consistent) turned = 0;
   if (turned == 0 && shells == 0) account.result = StepResult::nothing_to_do;
   account.count("triangles turned over", turned);
   account.count("shells turned outward", shells);

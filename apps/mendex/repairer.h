@@ -9,7 +9,7 @@
 
 /// Repairs the mesh of a session, step by step, each in undo records of its own. A step, or a part of one, that leaves the mesh worse is
 /// taken back and told as refused: more open edges, more edges whose triangles disagree or that more than two share, fewer closed
-/// shells, or, of a patch, a cut through the mesh.
+/// shells, or, of a patch, a cut through the mesh. None but `drop` may delete all of a shell.
 class Repairer {
  public:
   Repairer(Session& session, const RepairSettings& settings);
@@ -25,7 +25,8 @@ class Repairer {
   RepairState measure();
   const ShellSurvey& survey();
   void take_back(UndoMark& mark);
-  std::string harm_done(const RepairState& now) const;
+  std::string harm_done(const RepairState& now, const ShellSurvey* shells = nullptr) const;
+  int shells_lost_since(const ShellSurvey& before) const;
 
   void weld(StepAccount& account);
   void clean(StepAccount& account);

@@ -224,6 +224,9 @@ TEST(MendexRepair, ExitCodes) {
     EXPECT_EQ(repaired.report["schema"], "mendex.report/1");
     EXPECT_EQ(repaired.report["exit"], c.exit_code);
     EXPECT_EQ(repaired.report["output"]["verified"], c.is_written);
+    if (c.exit_code == 1) {
+      EXPECT_EQ(repaired.report["defects"][0]["reason"], "surfaces touch along it: as many triangles run it one way as the other");
+    }
   }
   EXPECT_EQ(contents_of_file(there), "as it was");
   EXPECT_EQ(repair({"/dev/null", "-n", "--frob"}).exit_code, 2);
@@ -246,6 +249,23 @@ TEST(MendexRepair, LimitsAreJudged) {
     const bool can_pass = std::string(c.least) != c.enough;
     EXPECT_EQ(repair({in, "-n", c.option, c.least}).exit_code, can_pass ? 5 : 0) << c.option << c.least;
   }
+}
+
+// Deleting what lies back to back is not done where it would delete a whole shell; copies are then deleted without it.
+TEST(MendexRepair, NoStepDeletesAShell) {
+  const TestFolder folder;
+  std::vector<FacetCorners> facets = tetrahedron();
+  facets.push_back(facets.front());
+  facets.push_back(facet(5, 0, 0, 6, 0, 0, 5, 1, 0));
+  facets.push_back(facet(5, 0, 0, 5, 1, 0, 6, 0, 0));
+  const Repaired repaired = repair({folder.write("in.stl", binary_stl(facets)), "-o", folder.path("out.stl")});
+  EXPECT_EQ(repaired.exit_code, 0) << repaired.report.dump();
+  EXPECT_EQ(facets_in(folder.path("out.stl")).size(), 6U);
+  EXPECT_NE(repaired.step("clean")["refused"].dump().find("nothing of 1 shell"), std::string::npos) << repaired.report.dump();
+  // A file of nothing but collapsed triangles is told, and not written.
+  const Repaired collapsed = repair({folder.write("line.stl", binary_stl({facet(0, 0, 0, 1, 0, 0, 1, 0, 0)})), "-o", folder.path("none.stl")});
+  EXPECT_EQ(collapsed.exit_code, 1);
+  EXPECT_EQ(collapsed.report["error"], "no triangle is left, so nothing is written");
 }
 
 // Steps can be left out, and then say so.
