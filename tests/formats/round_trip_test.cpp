@@ -144,26 +144,16 @@ TEST(FormatAppending, TheSameFileTwiceMakesThreeSeparateParts) {
     for (const int append : {0, 1, 1}) EXPECT_EQ(read_format(*format, thrice, bytes, {1, 0, append, 1}).result, 1);
     EXPECT_TRUE(is_sound(thrice));
     EXPECT_EQ(thrice.valid_nodes(), 3 * once.valid_nodes());
-    const auto corners = [](const trTriBlock& mesh) {
-      std::vector<double> all;
-      for (int e = 1; e < mesh.element_count(); ++e) {
-        for (int k = 0; k < 3 && mesh.element(e).valid(); ++k) {
-          const giPoint3& p = mesh.point(mesh.element(e)[k]);
-          all.insert(all.end(), {p.x, p.y, p.z});
-        }
-      }
-      return all;
-    };
-    const std::vector<double> one = corners(once);
+    const std::vector<double> part = geometry_of(once);
     std::vector<double> expected;
-    for (int part = 0; part < 3; ++part) expected.insert(expected.end(), one.begin(), one.end());
-    EXPECT_EQ(corners(thrice), expected);
-    std::set<int> first_part, others;
+    for (int k = 0; k < 3; ++k) expected.insert(expected.end(), part.begin(), part.end());
+    EXPECT_EQ(geometry_of(thrice), expected);
     const int elements = once.element_count();
-    for (int e = 1; e < thrice.element_count(); ++e) {
-      for (int k = 0; k < 3 && thrice.element(e).valid(); ++k) (e < elements ? first_part : others).insert(thrice.element(e)[k]);
+    for (int e = elements; e < thrice.element_count(); ++e) {
+      const trElement& t = thrice.element(e);
+      if (!t.valid()) continue;
+      EXPECT_GE(std::min({t[0], t[1], t[2]}), once.node_count());
     }
-    EXPECT_LT(*first_part.rbegin(), *others.begin());
   }
 }
 
@@ -172,7 +162,7 @@ TEST(FormatLocale, ACommaAsDecimalPointAndLineEndsOfOtherSystemsChangeNothing) {
   trTriBlock mesh;
   fill(mesh, {20, 30, 2, 6}, random);
   std::vector<std::string> files, contents;
-  for (const Format* format : formats) {
+  for (const Format* format : all_formats) {
     files.push_back(write_format(*format, mesh).bytes);
     trTriBlock plain;
     read_format(*format, plain, files.back(), {1, 0, 0, 1});
@@ -181,10 +171,10 @@ TEST(FormatLocale, ACommaAsDecimalPointAndLineEndsOfOtherSystemsChangeNothing) {
   const CommaLocale locale;
   if (!locale.is_set()) GTEST_SKIP() << "no locale with a comma as decimal point is installed or can be made";
   for (std::size_t k = 0; k < files.size(); ++k) {
-    SCOPED_TRACE(formats[k]->name);
-    EXPECT_TRUE(are_same(write_format(*formats[k], mesh).bytes, files[k]));
+    SCOPED_TRACE(all_formats[k]->name);
+    EXPECT_TRUE(are_same(write_format(*all_formats[k], mesh).bytes, files[k]));
     std::vector<std::string> variants{files[k]};
-    if (formats[k] != &native_format && formats[k] != &kvx_format) {
+    if (k != 0 && k != 4 && k != 5) {  // text
       std::string returns;
       for (const char c : files[k]) returns += c == '\n' ? "\r\n" : std::string(1, c);
       variants.push_back(returns);
@@ -192,7 +182,7 @@ TEST(FormatLocale, ACommaAsDecimalPointAndLineEndsOfOtherSystemsChangeNothing) {
     }
     for (const std::string& variant : variants) {
       trTriBlock read;
-      EXPECT_EQ(read_format(*formats[k], read, variant, {1, 0, 0, 1}).result, 1);
+      EXPECT_EQ(read_format(*all_formats[k], read, variant, {1, 0, 0, 1}).result, 1);
       EXPECT_TRUE(content_of(read) == contents[k]);
     }
   }

@@ -4,6 +4,7 @@
 
 #include <cfloat>
 
+#include "mesh/measures.h"
 #include "oracles/literal_mesh.h"
 #include "support/journal_recorder.h"
 #include "support/shapes.h"
@@ -11,13 +12,20 @@
 
 namespace {
 
-const giVector3 no_direction = tr_no_direction();
-
 giWorkplane3 plane_at(const giPoint3& origin) {
   return giWorkplane3(origin, giUnitVec3(giVector3(0, 1, 0)), giUnitVec3(giVector3(0, 0, 1)));
 }
 
-void expect_fresh(const trTriBlock& block) {
+// What a new block is, an emptied one is too; slot 0 never counts.
+TEST(ClearedBlock, IsLikeAFreshOne) {
+  BlockOf block(sphere(4));
+  block.set_node_data_size(4);
+  block.set_element_colour(3, 77);
+  block.build_edges();
+  block.compute_node_normals();
+  block.unduplicate_nodes(1e-9);
+  block.force_changed_status(0);
+  block.clear();
   EXPECT_EQ(block.node_count(), 1);
   EXPECT_EQ(block.element_count(), 1);
   EXPECT_EQ(block.valid_nodes(), 0);
@@ -30,45 +38,6 @@ void expect_fresh(const trTriBlock& block) {
   EXPECT_EQ(block.node_data_size(), 0);
   EXPECT_EQ(block.get_element_colour(3), NO_COLOUR);
   EXPECT_TRUE(block.box().is_empty());
-  EXPECT_TRUE(is_sound(block));
-}
-
-TEST(FreshBlock, HasReservedSlotsThatNeverCount) {
-  trTriBlock block;
-  expect_fresh(block);
-  EXPECT_EQ(block.use_workplane, 0);
-  EXPECT_EQ(block.curvature_adjust, 0);
-}
-
-TEST(ClearedBlock, IsLikeAFreshOne) {
-  BlockOf block(sphere(4));
-  block.set_node_data_size(4);
-  block.set_element_colour(3, 77);
-  block.build_edges();
-  block.compute_node_normals();
-  block.unduplicate_nodes(1e-9);
-  block.force_changed_status(0);
-  block.clear();
-  expect_fresh(block);
-}
-
-TEST(Growth, MakesTheNumbersInBetweenAsDeletedOnes) {
-  trTriBlock block;
-  block.set_node(40, giPoint3(1, 2, 3));
-  EXPECT_EQ(block.node_count(), 41);
-  EXPECT_EQ(block.valid_nodes(), 1);
-  block.set_node(1, giPoint3(1, 0, 0));
-  block.set_node(2, giPoint3(0, 1, 0));
-  for (int e = 1; e < 5; ++e) block.generate(1, 2, 40);
-  // Page memory behind the count was never written: it must not show.
-  block.set_element(10, 2, 1, 40);
-  EXPECT_EQ(block.element_count(), 11);
-  for (int e = 5; e < 10; ++e) {
-    for (int k = 0; k < 3; ++k) EXPECT_EQ(block.element(e)[k], 0) << e;
-  }
-  block.access_element(5000);
-  EXPECT_EQ(block.element_count(), 5001);
-  EXPECT_EQ(block.valid_elements(), 5);
   EXPECT_TRUE(is_sound(block));
 }
 
@@ -92,16 +61,6 @@ TEST(Growth, OfCoordinatesAloneLeavesTheNodesBetweenUsable) {
   EXPECT_EQ(block.valid_nodes(), 1);
 }
 
-TEST(Growth, KeepsAddresses) {
-  trTriBlock block;
-  block.set_node(1, giPoint3(1, 2, 3));
-  const trNode* node = &block.node(1);
-  const giPoint3* place = block.node(1).coords;
-  block.set_node(100000, giPoint3());
-  EXPECT_EQ(node, &block.node(1));
-  EXPECT_EQ(place, block.node(1).coords);
-}
-
 // Three set_node and a set_element by another name, with edges built or not, journalled or not.
 TEST(AppendFacet, EqualsItsParts) {
   for (const int edges : {0, 1}) {
@@ -113,6 +72,7 @@ TEST(AppendFacet, EqualsItsParts) {
       if (edges) block.build_edges();
       literal.edges_built = edges;
       literal.reports.clear();
+      block.compute_node_normals();
       JournalRecorder recorder(block);
       if (!journal) block.undo = nullptr;
       const Shape soup = exploded(sphere(3));
@@ -124,6 +84,11 @@ TEST(AppendFacet, EqualsItsParts) {
         literal.set_element(literal.element_count, n, n + 1, n + 2);
       }
       EXPECT_EQ(difference(block, literal), "");
+      block.compute_node_normals();
+      giVector3 normal;
+      const giPoint3* last = &soup.points.back();
+      tr_compute_normal(last[-2], last[-1], last[0], 0.0, normal);
+      EXPECT_LT((block.node_normal(block.node_count() - 1) - normal).length(), 1e-12) << "made anew";
       if (!journal) literal.reports.clear();
       EXPECT_TRUE(recorder.reports() == JournalRecorder::sorted(literal.reports));
       EXPECT_TRUE(is_sound(block));
@@ -157,7 +122,7 @@ TEST(Sentinels, AreMovedByOneUnitInTheLastPlace) {
   const double nearly = std::nextafter(DBL_MAX, 0.0);
   block.set_node(1, giPoint3(-DBL_MAX, DBL_MAX, 0));
   EXPECT_EQ(block.point(1), giPoint3(-nearly, nearly, 0));
-  const int made = block.generate_node(giPoint3(0, 0, DBL_MAX), no_direction, 0);
+  const int made = block.generate_node(giPoint3(0, 0, DBL_MAX), tr_no_direction(), 0);
   EXPECT_EQ(block.point(made), giPoint3(0, 0, nearly));
   const giPoint3 corners[3] = {giPoint3(DBL_MAX, 0, 0), giPoint3(-DBL_MAX, 1, 0), giPoint3(0, -DBL_MAX, 0)};
   block.append_facet(corners);
@@ -167,87 +132,6 @@ TEST(Sentinels, AreMovedByOneUnitInTheLastPlace) {
   EXPECT_EQ(block.point(1).x, infinity);
   EXPECT_EQ(block.point(1).y, -infinity);
   EXPECT_TRUE(std::isnan(block.point(1).z));
-}
-
-// Only these edits announce a change to the host; the rest of the primitives leave the flag as it is, and so does
-// cancelling.
-TEST(Changed, IsSetByThoseEditsThatSaySo) {
-  intcoPageArr one;
-  one[0] = 1;
-  const intcoPageArr none;
-  const struct {
-    const char* name;
-    int expected;
-    std::function<void(trTriBlock&)> edit;
-  } cases[] = {
-      {"alter", 1, [](trTriBlock& b) { b.alter(0); }},
-      {"reverse_element", 1, [](trTriBlock& b) { b.reverse_element(1); }},
-      {"split_element", 1, [](trTriBlock& b) { b.split_element(1); }},
-      {"delete_elements", 1, [&](trTriBlock& b) { b.delete_elements(one); }},
-      {"delete_elements of nothing", 0, [&](trTriBlock& b) { b.delete_elements(none); }},
-      {"split_elements", 1, [&](trTriBlock& b) { b.split_elements(one); }},
-      {"split_elements of nothing", 0, [&](trTriBlock& b) { b.split_elements(none); }},
-      {"repeating", 1, [](trTriBlock& b) { b.repeating(); }},
-      {"merge", 1, [](trTriBlock& b) { b.unduplicate_nodes(2.0); }},
-      {"merge of nothing", 0, [](trTriBlock& b) { b.unduplicate_nodes(1e-9); }},
-      {"renumber", 1, [](trTriBlock& b) { b.renumber(); }},
-      {"cancelling(0)", 0, [](trTriBlock& b) { b.cancelling(0); }},
-      {"cancelling(1)", 0, [](trTriBlock& b) { b.cancelling(1); }},
-      {"generate", 0, [](trTriBlock& b) { b.generate(1, 2, 4); }},
-      {"set_element", 0, [](trTriBlock& b) { b.set_element(1, 1, 2, 4); }},
-      {"delete_element", 0, [](trTriBlock& b) { b.delete_element(1); }},
-      {"delete_node", 0, [](trTriBlock& b) { b.delete_node(4); }},
-      {"set_node", 0, [](trTriBlock& b) { b.set_node(1, giPoint3(5, 5, 5)); }},
-  };
-  for (const auto& c : cases) {
-    BlockOf block(flat_sheet(1, 1));
-    block.generate(1, 2, 4);
-    block.generate(1, 2, 4);
-    block.generate(2, 1, 4);
-    block.force_changed_status(0);
-    c.edit(block);
-    EXPECT_EQ(block.changed, c.expected) << c.name;
-  }
-}
-
-TEST(Transform, CountsAsNoChangeAndKeepsLists) {
-  BlockOf block(punctured_sphere(4, 2));
-  block.build_edges();
-  block.compute_node_normals();
-  block.unduplicate_nodes(1e-9);
-  block.build_edges();
-  const auto edges = listed_free_edges(block);
-  block.force_changed_status(1);
-  block.transform(giXform3::translation(giVector3(10, 0, 0)));
-  EXPECT_EQ(block.changed, 0);
-  EXPECT_EQ(block.normals_built, 0);
-  EXPECT_EQ(block.undup_tol, 0.0);
-  EXPECT_EQ(block.edges_built, 1);
-  EXPECT_EQ(listed_free_edges(block), edges);
-  EXPECT_NEAR(block.box().min().x, 9, 1e-12);
-  EXPECT_TRUE(is_sound(block));
-}
-
-TEST(SetNode, OnAValidNodeKeepsTheListsThatAreCurrent) {
-  BlockOf block(flat_sheet(1, 1));
-  block.build_edges();
-  block.set_node(1, giPoint3(-1, -1, 0));
-  EXPECT_EQ(entries(block.node(1).elements), (std::vector<int>{2, 1}));
-  EXPECT_EQ(listed_free_edges(block), expected_free_edges(block));
-  EXPECT_TRUE(is_sound(block));
-  // A list whose flag is not set is emptied.
-  block.alter(0);
-  block.set_node(1, giPoint3(0, 0, 0));
-  EXPECT_TRUE(block.node(1).a_edges.empty());
-}
-
-TEST(SetNode, ForgetsTheMergeToleranceButNotTheEdges) {
-  BlockOf block(flat_sheet(1, 1));
-  block.unduplicate_nodes(0.01);
-  block.build_edges();
-  block.set_node(1, giPoint3(0, 0, 1));
-  EXPECT_EQ(block.undup_tol, 0.0);
-  EXPECT_EQ(block.edges_built, 1);
 }
 
 TEST(Alter, MakesEdgesAndMergeToleranceStaleAndTheBoxOnRequest) {

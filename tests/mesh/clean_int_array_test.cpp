@@ -32,16 +32,6 @@ std::vector<int> entries(const intcoPageArr& array) {
   return found;
 }
 
-// The last entry moves into the hole and is examined there.
-TEST(CleanIntArray, KeepsTheFirstOfEachValue) {
-  intcoPageArr array{5, 3, 5, 7, 3};
-  EXPECT_EQ(tr_clean_int_array(array), 2);
-  EXPECT_EQ(entries(array), (std::vector<int>{5, 3, 7}));
-  intcoPageArr moved{1, 1, 2, 3};
-  EXPECT_EQ(tr_clean_int_array(moved), 1);
-  EXPECT_EQ(entries(moved), (std::vector<int>{1, 3, 2}));
-}
-
 TEST(CleanIntArray, MatchesTheRuleAtEveryInterruption) {
   Random random(67);
   int removals = 0, interruptions = 0;

@@ -4,7 +4,7 @@
 
 #include <climits>
 
-#include "mesh/edge_connection.h"
+#include "mesh/containers.h"
 #include "support/shapes.h"
 #include "support/validator.h"
 
@@ -34,14 +34,6 @@ TEST(NodeList, MemberMovesWhatItFindsToTheFront) {
   EXPECT_EQ(entries(list), (std::vector<int>{5, 7, 4, 6, 5}));
   EXPECT_EQ(list.member(99), 0);
   EXPECT_EQ(entries(list), (std::vector<int>{5, 7, 4, 6, 5}));
-}
-
-TEST(NodeList, RemoveTakesTheFirstOfEqualEntriesAndKeepsTheOrder) {
-  trIntList list;
-  fill(list, {4, 5, 6, 5, 7});
-  EXPECT_EQ(list.remove(5), 1);
-  EXPECT_EQ(entries(list), (std::vector<int>{4, 6, 5, 7}));
-  EXPECT_EQ(list.remove(8), 0);
 }
 
 TEST(Node, AssignmentMovesAndDeletesItsSource) {
@@ -80,17 +72,6 @@ TEST(Node, ResetEdgesLeavesDeletedNodesAlone) {
   EXPECT_TRUE(node.d_edges.empty());
 }
 
-TEST(Element, IsInvalidWhileUnsetOrDeleted) {
-  EXPECT_FALSE(trElement().valid());
-  trElement unset;
-  unset[0] = UNSET_ELEMENT;
-  EXPECT_FALSE(unset.valid());
-  trElement a(1, 2, 3), b(4, 5, 6);
-  a.swap(b);
-  EXPECT_EQ(a[0], 4);
-  EXPECT_EQ(b[2], 3);
-}
-
 // Assignment hands on the values, never how many tuples they were averaged from.
 TEST(NodeDataTuple, AssignmentSetsTheWeightToOne) {
   for (const int weight : {0, 1, 7}) {
@@ -105,29 +86,6 @@ TEST(NodeDataTuple, AssignmentSetsTheWeightToOne) {
   }
 }
 
-TEST(NodeDataBlock, AveragesByWeight) {
-  trNodeDataBlock data;
-  data.set_size(1);
-  const auto set = [&](int i, int weight, double value) {
-    data.data(i).weight = weight;
-    for (double& v : data.data(i).values) v = value;
-  };
-  set(1, 0, 5.0);
-  set(2, 0, 9.0);
-  data.average(1, 2);
-  EXPECT_EQ(data.data(1).values[0], 5.0);
-  EXPECT_EQ(data.data(1).weight, 0);
-  set(1, 1, 8.0);
-  set(2, 3, 4.0);
-  data.average(1, 2);
-  // (4 * 3 + 8 * 1) / 4, for all five values, in use or not.
-  for (double v : data.data(1).values) EXPECT_EQ(v, 5.0);
-  EXPECT_EQ(data.data(1).weight, 4);
-  data.move(3, 2);
-  EXPECT_EQ(data.data(3).weight, 3);
-  EXPECT_EQ(data.data(3).values[2], 4.0);
-}
-
 TEST(NodeDataBlock, TestIsStrictAndLooksOnlyAtValuesInUse) {
   trNodeDataBlock data;
   data.set_size(2);
@@ -137,20 +95,6 @@ TEST(NodeDataBlock, TestIsStrictAndLooksOnlyAtValuesInUse) {
   data.data(2);
   EXPECT_EQ(data.test(1, 2, 5.0), 0);
   EXPECT_EQ(data.test(1, 2, 5.0001), 1);
-}
-
-TEST(Attributes, AppearAndDisappearWithTheirSize) {
-  BlockOf block(flat_sheet(1, 1));
-  EXPECT_EQ(block.node_data_size(), 0);
-  block.set_node_data_size(3);
-  block.node_data(2).values[1] = 6;
-  block.set_node_data_size(5);
-  EXPECT_EQ(block.node_data_size(), 5);
-  EXPECT_EQ(block.node_data(2).values[1], 6);
-  block.set_node_data_size(0);
-  EXPECT_EQ(block.node_data_size(), 0);
-  block.set_node_data_size(3);
-  EXPECT_EQ(block.node_data(2).values[1], 0);
 }
 
 // The first colour ever set becomes the default: numbers above the coloured ones have it, gaps below do not.
@@ -168,6 +112,18 @@ TEST(Colours, FirstOneBecomesTheDefault) {
   EXPECT_EQ(block.get_element_colour(100), -1);
 }
 
+// Attributes and colours behind the end stay where they were: a new element there finds the old colour.
+TEST(Renumber, LeavesOldColoursBehindTheEnd) {
+  BlockOf block(flat_sheet(2, 1));
+  for (int e = 1; e <= 4; ++e) block.set_element_colour(e, 10 * e);
+  block.delete_element(2);
+  block.renumber();
+  EXPECT_EQ(block.element_count(), 4);
+  EXPECT_EQ(block.get_element_colour(2), 30);
+  EXPECT_EQ(block.get_element_colour(3), 40);
+  EXPECT_EQ(block.get_element_colour(4), 40);
+}
+
 TEST(Colours, PackRedInTheTopByte) {
   const struct {
     giColour colour;
@@ -180,18 +136,6 @@ TEST(Colours, PackRedInTheTopByte) {
     EXPECT_TRUE(tr_decode_colour(static_cast<int>(c.bits)) == c.colour);
   }
   EXPECT_EQ(tr_encode_colour(giColour(255, 255, 255, 255)), NO_COLOUR);
-}
-
-// Equality sees the ends only; the hash sees the elements too.
-TEST(EdgeConnection, EqualEdgesWithDifferentElementsHashApart) {
-  trEdgeConnection a(3, 8), b(8, 3);
-  EXPECT_TRUE(a == b);
-  EXPECT_EQ(a.co_hash(), b.co_hash());
-  a.add_triangle(17);
-  EXPECT_TRUE(a == b);
-  EXPECT_EQ(a.co_hash(), 3 ^ 8 ^ 1 ^ 17);
-  EXPECT_NE(a.co_hash(), b.co_hash());
-  EXPECT_TRUE(a != trEdgeConnection(3, 9));
 }
 
 TEST(EdgeConnection, CopiesItsElementsAndAppendsThemToAnArray) {
@@ -212,6 +156,34 @@ TEST(EdgeConnection, CopiesItsElementsAndAppendsThemToAnArray) {
   other = copy;
   EXPECT_EQ(other.start_node(), 1);
   EXPECT_EQ(other.number_triangles(), 2);
+}
+
+trEdgeConnection edge(int a, int b, std::initializer_list<int> triangles = {}) {
+  trEdgeConnection made(a, b);
+  for (int t : triangles) made.add_triangle(t);
+  return made;
+}
+
+// Ends alone decide equality, but only edges whose triangles agree in number and in the exclusive or of their numbers can meet:
+// {1, 2} and {4, 7} do, {1, 2} and {1, 3} do not.
+TEST(EdgeSet, EdgesMeetOnlyWhenTheirTrianglesHashAlike) {
+  trEdgeConnectioncoSet set;
+  EXPECT_EQ(set.add(edge(3, 9, {1, 2})), trEdgeConnectioncoSet::nil());
+  EXPECT_EQ(set.add(edge(9, 3, {4, 7})).start_node(), 3);
+  EXPECT_EQ(set.add(edge(3, 9, {1, 3})), trEdgeConnectioncoSet::nil());
+  EXPECT_EQ(set.count(), 2);
+  EXPECT_EQ(set.find(edge(9, 3, {5, 6})).number_triangles(), 2);
+  EXPECT_EQ(set.find(edge(9, 3, {8})), trEdgeConnectioncoSet::nil());
+  EXPECT_EQ(set.running_hash(), (3 ^ 9 ^ 2 ^ 3) ^ (3 ^ 9 ^ 2 ^ 2));
+
+  trEdgeConnectioncoSet copy(utCopy{}, set);
+  set.remove(edge(3, 9, {1, 3}));
+  EXPECT_EQ(set.remove(edge(3, 9, {1, 2})).number_triangles(), 2);
+  EXPECT_EQ(set.running_hash(), 0);
+  EXPECT_EQ(copy.count(), 2);
+  copy *= set;
+  EXPECT_EQ(copy.count(), 0);
+  EXPECT_EQ(copy.running_hash(), 0);
 }
 
 // Walking a node follows its list, newest element first; deleted elements stay in it and have no neighbours.

@@ -55,27 +55,6 @@ TEST(PointTree, AnswersAsTheRuleIsWorded) {
   EXPECT_GT(found, 5000);
 }
 
-TEST(PointTree, FirstMatchWinsNotTheNearest) {
-  const giPoint3 first(0, 0, 0), second(1.5, 0, 0), near_second(1, 0, 0), far(2.5, 0, 0);
-  Tree tree(1.0);
-  EXPECT_EQ(tree.add(10, &first), -1);
-  EXPECT_EQ(tree.add(20, &second), -1);
-  EXPECT_EQ(tree.add(30, &near_second), 10);  // at exactly the tolerance from the first, half of it from the second
-  EXPECT_EQ(tree.add(30, &far), 20);
-  EXPECT_EQ(tree.root->right->index, 20);
-  EXPECT_EQ(tree.root->right->right, nullptr);
-}
-
-TEST(PointTree, EqualXGoesRight) {
-  const giPoint3 a(1, 0, 0), b(1, 5, 0), c(0.5, 9, 0);
-  Tree tree(0.1);
-  tree.add(1, &a);
-  tree.add(2, &b);
-  tree.add(3, &c);
-  EXPECT_EQ(tree.root->right->index, 2);
-  EXPECT_EQ(tree.root->left->index, 3);
-}
-
 // Sorted points make one branch of a million entries. Here it is linked by hand, as inserting them takes 5 * 10^11 steps.
 TEST(PointTree, ABranchOfAMillionEntriesNeedsNoDeepStack) {
   const int n = 1000000;

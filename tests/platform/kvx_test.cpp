@@ -62,15 +62,9 @@ std::FILE* pipe_of(const std::string& bytes) {
 
 }  // namespace
 
-TEST(Kvx, ChecksumIsCrc32) {
-  EXPECT_EQ(kvx::checksum_of("123456789", 9), 0xcbf43926u);
-  EXPECT_EQ(kvx::checksum_of("56789", 5, kvx::checksum_of("1234", 4)), 0xcbf43926u);
-  const std::string long_text(1000, 'x');
-  EXPECT_EQ(kvx::checksum_of(long_text.data(), 1000), kvx::checksum_of(long_text.data(), 993, kvx::checksum_of(long_text.data(), 7)));
-}
-
 // Coordinates that single precision holds are stored so, a chunk of nodes at a time; triangles with three nodes of their own take nothing.
 TEST(Kvx, LayoutToTheByte) {
+  EXPECT_EQ(kvx::checksum_of("56789", 5, kvx::checksum_of("1234", 4)), 0xcbf43926u) << "CRC-32";
   trTriBlock mesh;
   mesh.set_node(1, giPoint3());
   mesh.set_node(2, giPoint3(1.0, 0.0, 0.0));
@@ -105,18 +99,15 @@ TEST(Kvx, TrianglesComeBackToTheBit) {
 
 TEST(Kvx, NormalsAndListedTrianglesAreKeptByTheLibrary) {
   for (const double z : {0.5, 0.1}) {
-    char* buffer = nullptr;
-    std::size_t size = 0;
-    std::FILE* file = open_memstream(&buffer, &size);
-    vrpKVXFileWrite out(file, 0);
-    EXPECT_EQ(out.write_header("text") | out.new_block(4, 2, 1), 0);
-    for (int k = 0; k < 4; ++k) EXPECT_EQ(out.write_node(giPoint3(k, 2 * k, z), giVector3(0.0, z, -k), vrp_kvx_exact_nodes), 0);
-    EXPECT_EQ(out.write_tri(0, 1, 2) | out.write_tri(3, 2, 1) | out.write_end(), 0);
-    std::fclose(file);
-    const std::string bytes(buffer, size);
-    std::free(buffer);
-
-    file = stream_on(bytes);
+    const std::string bytes = written_to_stream([z](std::FILE* stream) {
+      vrpKVXFileWrite out(stream, 0);
+      EXPECT_EQ(out.write_header("text") | out.new_block(4, 2, 1), 0);
+      for (int k = 0; k < 4; ++k) {
+        EXPECT_EQ(out.write_node(giPoint3(k, 2 * k, z), giVector3(0.0, z, -k), vrp_kvx_exact_nodes), 0);
+      }
+      EXPECT_EQ(out.write_tri(0, 1, 2) | out.write_tri(3, 2, 1) | out.write_end(), 0);
+    });
+    std::FILE* file = stream_on(bytes);
     vrpKVXFileRead in(file);
     const char* text = nullptr;
     int blocks = 0, version = 0, flags = -1, nodes = 0, triangles = 0, normals = 0;
@@ -142,44 +133,31 @@ TEST(Kvx, NormalsAndListedTrianglesAreKeptByTheLibrary) {
   }
 }
 
-// Once an operation was refused, all that follow are.
+// Each letter is an operation: header, block of one node and one triangle, or of -1 nodes (B), node, node with a normal
+// (v), triangle of that node, or of one that is not there (+ and -), end.
+// All but the last of a case are taken; once an operation was refused, all that follow are.
 TEST(Kvx, AWriterTakesWhatItsBlockAnnouncedAndNothingElse) {
-  using Use = std::function<int(vrpKVXFileWrite&)>;
-  const Use header = [](vrpKVXFileWrite& out) { return out.write_header(nullptr); };
-  const Use one = [](vrpKVXFileWrite& out) { return out.new_block(1, 1, 0); };
-  const Use node = [](vrpKVXFileWrite& out) { return out.write_node(giPoint3(), vrp_kvx_exact_nodes); };
-  const Use normal = [](vrpKVXFileWrite& out) { return out.write_node(giPoint3(), giVector3(), vrp_kvx_exact_nodes); };
-  const Use triangle = [](vrpKVXFileWrite& out) { return out.write_tri(0, 0, 0); };
-  const Use end = [](vrpKVXFileWrite& out) { return out.write_end(); };
-  const struct {
-    const char* what;
-    std::vector<Use> uses;
-  } cases[] = {
-      {"block before header", {one}},
-      {"end before header", {end}},
-      {"second header", {header, header}},
-      {"node outside a block", {header, node}},
-      {"negative block", {header, [](vrpKVXFileWrite& out) { return out.new_block(-1, 0, 0); }}},
-      {"triangle before its nodes", {header, one, triangle}},
-      {"node too many", {header, one, node, node}},
-      {"normal too many", {header, one, normal}},
-      {"triangle of a node that is not there", {header, one, node, [](vrpKVXFileWrite& out) { return out.write_tri(0, 0, 1); }}},
-      {"triangle of a negative node", {header, one, node, [](vrpKVXFileWrite& out) { return out.write_tri(-1, 0, 0); }}},
-      {"triangle too many", {header, one, node, triangle, triangle}},
-      {"block in a block", {header, one, node, one}},
-      {"end in a block", {header, one, node, end}},
-      {"second end", {header, one, node, triangle, end, end}},
+  const std::map<char, std::function<int(vrpKVXFileWrite&)>> operations = {
+      {'h', [](vrpKVXFileWrite& out) { return out.write_header(nullptr); }},
+      {'b', [](vrpKVXFileWrite& out) { return out.new_block(1, 1, 0); }},
+      {'B', [](vrpKVXFileWrite& out) { return out.new_block(-1, 0, 0); }},
+      {'n', [](vrpKVXFileWrite& out) { return out.write_node(giPoint3(), vrp_kvx_exact_nodes); }},
+      {'v', [](vrpKVXFileWrite& out) { return out.write_node(giPoint3(), giVector3(), vrp_kvx_exact_nodes); }},
+      {'t', [](vrpKVXFileWrite& out) { return out.write_tri(0, 0, 0); }},
+      {'+', [](vrpKVXFileWrite& out) { return out.write_tri(0, 0, 1); }},
+      {'-', [](vrpKVXFileWrite& out) { return out.write_tri(-1, 0, 0); }},
+      {'e', [](vrpKVXFileWrite& out) { return out.write_end(); }},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.what);
-    char* buffer = nullptr;
-    std::size_t size = 0;
-    std::FILE* file = open_memstream(&buffer, &size);
-    vrpKVXFileWrite out(file, 0);
-    for (std::size_t k = 0; k < c.uses.size(); ++k) EXPECT_EQ(c.uses[k](out) != 0, k + 1 == c.uses.size()) << "step " << k;
-    EXPECT_NE(end(out), 0);
-    std::fclose(file);
-    std::free(buffer);
+  for (const std::string uses : {"b", "e", "hh", "hn", "hB", "hbt", "hbnn", "hbv", "hbn+", "hbn-", "hbntt", "hbnb",
+                                 "hbne", "hbntee"}) {
+    SCOPED_TRACE(uses);
+    written_to_stream([&](std::FILE* file) {
+      vrpKVXFileWrite out(file, 0);
+      for (std::size_t k = 0; k < uses.size(); ++k) {
+        EXPECT_EQ(operations.at(uses[k])(out) != 0, k + 1 == uses.size()) << "step " << k;
+      }
+      EXPECT_NE(out.write_end(), 0);
+    });
   }
 }
 

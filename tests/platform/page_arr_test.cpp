@@ -88,23 +88,6 @@ TEST(PageArr, RandomOperationsMatchAVectorAndAddressesHold) {
   EXPECT_GT(moving_copies, 500);
 }
 
-TEST(PageArr, WritingFarBeyondTheEndMakesAllPagesBefore) {
-  intcoPageArr array;
-  EXPECT_EQ(array.pages(), 0);
-  array[1000] = 7;
-  EXPECT_EQ(array.pages(), 4);
-  EXPECT_EQ(array.count(), 1001);
-  EXPECT_EQ(array[999], 0);
-}
-
-TEST(PageArr, ExpandToNothingAllocatesNothing) {
-  intcoPageArr array;
-  EXPECT_EQ(array.expand(0), 1);
-  EXPECT_EQ(array.pages(), 0);
-  EXPECT_EQ(array.count(), 0);
-  EXPECT_EQ(array.current_block(), -1);
-}
-
 TEST(PageArr, ShrinkKeepsTheReportedCapacityInStep) {
   intcoPageArr array;
   EXPECT_EQ(array.page_capacity(), 5);
@@ -144,18 +127,6 @@ TEST(PageArr, RepaginateReturnsTheCapacityDifference) {
   }
 }
 
-TEST(PageArr, RepaginateOfLongAndEmptyArrays) {
-  intcoPageArr longer;
-  longer.expand(256);
-  EXPECT_EQ(longer.repaginate(), 0);
-  EXPECT_EQ(longer.page_size(), 256);
-  intcoPageArr emptied;
-  emptied.expand(300);
-  emptied.clear(0);
-  EXPECT_EQ(emptied.repaginate(), 512);
-  EXPECT_EQ(emptied.pages(), 0);
-}
-
 // The number copied is bounded by the source's count, not by what follows `src`: of 4 entries from number 3 on, 4 are copied, and
 // what lies beyond the source's only page of 4 reads as zero.
 TEST(PageArr, CopyIsBoundedByTheSourceCountAlone) {
@@ -169,18 +140,6 @@ TEST(PageArr, CopyIsBoundedByTheSourceCountAlone) {
   for (int i = 0; i < 10; ++i) EXPECT_EQ(target[i], expected[i]) << i;
 }
 
-TEST(PageArr, CopyOfAnArrayTakesItsPageSizeAndLeavesItAlone) {
-  intcoPageArr source(3, 5, 10);
-  for (int i = 0; i < 50; ++i) source[i] = i * i;
-  intcoPageArr copy(utCopy{}, source);
-  source[7] = -1;
-  EXPECT_EQ(copy.page_size(), 8);
-  ASSERT_EQ(copy.count(), 50);
-  for (int i = 0; i < 50; ++i) EXPECT_EQ(copy[i], i * i);
-  copy.become(utCopy{}, copy);
-  EXPECT_EQ(copy.count(), 50);
-}
-
 TEST(PageArr, RawRunsCrossPages) {
   std::vector<int> raw(100), back(100, -1);
   for (int i = 0; i < 100; ++i) raw[i] = i;
@@ -189,20 +148,6 @@ TEST(PageArr, RawRunsCrossPages) {
   ASSERT_EQ(array.count(), 55);
   array.copyout(back.data(), 40, 10, 7);
   for (int i = 0; i < 100; ++i) EXPECT_EQ(back[i], i < 10 || i >= 50 ? -1 : i + 12) << i;
-}
-
-TEST(PageArr, IteratorMeetsEveryEntryOnceAndStartsAgain) {
-  for (int count : {0, 1, 7, 8, 9, 64}) {
-    intcoPageArr array(3, 5, 10);
-    for (int i = 0; i < count; ++i) array[i] = i;
-    intcoPageArrcoIterator it(array);
-    for (int pass = 0; pass < 2; ++pass) {
-      int seen = 0;
-      while (++it) ASSERT_EQ(it(), seen++);
-      EXPECT_EQ(seen, count);
-    }
-    EXPECT_EQ(it.do_first(), count > 0);
-  }
 }
 
 // Entries that own something: pages are built and destroyed whole.
@@ -224,36 +169,6 @@ TEST(PageArr, PagesConstructAndDestroyEveryEntry) {
     EXPECT_EQ(alive, 8);
   }
   EXPECT_EQ(alive, 0);
-}
-
-// 4096 entries of 8 bytes make 32 KiB pages, of which those after the 16th come from shared slabs.
-TEST(PageArr, LargeArraysGiveTheirPagesBack) {
-  for (int round = 0; round < 3; ++round) {
-    coPageArr<double> first(12, 5, 10), second(12, 5, 10);
-    for (int i = 0; i < 400000; i += 1000) {
-      first[i] = i;
-      second[i] = -i;
-    }
-    first.shrink(100000, 1);
-    for (int i = 0; i < 400000; i += 1000) first[i] = i;
-    for (int i = 0; i < 400000; i += 1000) {
-      ASSERT_EQ(first[i], i);
-      ASSERT_EQ(second[i], -i);
-    }
-  }
-}
-
-TEST(PageArr, SortsAcrossPages) {
-  std::mt19937 random(5);
-  for (int count : {0, 1, 2, 255, 256, 5000}) {
-    intcoPageArr array;
-    std::vector<int> expected;
-    for (int i = 0; i < count; ++i) expected.push_back(array[i] = static_cast<int>(random()) % 1000);
-    std::sort(expected.begin(), expected.end());
-    co_sort(array);
-    ASSERT_EQ(array.count(), count);
-    for (int i = 0; i < count; ++i) ASSERT_EQ(array[i], expected[i]);
-  }
 }
 
 }  // namespace

@@ -170,41 +170,6 @@ TEST_P(KnownHoles, AreFilledWithTheSameSurfaceInAnyUnitAndPlace) {
 INSTANTIATE_TEST_SUITE_P(All, KnownHoles, testing::ValuesIn(known_surfaces),
                          [](const auto& made) { return std::string(made.param.name); });
 
-TEST(SurfFitter, FillsAPlaneFlat) {
-  for (const int count : {4, 31, 500}) {
-    const HolePoints points = hole_points(on_plane, count);
-    zrkSurfPtr fitted;
-    ASSERT_EQ(0, fit(points, fitted));
-    giPoint3 q;
-    ASSERT_EQ(0, fitted->closest_point(giPoint3(0.1, 0.2, 3.0), q));
-    EXPECT_NEAR(0.25 * q.x - 0.5 * q.y, q.z, 1e-12) << count;
-  }
-}
-
-// Thirty times as long as wide, along the sphere: the narrow way gives the equations little to hold on to.
-TEST(SurfFitter, FillsASlot) {
-  const auto slot = [](double a, double b) { return on_sphere(1.5 * a, 0.05 * b); };
-  const HolePoints points = hole_points(slot, 200);
-  zrkSurfPtr fitted;
-  ASSERT_EQ(0, fit(points, fitted));
-  for (const double a : {-0.9, -0.4, 0.0, 0.7}) {
-    const giPoint3 truth = slot(a, 0.1);
-    giPoint3 q;
-    ASSERT_EQ(0, fitted->closest_point(truth, q));
-    EXPECT_LT(q.distance(truth), 2e-3 * half_angle) << a;
-  }
-}
-
-// Long triangles: most of the ring is tens of holes away along the cylinder.
-TEST(SurfFitter, FillsASmallHoleAmongLongTriangles) {
-  HolePoints points = hole_points(on_cylinder, edges);
-  for (giPoint3& p : points.ring) p.y *= 100.0;
-  zrkSurfPtr fitted;
-  ASSERT_EQ(0, fit(points, fitted));
-  const CapErrors errors = cap_errors(known_surfaces[1], {}, *fitted);
-  EXPECT_LT(errors.closest, 0.05 * errors.flat);
-}
-
 // Scatter of 5 % of an edge: a surface through every point would leave the rim at angles of many degrees and bulge by half of the
 // flat cap's error.
 TEST(SurfFitter, DoesNotFollowScatter) {
@@ -223,15 +188,6 @@ TEST(SurfFitter, DoesNotFollowScatter) {
   EXPECT_LT(worst, 0.2 * (1.0 - std::cos(half_angle)));
 }
 
-// A thousand times more points than knots, two rows a thousandth apart: the slope across the rows must still count.
-TEST(SurfFitter, SeesTheSlopeBetweenCloseRows) {
-  const HolePoints points = hole_points(on_sphere, 5000);
-  zrkSurfPtr fitted;
-  ASSERT_EQ(0, fit(points, fitted));
-  const CapErrors errors = cap_errors(known_surfaces[0], {}, *fitted);
-  EXPECT_LT(errors.closest, 0.02 * errors.flat);
-}
-
 // A ring that leaves the boundary, a circle in the plane, downwards at an angle.
 HolePoints skirt(int count, double angle_deg) {
   HolePoints points;
@@ -248,7 +204,7 @@ HolePoints skirt(int count, double angle_deg) {
 
 // 90 degrees is the hard one: seen from the plane the rows coincide, and a surface that waves between them would fit.
 TEST(SurfFitter, TakesRingsUpToEightyDegreesFromThePlane) {
-  for (const int count : {31, 200, 2000}) {
+  for (const int count : {31, 400}) {
     for (const double angle : {0.0, 45.0, 60.0, 75.0, 85.0, 90.0, 95.0, 120.0, 180.0}) {
       const HolePoints points = skirt(count, angle);
       zrkSurfPtr fitted;
@@ -257,14 +213,6 @@ TEST(SurfFitter, TakesRingsUpToEightyDegreesFromThePlane) {
       EXPECT_EQ(result == 0, fitted != nullptr);
     }
   }
-}
-
-// The top of a long pipe: the rest of the ring is far away, and still tells that there is no height field.
-TEST(SurfFitter, RefusesTheTopOfALongPipe) {
-  HolePoints points = skirt(edges, 90.0);
-  for (giPoint3& p : points.ring) p.z = -50.0;
-  zrkSurfPtr fitted;
-  EXPECT_EQ(gcmSurfFitter::no_height_field, fit(points, fitted));
 }
 
 HolePoints changed(std::size_t index, const giPoint3& p) {
@@ -336,7 +284,7 @@ TEST(SurfFitter, GivesUpWhenToldTo) {
 
 TEST(SurfFitter, EndsOnHostilePoints) {
   HolePoints line, heap, spike = hole_points(on_sphere, edges);
-  for (int k = 0; k < 50'000; ++k) {
+  for (int k = 0; k < 10'000; ++k) {
     line.boundary.push_back(giPoint3(k, 2.0 * k, 3.0 * k));
     line.ring.push_back(giPoint3(-k, -2.0 * k, -3.0 * k));
     heap.boundary.push_back(giPoint3(k % 7, k % 3, k % 2));

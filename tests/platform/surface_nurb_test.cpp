@@ -49,20 +49,6 @@ TEST(NurbSurf, DerivativesAreThoseOfThePosition) {
   }
 }
 
-// On a gently curved surface the closest point is the global one: no point of a dense grid is nearer.
-TEST(NurbSurf, ClosestPointIsTheClosest) {
-  Random random(2);
-  const zrkNurbSurf surface = bumpy(random, 0.02);
-  std::vector<giPoint3> grid;
-  for (int k = 0; k < 121 * 121; ++k) grid.push_back(surface.evaluate({-1.0 + k % 121 / 60.0, -0.5 + k / 121 / 100.0}).position);
-  for (int round = 0; round < 200; ++round) {
-    const giPoint3 p = near(surface, random, 0.5);
-    giPoint3 q;
-    ASSERT_EQ(0, surface.closest_point(p, q));
-    for (const giPoint3& other : grid) ASSERT_LE(p.distance(q), p.distance(other) + 1e-12);
-  }
-}
-
 // On a rough one the search may end at another place, but one that no small move betters, and no farther than the foot.
 TEST(NurbSurf, ClosestPointIsNeverWorseThanTheFootAndStandsSquare) {
   Random random(3);

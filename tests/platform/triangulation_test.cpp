@@ -180,43 +180,6 @@ TEST(Triangulation, RoundHolesAtTheirEdgeLengthHaveNoSharpAngle) {
   }
 }
 
-// One edge of a ten-thousandth of the spacing between edges of five spacings: few nodes, and the nearest ones right
-// beside it.
-TEST(Triangulation, OneShortEdgeAmongLongOnesDrawsFewNodes) {
-  PlaneArea area(1.0);
-  area.add_loop({{0, 0}, {10, 0}, {10, 10}, {5.0001, 10}, {5, 10}, {0, 10}});
-  ASSERT_EQ(area.run(), at2_success);
-  EXPECT_EQ(triangulation_fault(area), "");
-  EXPECT_EQ(spacing_fault(area), "");
-  double nearest = 1.0;
-  for (std::size_t i = area.boundary_count(); i < area.points.size(); ++i)
-    nearest = std::min(nearest, std::hypot(area.points[i].x - 5.0, area.points[i].y - 10.0));
-  EXPECT_LT(nearest, 3e-4);
-  EXPECT_LT(area.interior_count(), 600u);
-}
-
-// Edges that grow from a ten-thousandth of the spacing to the whole, and back.
-TEST(Triangulation, GradedBoundaryKeepsItsAngles) {
-  Loop sides;
-  for (double x = 1e-4, length = 1e-4; x < 5.0; x += length = std::min(1.2 * length, 1.0)) sides.emplace_back(x, 0.0);
-  const Loop corners = {{0, 0}, {10, 0}, {10, 10}, {0, 10}};
-  PlaneArea area(1.0);
-  Loop graded;
-  for (std::size_t i = 0; i < 4; ++i) {
-    const giPoint2 &a = corners[i], &b = corners[(i + 1) % 4];
-    graded.push_back(a);
-    for (const giPoint2& p : sides) graded.emplace_back(a.x + (b.x - a.x) * p.x / 10.0, a.y + (b.y - a.y) * p.x / 10.0);
-    for (auto p = sides.rbegin(); p != sides.rend(); ++p) {
-      if (p->x < 4.3) graded.emplace_back(b.x - (b.x - a.x) * p->x / 10.0, b.y - (b.y - a.y) * p->x / 10.0);
-    }
-  }
-  area.add_loop(graded);
-  ASSERT_EQ(area.run(), at2_success);
-  EXPECT_EQ(triangulation_fault(area), "");
-  EXPECT_EQ(spacing_fault(area), "");
-  EXPECT_GE(sharpest_angle(area), 25.0);
-}
-
 // Whole numbers times any power of two give the same triangles; far from the origin only rounding may change them.
 TEST(Triangulation, UnitAndPlaceDoNotMatter) {
   PlaneArea reference(0.1);
@@ -323,16 +286,6 @@ TEST(Triangulation, NodesOutsideTheBoxAreRefusedUntilTheBoxHoldsThem) {
   area.set_box(giBox2(giPoint2(0, 0), giPoint2(4, 4)));
   EXPECT_EQ(area.run(), at2_success);
   EXPECT_EQ(triangulation_fault(area), "");
-}
-
-// From the diagonal on there are no interior nodes; a spacing without end is no fault.
-TEST(Triangulation, SpacingOfTheDiagonalAndAboveMakesNoNodes) {
-  for (const double spacing : {5.66, 1e308, double(INFINITY)}) {
-    PlaneArea area(spacing);
-    area.add_loop(rectangle(0, 0, 4, 4));
-    EXPECT_EQ(area.run(), at2_success);
-    EXPECT_EQ(area.triangles.size(), 2u) << spacing;
-  }
 }
 
 TEST(Triangulation, InterruptionAtAnyPollMakesNothing) {

@@ -22,14 +22,23 @@ class ActionWalk {
     Shape& shape = shapes[random_.below(4)];
     for (giPoint3& p : shape.points) p = p + giVector3(jitter(), jitter(), jitter());
     add_to(control_.triblock(), shape);
-    if (random_.one_in(3)) control_.triblock().set_element_colour(1, 77);
+    trTriBlock& block = control_.triblock();
+    if (random_.one_in(3)) block.set_element_colour(1, 77);
+    has_attributes_ = random_.one_in(3);
+    if (has_attributes_) block.set_node_data_size(2);
+    for (int i = 1; i < block.node_count() && has_attributes_; ++i) {
+      block.node_data(i).weight = random_.below(4);
+      block.node_data(i).values[1] = random_.unit();
+    }
     states_.emplace_back(control_.triblock());
   }
 
   void act() {
     const NamedAction& action = actions[static_cast<std::size_t>(random_.below(static_cast<int>(std::size(actions))))];
     const bool brackets_itself = std::string(action.name) == "cap_ext";
-    const int before = control_.undo_hist().current(), nodes = control_.triblock().node_count();
+    // The new nodes of a cap drop all attributes for good.
+    if (has_attributes_ && std::string(action.name).rfind("cap", 0) == 0) return;
+    const int before = control_.undo_hist().current();
     const int stop_at = random_.one_in(6) ? random_.between(1, 60) : 0;
     bool is_interrupted = false;
     if (!brackets_itself) control_.start_undo(action.name);
@@ -51,7 +60,8 @@ class ActionWalk {
       known_.push_back(k == made);
     }
     BlockSnapshot& here = states_[static_cast<std::size_t>(before) + 1];
-    if (made == 0 && only_cuts(action.name, nodes)) here = now;
+    // Renumbering that only cuts deleted numbers off the end leaves no record.
+    if (made == 0 && std::string(action.name) == "renumber") here = now;
     if (made == 0 && known_[static_cast<std::size_t>(before) + 1]) {
       ASSERT_EQ(here.difference(now), "") << action.name << " without a record";
     }
@@ -88,8 +98,6 @@ class ActionWalk {
   static const NamedAction actions[25];
 
  private:
-  // Renumbering that only cuts deleted numbers off the end leaves no record.
-  bool only_cuts(const std::string& name, int nodes) { return name == "renumber" && control_.triblock().node_count() < nodes; }
   double jitter() { return 0.02 * (random_.unit() - 0.5); }
   double tolerance() { return random_.one_in(2) ? 1e-6 : 0.1 * random_.unit(); }
   void select() {
@@ -146,6 +154,7 @@ class ActionWalk {
   trControl control_;
   std::vector<BlockSnapshot> states_;  // by record; 0 is the start
   std::vector<bool> known_{true};
+  bool has_attributes_ = false;
 };
 
 std::map<std::string, int> ActionWalk::times;

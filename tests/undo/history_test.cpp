@@ -8,7 +8,6 @@
 
 #include "support/block_snapshot.h"
 #include "support/captured_output.h"
-#include "support/interrupting_handler.h"
 #include "support/shapes.h"
 #include "support/validator.h"
 
@@ -44,6 +43,13 @@ TEST(UndoHistory, StepsBetweenItsEnds) {
   history.redo();
   EXPECT_EQ(history.current(), 1);
   EXPECT_EQ(block.undo, nullptr);
+  // Closing what is not open leaves all as it is, and an operation without effect drops only what could be done again.
+  EXPECT_EQ(history.finish(), 0);
+  EXPECT_EQ(history.last(), 2);
+  const CapturedOutput output;
+  EXPECT_EQ(record(history, "idle", [](trTriBlock& b) { b.build_edges(); }), 0);
+  EXPECT_EQ(history.current(), 1);
+  EXPECT_EQ(history.last(), 1);
 }
 
 // After two undos a new operation takes the record of the second; the third can no longer be done again. An empty name
@@ -93,30 +99,6 @@ TEST(UndoHistory, WithoutFullHistoryKeepsOneOperation) {
   EXPECT_EQ(history.full_history(), 1);
   EXPECT_EQ(history.current(), -1);
   EXPECT_EQ(history.filename(), utString("part.stl"));
-}
-
-// Closing what is not open says nothing and leaves the operation before alone.
-TEST(UndoHistory, FinishesOnce) {
-  BlockOf block(closed_box());
-  trUndoHist history(&block);
-  CapturedOutput output;
-  EXPECT_EQ(history.finish(), 0);
-  EXPECT_EQ(record(history, "reverse", reverse_first), 1);
-  EXPECT_EQ(history.finish(), 0);
-  EXPECT_EQ(history.current(), 0);
-  EXPECT_EQ(output.take(), "");
-}
-
-TEST(UndoHistory, DropsAnOperationWithoutEffect) {
-  BlockOf block(closed_box());
-  trUndoHist history(&block);
-  record(history, "reverse", reverse_first);
-  record(history, "reverse", reverse_first);
-  history.undo();
-  const CapturedOutput output;
-  EXPECT_EQ(record(history, "idle", [](trTriBlock& b) { b.build_edges(); }), 0);
-  EXPECT_EQ(history.current(), 0);
-  EXPECT_EQ(history.last(), 0);
 }
 
 // A record that was closed small and goes on with thousands of entries is still taken back in one step.
@@ -211,52 +193,6 @@ TEST(UndoRecord, LeavesNothingBehindTheCounts) {
   EXPECT_TRUE(is_sound(block));
 }
 
-// Elements beyond the coloured ones show the default colour, before and after their neighbours are taken back; and
-// colours that the block never had do not come.
-TEST(UndoRecord, LeavesColoursOfOthersAlone) {
-  BlockOf block(flat_sheet(2, 2));
-  trUndoHist history(&block);
-  const auto make_one = [](trTriBlock& b) { b.generate(1, 5, 9); };
-  record(history, "plain", make_one);
-  history.undo();
-  history.redo();
-  EXPECT_EQ(block.default_colour(), NO_COLOUR);
-  block.set_element_colour(1, 42);
-  const BlockSnapshot start(block);
-  record(history, "new", make_one);
-  record(history, "remove", [](trTriBlock& b) { b.delete_element(7); });
-  const BlockSnapshot end(block);
-  for (int times = 0; times < 2; ++times) {
-    history.undo();
-    history.undo();
-    EXPECT_EQ(difference(start, block), "");
-    EXPECT_EQ(block.get_element_colour(6), 42);
-    history.redo();
-    history.redo();
-    EXPECT_EQ(difference(end, block), "");
-  }
-}
-
-// Attributes come back with the number of tuples that they are the mean of, although assigning a tuple sets that to 1.
-TEST(UndoRecord, KeepsTheWeightsOfAttributes) {
-  trTriBlock block;
-  block.set_node_data_size(1);
-  for (int i = 1; i <= 3; ++i) {
-    block.set_node(i, giPoint3(1, 2, 3));
-    block.node_data(i).weight = i;
-    block.node_data(i).values[0] = 10.0 * i;
-  }
-  const BlockSnapshot start(block);
-  trUndoHist history(&block);
-  record(history, "merge", [](trTriBlock& b) { b.unduplicate_nodes(1e-9); });
-  const BlockSnapshot end(block);
-  EXPECT_EQ(block.node_data(1).weight, 6);
-  history.undo();
-  EXPECT_EQ(difference(start, block), "");
-  history.redo();
-  EXPECT_EQ(difference(end, block), "");
-}
-
 // Making a node through the public entry drops all attributes, which no undo brings back; nothing else is lost by that.
 TEST(UndoRecord, SurvivesAttributesThatWereDropped) {
   BlockOf block(closed_box());
@@ -297,43 +233,6 @@ TEST(UndoRecord, GivesBackTheRoomOfDroppedAttributes) {
   EXPECT_LE(history.saved_data.tuples.count(), 2 * 8);
   history.undo();
   EXPECT_EQ(difference(start, block), "");
-}
-
-// An interruption lasts as long as its handler, so taking back what it cut short must not ask it.
-TEST(Undo, WorksWhileAnInterruptionLasts) {
-  const struct {
-    const char* name;
-    std::function<void(trTriBlock&)> run;
-  } operations[] = {
-      {"merge", [](trTriBlock& b) { b.unduplicate_nodes(1e-6); }},
-      {"renumber", [](trTriBlock& b) { b.renumber(); }},
-      {"reverse", [](trTriBlock& b) { b.reverse(); }},
-      {"transform", [](trTriBlock& b) { b.transform(giXform3::half_turn_x()); }},
-      {"repeating", [](trTriBlock& b) { b.repeating(); }},
-  };
-  for (const auto& operation : operations) {
-    int taken_back = 0;
-    for (int k = 1;; ++k) {
-      BlockOf block(exploded(flat_sheet(2, 2)));
-      block.generate(1, 2, 3);
-      block.delete_node(5);
-      block.set_element(2, 0, 0, 0);
-      const BlockSnapshot start(block);
-      trUndoHist history(&block);
-      InterruptingHandler handler(k);
-      history.start(operation.name);
-      operation.run(block);
-      if (handler.polls < k) break;
-      const CapturedOutput output;
-      if (history.finish()) {
-        history.undo();
-        ++taken_back;
-      }
-      EXPECT_EQ(handler.polls, k) << operation.name;
-      EXPECT_EQ(difference(start, block), "") << operation.name << " at poll " << k;
-    }
-    EXPECT_GE(taken_back, 6) << operation.name;
-  }
 }
 
 // Edits that no record knows are no concern of the history, but what they made above the counts must not come up again.

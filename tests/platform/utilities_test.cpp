@@ -4,9 +4,11 @@
 #include <climits>
 #include <cmath>
 #include <cstdint>
+#include <string>
 
 #include "platform/utilities/ut_compare.h"
 #include "platform/utilities/ut_numeric_cast.h"
+#include "platform/utilities/ut_string.h"
 
 namespace {
 
@@ -52,6 +54,29 @@ TEST(Compare, OrdersAndHasNoOrderForNoNumber) {
   EXPECT_EQ(utCompare(INT_MAX, INT_MIN), 1);  // a difference would overflow
   EXPECT_EQ(utCompare(0.1, 0.2), -1);         // a difference would be cut to 0
   EXPECT_EQ(utCompare(std::nan(""), 1.0), 0);
+}
+
+TEST(String, CutAndPad) {
+  const struct { const char* text; int n; const char* cut; const char* padded; } cases[] = {
+      {"merge", 3, "mer", "mer"}, {"merge", 5, "merge", "merge"}, {"merge", 7, "merge", "merge  "},
+      {"merge", 0, "", ""},       {"merge", -4, "", ""},          {"", 2, "", "  "},
+      {"merge", INT_MIN, "", ""}};
+  for (const auto& c : cases) {
+    EXPECT_STREQ(utString(c.text).cut(c.n).c_str(), c.cut) << c.text << ' ' << c.n;
+    EXPECT_STREQ(utString(c.text).pad(c.n).c_str(), c.padded) << c.text << ' ' << c.n;
+  }
+  EXPECT_STREQ(utString("merge").cut(INT_MAX).c_str(), "merge");
+}
+
+// By bytes, shorter first, whatever the locale: bytes above 127 come after all letters.
+TEST(String, ComparesByBytes) {
+  const char* ascending[] = {"", "Z", "a", "ab", "b", "\xc3\xa4"};
+  for (std::size_t i = 0; i < std::size(ascending); ++i) {
+    for (std::size_t j = 0; j < std::size(ascending); ++j) {
+      EXPECT_EQ(utString(ascending[i]) < utString(ascending[j]), i < j) << i << j;
+      EXPECT_EQ(utString(ascending[i]) != utString(ascending[j]), i != j) << i << j;
+    }
+  }
 }
 
 }  // namespace
