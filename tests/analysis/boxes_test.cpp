@@ -69,20 +69,6 @@ TEST(BoxGrid, CoversTheBoxWithoutGaps) {
   }
 }
 
-TEST(BoxCache, KnowsTheBoxesOfValidElements) {
-  BlockOf block(closed_box(giPoint3(1, 2, 3), 1, 1, 1));
-  block.delete_element(4);
-  const trBoxCache cache(&block);
-  EXPECT_EQ(cache.size(), 13);
-  EXPECT_EQ(cache.triblock(), &block);
-  EXPECT_TRUE(cache.element_box(0).is_empty());
-  EXPECT_TRUE(cache.element_box(4).is_empty());
-  giBox3 expected;
-  for (int k = 0; k < 3; ++k) expected.merge(block.point(block.element(5)[k]));
-  EXPECT_EQ(cache.element_box(5).min(), expected.min());
-  EXPECT_EQ(cache.element_box(5).max(), expected.max());
-}
-
 // Octant o covers the second half of x for o even, of y for 3, 4, 7, 8, of z from 5 on; one small triangle lies in
 // each.
 TEST(BoxChecker, DealsElementsToOctants) {
@@ -176,31 +162,5 @@ struct SpanCase {
   double x, y, from, to;
   int meets;
 };
-
-TEST(BoxChecker, TellsWhereASegmentMeetsATriangle) {
-  const double nan = std::numeric_limits<double>::quiet_NaN();
-  const SpanCase cases[] = {
-      {"through the inside", 0.2, 0.2, -1, 2, 1},
-      {"above", 0.2, 0.2, 0.1, 2, 0},
-      {"ends within the tolerance", 0.2, 0.2, 0.9e-5, 2, 1},
-      {"past the long side", 0.6, 0.6, -1, 1, 0},
-      {"on the long side", 0.5, 0.5, -1, 1, 1},
-      {"through a corner", 1.0, 0.0, -1, 1, 1},
-      {"beside a corner, on the line of a side", 1.1, 0.0, -1, 1, 0},
-      {"beside a corner, within the tolerance", 1.0 + 0.9e-5, 0.0, -1, 1, 1},
-      {"not a number", 0.2, 0.2, nan, 1, 0},
-      {"infinite", 0.2, 0.2, -HUGE_VAL, 1, 0},
-  };
-  giPoint3 triangle[3] = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
-  for (const SpanCase& test : cases) {
-    for (const bool reversed : {false, true}) {
-      const double low = reversed ? test.to : test.from, high = reversed ? test.from : test.to;
-      EXPECT_EQ(trBoxChecker::tr_span_x_tri(giPoint3(test.x, test.y, low), giPoint3(test.x, test.y, high), low, high,
-                                            triangle, giVector3(0, 0, 1), tol),
-                test.meets)
-          << test.name;
-    }
-  }
-}
 
 }  // namespace

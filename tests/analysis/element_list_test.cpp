@@ -36,25 +36,32 @@ class Probe : public Base {
   }
 };
 
-class TolProbe : public Probe<trElemListTol> {
+template <class Base>
+class ThinProbe : public Probe<Base> {
  public:
-  using Probe::Probe;
-  using trElemListTol::set_tolerance;
+  using Probe<Base>::Probe;
 
  private:
   double find_elements_tol() override {
-    search();
+    this->search();
     return 0.125;
   }
 };
 
-class OverhangProbe : public Probe<trOverhangElems> {
+template <class Base>
+class PlainProbe : public Probe<Base> {
  public:
-  using Probe::Probe;
+  using Probe<Base>::Probe;
 
  private:
-  void find_elements() override { search(); }
+  void find_elements() override { this->search(); }
 };
+
+struct TolProbe : ThinProbe<trElemListTol> {
+  using ThinProbe::ThinProbe;
+  using trElemListTol::set_tolerance;
+};
+using OverhangProbe = PlainProbe<trOverhangElems>;
 
 // The rules of the lists, as a table of states.
 struct ListModel {
@@ -79,58 +86,45 @@ TEST(ElementList, FollowsItsStatesOverRandomCalls) {
   BlockOf block(sphere(40));
   TolProbe tol(&block, 1.0);
   OverhangProbe overhang(&block);
-  ListModel tol_model;
-  ListModel overhang_model;
+  ListModel tol_model, overhang_model;
+  const auto both = [&](auto act) {
+    act(tol, tol_model);
+    act(overhang, overhang_model);
+  };
   int ignored = 0;
   for (int step = 0; step < 5000; ++step) {
     ignored += tol_model.cleaned;
-    switch (random.below(6)) {
-      case 0: {
-        EXPECT_EQ(tol.detect_elements(), (tol_model.stale || tol.elements().count()) && block.valid_elements());
-        overhang.detect_elements();
-        tol_model.search_if_stale();
-        overhang_model.search_if_stale();
-        break;
-      }
-      case 1: {
-        if (!random.one_in(4)) break;
-        tol_model.search_if_stale();
-        overhang_model.search_if_stale();
-        overhang.detect_elements();
-        const bool holds = tol.detect_elements() != 0;
-        EXPECT_EQ(tol.delete_elements(), holds);
-        overhang.delete_elements();
-        EXPECT_EQ(tol.elements().count() + overhang.elements().count(), 0);
-        tol_model.cleaned = overhang_model.cleaned = true;
-        break;
-      }
-      case 2:
-        tol.invalidate();
-        overhang.invalidate();
-        tol_model.invalidate();
-        overhang_model.invalidate();
-        break;
-      case 3: {
-        const double tolerance = random.below(3);
-        if (tolerance != tol.tolerance()) tol_model.invalidate();
-        tol.set_tolerance(tolerance);
-        EXPECT_EQ(tol.tolerance(), tolerance);
-        break;
-      }
-      case 4: {
-        const giUnitVec3 up(static_cast<gi_Axis>(random.below(3)));
-        if (up != overhang.up_vector()) overhang_model.invalidate();
-        overhang.set_up_vector(up);
-        EXPECT_EQ(overhang.up_vector(), up);
-        break;
-      }
-      default:
-        break;
+    const int choice = random.below(6);
+    if (choice == 0) {
+      both([&](auto& list, ListModel& model) {
+        EXPECT_EQ(list.detect_elements(), (model.stale || list.elements().count()) && block.valid_elements());
+        model.search_if_stale();
+      });
+    } else if (choice == 1 && random.one_in(4)) {
+      both([&](auto& list, ListModel& model) {
+        list.delete_elements();
+        EXPECT_EQ(list.elements().count(), 0);
+        model.search_if_stale();
+        model.cleaned = true;
+      });
+    } else if (choice == 2) {
+      both([&](auto& list, ListModel& model) {
+        list.invalidate();
+        model.invalidate();
+      });
+    } else if (choice == 3) {
+      const double tolerance = random.below(3);
+      if (tolerance != tol.tolerance()) tol_model.invalidate();
+      tol.set_tolerance(tolerance);
+    } else if (choice == 4) {
+      const giUnitVec3 up(static_cast<gi_Axis>(random.below(3)));
+      if (up != overhang.up_vector()) overhang_model.invalidate();
+      overhang.set_up_vector(up);
     }
-    ASSERT_EQ(tol.stale(), tol_model.stale) << "step " << step;
-    ASSERT_EQ(overhang.stale(), overhang_model.stale) << "step " << step;
-    ASSERT_EQ(tol.searches, tol_model.searches) << "step " << step;
-    ASSERT_EQ(overhang.searches, overhang_model.searches) << "step " << step;
+    both([&](auto& list, ListModel& model) {
+      ASSERT_EQ(list.stale(), model.stale) << "step " << step;
+      ASSERT_EQ(list.searches, model.searches) << "step " << step;
+    });
   }
   EXPECT_GT(ignored, 500);
   EXPECT_GT(tol_model.searches, 300);
@@ -150,52 +144,10 @@ TEST(ElementList, StaysStaleWhenTheSearchIsInterrupted) {
   EXPECT_EQ(list.stale(), 0);
   list.invalidate();
   EXPECT_EQ(list.stale(), 1);  // an interrupted deletion is none
-}
-
-TEST(ElementList, DeletesItsTrianglesOnce) {
-  BlockOf block(closed_box());
   block.changed = 0;
-  TolProbe list(&block, 1.0);
   EXPECT_EQ(list.delete_elements(), 1);
-  EXPECT_EQ(block.valid_elements(), 10);
   EXPECT_EQ(block.changed, 1);
-  EXPECT_EQ(list.delete_elements(), 0);
-  EXPECT_EQ(block.valid_elements(), 10);
 }
-
-TEST(IsectElems, AnotherLimitLeavesTheListFresh) {
-  struct Limited : trIsectElems {
-    using trIsectElems::set_limit;
-    using trIsectElems::trIsectElems;
-    void find_elements() override {}
-  };
-  BlockOf block(closed_box());
-  Limited list(&block, 1000);
-  list.detect_elements();
-  list.set_limit(-5);
-  EXPECT_EQ(list.limit(), -5);
-  EXPECT_EQ(list.stale(), 0);
-}
-
-template <class Base>
-class ThinProbe : public Probe<Base> {
- public:
-  using Probe<Base>::Probe;
-
- private:
-  double find_elements_tol() override {
-    this->search();
-    return 0.125;
-  }
-};
-template <class Base>
-class PlainProbe : public Probe<Base> {
- public:
-  using Probe<Base>::Probe;
-
- private:
-  void find_elements() override { this->search(); }
-};
 
 // Every text is marked by the hook; what has no mark is a number.
 template <class List>
@@ -211,15 +163,11 @@ void expect_prints(List list, const std::string& stale, const std::string& fresh
 
 TEST(ElementList, PrintsItsSummaryToTheLetter) {
   BlockOf block(closed_box());
-  const auto plain = [](const std::string& label) {
-    return std::pair("<" + label + "<not computed\n", "<" + label + "2\n");
-  };
-  const auto [sick_stale, sick_fresh] = plain("  Sick elements: ");
-  expect_prints(std::make_unique<PlainProbe<trSickElems>>(&block), sick_stale, sick_fresh);
-  const auto [up_stale, up_fresh] = plain("  Overhanging elements: ");
-  expect_prints(std::make_unique<PlainProbe<trOverhangElems>>(&block), up_stale, up_fresh);
-  const auto [cut_stale, cut_fresh] = plain("  Intersecting triangles: ");
-  expect_prints(std::make_unique<PlainProbe<trIsectElems>>(&block, 1000), cut_stale, cut_fresh);
+  expect_prints(std::make_unique<PlainProbe<trSickElems>>(&block), "<  Sick elements: <not computed\n", "<  Sick elements: 2\n");
+  expect_prints(std::make_unique<PlainProbe<trOverhangElems>>(&block), "<  Overhanging elements: <not computed\n",
+                "<  Overhanging elements: 2\n");
+  expect_prints(std::make_unique<PlainProbe<trIsectElems>>(&block, 1000), "<  Intersecting triangles: <not computed\n",
+                "<  Intersecting triangles: 2\n");
   expect_prints(std::make_unique<ThinProbe<trSmallElems>>(&block, 0.5),
                 "<  Height of smallest triangle: <not computed\n",
                 "<  Height of smallest triangle: 0.125\n<  Current height tol: 0.5< (2< triangles<)\n");
@@ -235,13 +183,7 @@ TEST(ElementList, PrintsItsSummaryToTheLetter) {
 
 // Each outline has four points, the last on the first, and starts with a move that is not drawn.
 TEST(ElementList, DrawsEightPointsForTwoTriangles) {
-  trTriBlock block;
-  block.set_node(1, giPoint3(0, 0, 0));
-  block.set_node(2, giPoint3(1.5, 0, 0));
-  block.set_node(3, giPoint3(0, -2, 1e-7));
-  block.set_node(4, giPoint3(1, 1, 1));
-  block.generate(1, 2, 3);
-  block.generate(4, 3, 2);
+  BlockOf block({{{0, 0, 0}, {1.5, 0, 0}, {0, -2, 1e-7}, {1, 1, 1}}, {{0, 1, 2}, {3, 2, 1}}});
   TolProbe list(&block, 1.0);
   CommandFile file;
   const MarkingHook hook;
@@ -250,19 +192,12 @@ TEST(ElementList, DrawsEightPointsForTwoTriangles) {
   EXPECT_EQ(out.take(), "< Writing Karn command file ...\n");
   std::fclose(file.file());
   EXPECT_EQ(file.text(),
-            "UNSET ECHO#EDIT PLEV -1\n"
-            "DELETE PICTURE\n"
-            "$$ element 1\n"
-            "INPUT PIX 1 0.000000 0.000000 0.000000 $$ = NODE 1\n"
-            "EDIT PIX 1 INV\n"
-            "INPUT PIX 2 1.500000 0.000000 0.000000 $$ = NODE 2\n"
-            "INPUT PIX 3 0.000000 -2.000000 0.000000 $$ = NODE 3\n"
+            "UNSET ECHO#EDIT PLEV -1\nDELETE PICTURE\n"
+            "$$ element 1\nINPUT PIX 1 0.000000 0.000000 0.000000 $$ = NODE 1\nEDIT PIX 1 INV\n"
+            "INPUT PIX 2 1.500000 0.000000 0.000000 $$ = NODE 2\nINPUT PIX 3 0.000000 -2.000000 0.000000 $$ = NODE 3\n"
             "INPUT PIX 4 0.000000 0.000000 0.000000 $$ = NODE 1\n"
-            "$$ element 2\n"
-            "INPUT PIX 5 1.000000 1.000000 1.000000 $$ = NODE 4\n"
-            "EDIT PIX 5 INV\n"
-            "INPUT PIX 6 0.000000 -2.000000 0.000000 $$ = NODE 3\n"
-            "INPUT PIX 7 1.500000 0.000000 0.000000 $$ = NODE 2\n"
+            "$$ element 2\nINPUT PIX 5 1.000000 1.000000 1.000000 $$ = NODE 4\nEDIT PIX 5 INV\n"
+            "INPUT PIX 6 0.000000 -2.000000 0.000000 $$ = NODE 3\nINPUT PIX 7 1.500000 0.000000 0.000000 $$ = NODE 2\n"
             "INPUT PIX 8 1.000000 1.000000 1.000000 $$ = NODE 4\n");
 }
 

@@ -1,19 +1,16 @@
-// Small, thin and overhanging elements, and the distance of a node from an edge.
+// Small, thin and overhanging elements, the distance of a node from an edge, and swapping the longest edge of thin elements.
 
 #include <gtest/gtest.h>
 
 #include "mesh/aspect_utils.h"
+#include "oracles/shapes_literal.h"
 #include "support/interrupting_handler.h"
+#include "support/numbers.h"
 #include "support/random.h"
 #include "support/shapes.h"
+#include "support/validator.h"
 
 namespace {
-
-std::vector<int> numbers(const intcoPageArr& list) {
-  std::vector<int> result;
-  for (int k = 0; k < list.count(); ++k) result.push_back(list[k]);
-  return result;
-}
 
 giLength measure_of(const trTriBlock& block, int e, int aspect) {
   const trElement& t = block.element(e);
@@ -65,23 +62,12 @@ TEST(FindThin, ListsWhatIsBelowTheToleranceAndReturnsTheLeast) {
       }
       intcoPageArr out{99};
       ASSERT_EQ(block.find_thin(tol, aspect, out), least == HUGE_VAL ? 0 : least) << "round " << round;
-      ASSERT_EQ(numbers(out), expected) << "round " << round << ", tolerance " << tol;
+      ASSERT_EQ(numbers_in(out), expected) << "round " << round << ", tolerance " << tol;
       listed += out.count();
     }
   }
   EXPECT_GT(listed, 1000);
   EXPECT_GT(equal, 500);
-}
-
-// Triangles with coincident corners or with all corners on a line have no height; one that is a single point has no
-// aspect, and what has none is not thin.
-TEST(FindThin, TakesCollapsedTriangles) {
-  BlockOf block(Shape{{{0, 0, 0}, {1, 0, 0}, {3, 0, 0}, {0, 0, 0}, {0, 0, 0}}, {{0, 1, 2}, {0, 3, 1}, {0, 3, 4}}});
-  intcoPageArr out;
-  EXPECT_EQ(block.find_thin(1e-9, 0, out), 0);
-  EXPECT_EQ(numbers(out), (std::vector<int>{1, 2, 3}));
-  EXPECT_EQ(block.find_thin(1e-9, 1, out), 0);
-  EXPECT_EQ(numbers(out), (std::vector<int>{1, 2}));
 }
 
 // A find counts as a change, so that boundaries are looked for anew.
@@ -107,7 +93,7 @@ TEST(FindThin, KeepsWhatItFoundWhenInterrupted) {
   block.force_changed_status(0);
   InterruptingHandler handler(5);
   EXPECT_EQ(block.find_thin(1, 1, out), 0.5);
-  EXPECT_EQ(numbers(out), (std::vector<int>{1, 2, 3}));
+  EXPECT_EQ(numbers_in(out), (std::vector<int>{1, 2, 3}));
   EXPECT_EQ(block.changed, 1);
   EXPECT_EQ(handler.messages.size(), 1u);
 }
@@ -117,11 +103,11 @@ TEST(FindOverhanging, ListsWhatFacesDown) {
   BlockOf box(closed_box());
   intcoPageArr out{3};
   box.find_overhanging(out, giUnitVec3(gi_z_axis));
-  EXPECT_EQ(numbers(out), (std::vector<int>{1, 2}));
-  for (int e : numbers(out)) box.reverse_element(e);
+  EXPECT_EQ(numbers_in(out), (std::vector<int>{1, 2}));
+  for (int e : numbers_in(out)) box.reverse_element(e);
   box.delete_element(3);
   box.find_overhanging(out, giUnitVec3(giVector3(-1, 0, 0)));
-  EXPECT_EQ(numbers(out), (std::vector<int>{11, 12}));
+  EXPECT_EQ(numbers_in(out), (std::vector<int>{11, 12}));
   BlockOf ball(shuffled(bumpy_sphere(2000), 5));
   const giUnitVec3 up(giVector3(1, -2, 3));
   std::vector<int> expected;
@@ -132,7 +118,7 @@ TEST(FindOverhanging, ListsWhatFacesDown) {
   }
   EXPECT_GT(expected.size(), 500u);
   ball.find_overhanging(out, up);
-  EXPECT_EQ(numbers(out), expected);
+  EXPECT_EQ(numbers_in(out), expected);
 }
 
 // A stop is obeyed before the search, never within it.
@@ -166,6 +152,116 @@ TEST(CheckHeight, WantsTheFootInsideTheEdgeAndADistanceBelowTheTolerance) {
     EXPECT_EQ(block.check_height_get_par(1, 3, 4, c.tol, par), 0);
     EXPECT_EQ(par, -7);
   }
+}
+
+// The flat quadrilateral 1, 2, 3, 4 with the long diagonal 1-3, and what becomes of it: (o, v, s) and (s, u, o), made
+// in this order behind all others.
+TEST(SwapElements, SwapsTheLongestEdge) {
+  BlockOf block(Shape{{{-3, 0, 0}, {0, -1, 0}, {3, 0, 0}, {0, 1, 0}}, {{0, 1, 2}, {0, 2, 3}}});
+  block.force_changed_status(0);
+  EXPECT_EQ(block.swap_elements(1.0 / 6), 0);  // equal to the aspect of both
+  EXPECT_EQ(block.swap_elements(0.2), 1);
+  EXPECT_EQ(block.changed, 0);
+  EXPECT_FALSE(block.element(1).valid() || block.element(2).valid());
+  EXPECT_EQ(elements_of(block), (std::vector<std::array<int, 3>>{{4, 1, 2}, {2, 3, 4}}));
+  EXPECT_TRUE(is_sound(block));
+  EXPECT_EQ(block.swap_elements(10), 0);
+}
+
+// Elements and lists in their order. Nodes of more than 64 elements included, at which neighbours come and go.
+TEST(SwapElements, AgreesWithTheRulesStepByStep) {
+  Random random(34);
+  int swaps = 0, at_hub = 0;
+  for (int round = 0; round < 600; ++round) {
+    trTriBlock block;
+    LiteralMesh literal;
+    const auto both = [&](auto edit) {
+      edit(block);
+      edit(literal);
+    };
+    const bool hub = round % 10 == 0;
+    const int nodes = hub ? 90 : random.between(4, 12);
+    for (int i = 1; i <= nodes; ++i) {
+      const bool grid = random.one_in(2);
+      const giPoint3 p(grid ? random.below(4) : random.between(0.0, 4.0), random.between(0.0, 4.0),
+                       random.one_in(3) ? random.between(0.0, 0.3) : 0);
+      both([&](auto& mesh) { mesh.set_node(i, p); });
+    }
+    for (int k = hub ? 400 : random.between(3, 30); k > 0; --k) {
+      const int a = hub && !random.one_in(4) ? 1 : random.between(1, nodes);
+      const int b = random.between(1, nodes), c = random.between(1, nodes), twin = random.between(1, nodes);
+      both([&](auto& mesh) {
+        mesh.generate(a, b, c);
+        mesh.generate(c, b, twin);
+      });
+    }
+    if (round % 2) both([](auto& mesh) { mesh.build_edges(); });
+    for (int pass = 0; pass < 3; ++pass) {
+      const double tol = random.one_in(5) ? -1 : random.between(0.0, 1.0);
+      const int expected = swap_elements_literal(literal, tol);
+      ASSERT_EQ(block.swap_elements(tol), expected > 0) << "round " << round;
+      ASSERT_EQ(difference(block, literal), "") << "round " << round;
+      swaps += expected;
+      at_hub += hub ? expected : 0;
+    }
+  }
+  EXPECT_GT(swaps, 2000);
+  EXPECT_GT(at_hub, 500);
+}
+
+// An element without an aspect is a candidate whatever the tolerance: there is one poll for each candidate.
+TEST(SwapElements, ConsidersElementsWithoutAspect) {
+  Shape shape{{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {5, 5, 5}, {5, 5, 5}, {5, 5, 5}}, {{0, 1, 2}}};
+  const auto polls = [](const Shape& of, double tol) {
+    BlockOf block(of);
+    InterruptingHandler handler;
+    EXPECT_EQ(block.swap_elements(tol), 0);
+    return handler.polls;
+  };
+  const int without = polls(shape, -1);
+  EXPECT_EQ(polls(shape, 1), without + 1);
+  shape.triangles.push_back({3, 4, 5});
+  EXPECT_EQ(polls(shape, -1), without + 2);
+}
+
+TEST(SwapElements, SwapsAllEdgesAtOneNode) {
+  constexpr int many = 20000;
+  Shape wheel = cone_fan(many);
+  wheel.points[0] = giPoint3(0, 0, 0);
+  const int first = static_cast<int>(wheel.points.size());
+  for (int k = 0; k < many; ++k) {
+    const giPoint3& p = wheel.points[static_cast<std::size_t>(1 + k)];
+    wheel.points.push_back(p + (p - giPoint3()) * 1e-6);
+    wheel.triangles.push_back({1 + (k + 1) % many, 1 + k, first + k});
+    wheel.triangles.push_back({1 + (k + 1) % many, first + k, first + (k + 1) % many});
+  }
+  BlockOf block(wheel);
+  for (int pass = 0; pass < 4; ++pass) block.swap_elements(1);
+  EXPECT_EQ(block.valid_elements(), 3 * many);
+  EXPECT_TRUE(is_sound(block));
+}
+
+TEST(SwapElements, IsInterruptedAtAnyPoll) {
+  Random random(35);
+  Shape sheet = flat_sheet(4, 4);
+  for (giPoint3& p : sheet.points) {
+    if (p.x > 0 && p.x < 1 && p.y > 0 && p.y < 1) p = p + giVector3(random.between(-0.06, 0.06), random.between(-0.06, 0.06), 0);
+  }
+  int polls = 1;
+  for (int stop = 0; stop <= polls; ++stop) {
+    BlockOf block(sheet);
+    block.build_edges();
+    block.elements_referenced = 0;
+    {
+      InterruptingHandler handler(stop);
+      EXPECT_EQ(block.swap_elements(1), stop == 0);
+      if (stop == 0) polls = handler.polls;
+      EXPECT_EQ(handler.polls, stop == 0 ? polls : stop);
+    }
+    EXPECT_TRUE(is_sound(block));
+    EXPECT_EQ(block.valid_elements(), 32);
+  }
+  EXPECT_GT(polls, 3 * 32);
 }
 
 }  // namespace

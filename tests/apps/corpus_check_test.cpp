@@ -1,4 +1,4 @@
-// Real models with known truths: what `mendex check` says of each, against what an independent program found.
+// Real models with known truths: what `mendex info` and `mendex check` say of each, against what an independent program found.
 //
 // Free edges, sick edges, shells, collapsed triangles and the volumes of closed shells are defined alike and always compared. The truth
 // knows boundaries as sets of edges with one triangle, whatever their direction; here they are cycles of half-edges without an opposite.
@@ -8,17 +8,11 @@
 // triangles only by the midpoints of their sides. Where nothing overlaps in a plane none of the true ones may be missing, and where there
 // are none, none may be found.
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
-#include <fstream>
-#include <nlohmann/json.hpp>
 
-#include "apps/process.h"
+#include "apps/reports.h"
 
 namespace {
-
-using Json = nlohmann::json;
 
 class Comparison {
  public:
@@ -83,12 +77,16 @@ class Comparison {
 TEST(MendexCheckCorpus, AgreesWithTheTruthOfEveryModel) {
   const char* folder = std::getenv("MENDEX_CORPUS");
   if (folder == nullptr || *folder == '\0') GTEST_SKIP() << "MENDEX_CORPUS names no folder of models";
-  std::ifstream in(std::string(folder) + "/truth.json");
-  const Json truths = Json::parse(in, nullptr, false);
+  const Json truths = Json::parse(contents_of_file(std::string(folder) + "/truth.json"), nullptr, false);
   ASSERT_TRUE(truths.is_object());
   for (const auto& [name, truth] : truths.items()) {
     SCOPED_TRACE(name);
-    const ProcessResult result = run_mendex({"check", "--json", std::string(folder) + "/" + name});
+    const std::string path = std::string(folder) + "/" + name;
+    const Json read = info(path);
+    EXPECT_EQ(read["elements"], truth["facets"]);
+    EXPECT_EQ(read["format"], truth["format"] == "ascii" ? "ASCII STL" : "binary STL");
+    EXPECT_EQ(read["complete"].get<bool>(), truth.value("facets_declared", truth["facets"]) == truth["facets"]);
+    const ProcessResult result = run_mendex({"check", "--json", path});
     const Json report = Json::parse(result.output, nullptr, false);
     ASSERT_TRUE(report.is_object()) << result.errors;
     Comparison(truth, report).compare_all();

@@ -1,17 +1,14 @@
 // Whatever goes wrong, the file that was to be replaced stays as it was and nothing is left beside it.
 
-#include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <fstream>
-#include <nlohmann/json.hpp>
 #include <thread>
 
-#include "apps/process.h"
-#include "apps/test_files.h"
+#include "apps/reports.h"
 
 namespace {
 
@@ -62,7 +59,7 @@ TEST(MendexInterrupted, StopsWhileReadingAndLeavesTheTarget) {
     const ProcessResult result = process.wait();
     EXPECT_EQ(result.exit_code, 6) << "signal " << number << ": " << result.errors;
     EXPECT_EQ(result.output, "");
-    EXPECT_NE(result.errors.find("interrupted\n"), std::string::npos) << result.errors;
+    expect_text(result.errors, "interrupted\n");
     EXPECT_EQ(result.errors.find("damaged"), std::string::npos) << result.errors;
     weld.expect_untouched();
   }
@@ -95,10 +92,7 @@ TEST(MendexProgress, IsShownOnATerminalAndErased) {
   weld.end_input();
   const ProcessResult result = process.wait();
   EXPECT_EQ(result.exit_code, 0);  // the file is cut short, which is a warning
-  EXPECT_NE(result.errors.find("\rreading "), std::string::npos) << result.errors;
-  EXPECT_NE(result.errors.find(" [-----"), std::string::npos) << result.errors;
-  const std::size_t erased = result.errors.find("\r\033[Kmendex: warning: ");
-  ASSERT_NE(erased, std::string::npos) << result.errors;
+  for (const char* part : {"\rreading ", " [-----", "\r\033[Kmendex: warning: "}) expect_text(result.errors, part);
   EXPECT_EQ(run_mendex({"info", sample("bracket_soup.stl")}).errors, "");
 }
 
@@ -119,14 +113,9 @@ TEST(MendexOutput, RefusesTargetsThatCannotBeReplaced) {
       {"full.stl", "it is not a regular file"},
   };
   for (const auto& [name, message] : cases) {
-    for (const std::vector<std::string>& command :
-         {std::vector<std::string>{"weld", sample("open_box.ast"), "-o", folder.path(name)},
-          {"convert", sample("open_box.ast"), folder.path(name)}}) {
-      const ProcessResult result = run_mendex(command);
-      EXPECT_EQ(result.exit_code, 4) << name;
-      EXPECT_EQ(result.output, "") << name;
-      EXPECT_EQ(result.errors, "mendex: " + folder.path(name) + ": cannot be written: " + message + "\n");
-    }
+    const std::string error = "mendex: " + folder.path(name) + ": cannot be written: " + message + "\n";
+    expect_refused({"weld", sample("open_box.ast"), "-o", folder.path(name)}, {}, 4, error);
+    expect_refused({"convert", sample("open_box.ast"), folder.path(name)}, {}, 4, error);
   }
   EXPECT_EQ(folder.names(), names_before);
 }
@@ -163,9 +152,7 @@ TEST(MendexOutput, FullDiskLeavesTheTarget) {
     for (const std::string& out : {target, text_target}) {
       ProcessSetup setup = mendex_setup({"-q", "weld", sample("bracket_soup.stl"), "-o", out});
       setup.file_size_limit = limit;
-      Process process(setup);
-      const ProcessResult result = process.wait();
-      EXPECT_EQ(result.exit_code, 4) << "limit " << limit;
+      EXPECT_EQ(run_process(setup).exit_code, 4) << "limit " << limit;
       EXPECT_EQ(contents_of_file(out), old_contents) << "limit " << limit;
     }
   }
@@ -205,6 +192,6 @@ TEST(MendexLocale, NumbersDoNotFollowTheUsersLanguage) {
   setup.environment = {{"LOCPATH", folder.path("")}, {"LC_ALL", "de_DE.UTF-8"}};
   const ProcessResult result = run_process(setup);
   EXPECT_EQ(result.exit_code, 0) << result.errors;
-  EXPECT_EQ(nlohmann::json::parse(result.output)["after"]["nodes"], 114);
+  EXPECT_EQ(Json::parse(result.output)["after"]["nodes"], 114);
   EXPECT_EQ(contents_of_file(folder.path("out.ast")).find(','), std::string::npos);
 }

@@ -1,20 +1,11 @@
 // OBJ, PLY, OFF, 3MF, glTF, COLLADA: read and written by `mendex`.
 
-#include <gtest/gtest.h>
-
-#include <nlohmann/json.hpp>
-
-#include "apps/process.h"
-#include "apps/test_files.h"
+#include "apps/reports.h"
 #include "support/random.h"
 
 namespace {
 
-using Json = nlohmann::json;
-
 constexpr const char* scenes[] = {"obj", "ply", "off", "3mf", "gltf", "glb", "dae"};
-
-Json info(const std::string& path) { return Json::parse(run_mendex({"info", "--json", path}).output, nullptr, false); }
 
 // The program may have been built without the importer.
 class MendexScene : public testing::Test {
@@ -47,37 +38,25 @@ const char* const coloured_obj =
 
 }  // namespace
 
-// The bracket's corners lie on a grid that single precision and six digits hold exactly. Shared nodes stay shared.
-TEST_F(MendexScene, EveryFormatLeadsToEveryOther) {
+// The bracket's corners lie on a grid that single precision and six digits hold exactly. Shared nodes stay shared. What can be told by its
+// content is, whatever its name; and a mesh of STL by the name of a scene is STL.
+TEST_F(MendexScene, WritesAndReadsEveryFormatByWhateverName) {
   const std::string welded = folder_.path("welded.mnx");
   ASSERT_EQ(run_mendex({"weld", sample("bracket_soup.stl"), "-o", welded}).exit_code, 0);
-  for (const std::string from : scenes) {
-    const std::string first = folder_.path("a." + from);
-    convert(welded, first);
-    for (const std::string to : {"obj", "ply", "3mf", "mnx"}) {
-      const std::string second = folder_.path("b." + to);
-      convert(first, second);
-      const Json report = info(second);
-      EXPECT_EQ(report["elements"], 204) << from << " to " << to;
-      EXPECT_EQ(report["nodes"], 100) << from << " to " << to;
-      EXPECT_EQ(report["volume"].get<double>(), 4250.0) << from << " to " << to;
-    }
-  }
-}
-
-// What can be told by its content is, whatever its name; and a mesh of STL by the name of a scene is STL.
-TEST_F(MendexScene, ReadsFilesOfMisleadingNames) {
-  for (const std::string from : scenes) {
-    convert(sample("bracket_soup.stl"), folder_.path("a." + from));
-    std::filesystem::rename(folder_.path("a." + from), folder_.path("data.bin"));
-    EXPECT_EQ(info(folder_.path("data.bin"))["elements"], 204) << from;
+  for (const std::string format : scenes) {
+    convert(welded, folder_.path("a." + format));
+    std::filesystem::rename(folder_.path("a." + format), folder_.path("data.bin"));
+    const Json report = info(folder_.path("data.bin"));
+    EXPECT_EQ(report["elements"], 204) << format;
+    EXPECT_EQ(report["nodes"], 100) << format;
+    EXPECT_EQ(report["volume"].get<double>(), 4250.0) << format;
   }
   std::filesystem::copy_file(sample("bracket_soup.stl"), folder_.path("stl.ply"));
   EXPECT_EQ(info(folder_.path("stl.ply"))["elements"], 204);
 }
 
 // Colours of vertices become colours of triangles, and the nodes between two colours are one; on the way out they are repeated.
-// The colours of OFF files are not looked at.
+// The colours of OFF files are not looked at. Materials of OBJ files colour their triangles.
 TEST_F(MendexScene, CarriesColours) {
   const std::string first = folder_.write("first.obj", coloured_obj);
   const std::string expected = text_of(first);
@@ -85,17 +64,12 @@ TEST_F(MendexScene, CarriesColours) {
                       "3 0 1 2 0 51 255 255\n3 0 3 1 0 51 255 255\n3 0 2 3 102 0 0 255\n3 2 1 3 102 0 0 255\n");
   EXPECT_EQ(info(first)["nodes"], 4);
   for (const std::string to : scenes) {
-    const std::string path = folder_.path("b." + to);
-    convert(first, path);
     if (to == "off") continue;
-    EXPECT_EQ(text_of(path), expected) << to;
+    convert(first, folder_.path("b." + to));
+    EXPECT_EQ(text_of(folder_.path("b." + to)), expected) << to;
   }
-}
-
-TEST_F(MendexScene, MaterialsOfAnObjFileColourItsTriangles) {
   folder_.write("paint.mtl", "newmtl green\nKd 0 1 0\n");
-  const std::string path = folder_.write("a.obj", "mtllib paint.mtl\nv 0 0 0\nv 1 0 0\nv 0 1 0\nusemtl green\nf 1 2 3\n");
-  EXPECT_NE(text_of(path).find("3 0 1 2 0 255 0 255\n"), std::string::npos);
+  expect_text(text_of(folder_.write("a.obj", "mtllib paint.mtl\nv 0 0 0\nv 1 0 0\nv 0 1 0\nusemtl green\nf 1 2 3\n")), "3 0 1 2 0 255 0 255\n");
 }
 
 // Two objects of a glTF scene: one moved, one mirrored, whose triangle is turned so that it still faces as its object does.
@@ -104,35 +78,26 @@ TEST_F(MendexScene, NodesMoveTheirMeshes) {
   Json scene = Json::parse(contents_of_file(folder_.path("t.gltf")));
   scene["nodes"] = Json::array({{{"mesh", 0}, {"translation", {5, 0, 0}}}, {{"mesh", 0}, {"scale", {1, 1, -1}}, {"translation", {0, 0, 7}}}});
   scene["scenes"][0]["nodes"] = {0, 1};
-  const std::string moved = folder_.write("moved.gltf", scene.dump());
-  const Json report = info(moved);
-  EXPECT_EQ(report["elements"], 2);
-  convert(moved, folder_.path("moved.off"));
-  EXPECT_EQ(contents_of_file(folder_.path("moved.off")),
+  EXPECT_EQ(text_of(folder_.write("moved.gltf", scene.dump())),
             "OFF\n 6 2 0\n 5 0 0\n 6 0 0\n 5 1 0\n 0 0 7\n 1 0 7\n 0 1 7\n3 0 1 2\n3 3 5 4\n");
 }
 
-// Polygons are cut into triangles; lines and points, and triangles that name a vertex twice, are left out with a warning.
+// Polygons are cut into triangles; lines and points, and triangles that name a vertex twice, are left out with a warning. Vertices stay apart
+// that the file has apart.
 TEST_F(MendexScene, TakesTrianglesOnly) {
   const std::string path = folder_.write("a.obj", "v 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\nf 1 2 3 4\nf 1 1 3\nl 1 2\n");
   const ProcessResult result = run_mendex({"info", "--json", path});
   EXPECT_EQ(Json::parse(result.output)["elements"], 2);
-  EXPECT_NE(result.errors.find("left out"), std::string::npos) << result.errors;
-}
-
-// PLY and OFF keep vertices apart that the file has apart.
-TEST_F(MendexScene, VerticesOfIndexedFilesStayApart) {
-  const std::string path = folder_.write("a.off", "OFF\n6 2 0\n0 0 0\n1 0 0\n0 1 0\n0 0 0\n0 1 0\n-1 0 0\n3 0 1 2\n3 3 4 5\n");
-  EXPECT_EQ(info(path)["nodes"], 6);
+  expect_text(result.errors, "left out");
+  EXPECT_EQ(info(folder_.write("a.off", "OFF\n6 2 0\n0 0 0\n1 0 0\n0 1 0\n0 0 0\n0 1 0\n-1 0 0\n3 0 1 2\n3 3 4 5\n"))["nodes"], 6);
 }
 
 TEST_F(MendexScene, OtherVerbsTakeThem) {
-  const std::string obj = folder_.path("box.obj"), closed = folder_.path("closed.glb");
+  const std::string obj = folder_.path("box.obj"), closed = folder_.path("closed.glb"), both = folder_.path("both.ply");
   convert(sample("open_box.ast"), obj);
   EXPECT_EQ(run_mendex({"check", obj}).exit_code, 1);
   ASSERT_EQ(run_mendex({"fill", obj, "-o", closed}).exit_code, 0);
   EXPECT_EQ(run_mendex({"check", closed}).exit_code, 0);
-  const std::string both = folder_.path("both.ply");
   ASSERT_EQ(run_mendex({"convert", closed, both, "--append", obj}).exit_code, 0);
   EXPECT_EQ(info(both)["elements"].get<int>(), info(closed)["elements"].get<int>() + 32);
 }
@@ -140,7 +105,7 @@ TEST_F(MendexScene, OtherVerbsTakeThem) {
 // The target stays as it was when the mesh does not fit the format.
 TEST_F(MendexScene, RefusesWhatDoesNotReadBack) {
   const std::string far = folder_.write("far.ast", "solid a\nfacet normal 0 0 1\nouter loop\nvertex 1e200 0 0\nvertex 0 1 0\nvertex 0 0 1\n"
-                                        "endloop\nendfacet\nendsolid\n");
+                                                    "endloop\nendfacet\nendsolid\n");
   for (const std::string to : scenes) {
     const std::string target = folder_.write("target." + to, "precious");
     const ProcessResult result = run_mendex({"convert", far, target});
@@ -154,11 +119,7 @@ TEST_F(MendexScene, RefusesFilesWithoutAMesh) {
   const std::string cases[] = {folder_.write("a.obj", "v 0 0 0\n"), folder_.write("b.ply", "ply\nformat ascii 1.0\n"),
                                folder_.write("c.3mf", std::string("PK\x03\x04 3D/", 8)), folder_.write("d.fbx", "nothing"),
                                folder_.write("e.obj", "v 0 0 0\nv 1 0 0\nf 1 2 99999999\n"), folder_.write("f.gltf", "")};
-  for (const std::string& path : cases) {
-    const ProcessResult result = run_mendex({"info", path});
-    EXPECT_EQ(result.exit_code, 3) << path << result.errors;
-    EXPECT_NE(result.errors, "") << path;
-  }
+  for (const std::string& path : cases) expect_refused({"info", path}, {}, 3, "mendex: ");
 }
 
 // Files with bytes changed, taken out and repeated end in an orderly way, soon: the importer breaks down on some of them.
@@ -168,17 +129,15 @@ TEST_F(MendexScene, DamagedFilesEndInAnOrderlyWay) {
   for (const std::string format : scenes) {
     convert(sample("open_box.ast"), folder_.path("a." + format));
     const std::string whole = contents_of_file(folder_.path("a." + format));
-    for (int round = 0; round < 12; ++round) {
+    for (int round = 0; round < 8; ++round) {
       std::string bytes = whole;
-      const int changes = 1 + random.below(2);
-      for (int k = 0; k < changes; ++k) {
+      for (int changes = random.between(1, 2); changes > 0; --changes) {
         const auto at = static_cast<std::size_t>(random.below(static_cast<int>(bytes.size())));
         switch (random.below(3)) {
           case 0: bytes[at] = static_cast<char>(random.below(256)); break;
           case 1: bytes.erase(at, static_cast<std::size_t>(1 + random.below(20))); break;
           default: bytes.insert(at, bytes.substr(at / 2, 30));
         }
-        if (bytes.empty()) bytes = "x";
       }
       const ProcessResult result = run_mendex({"info", folder_.write("damaged." + format, bytes)});
       EXPECT_TRUE(result.exit_code == 0 || result.exit_code == 3) << format << " " << round << ": " << result.exit_code << result.errors;

@@ -25,6 +25,15 @@ inline std::vector<std::vector<int>> all_cycles(const trCycleArray& set) {
   return all;
 }
 
+/// Selects every live cycle, without the marks.
+inline void select_all(trCycleArray& set) {
+  set.num_boundaries();
+  set.selection.clear();
+  for (int i = 0; i < set.cycles.count(); ++i) {
+    if (set.cycles[i].start != -1) set.selection.add(i);
+  }
+}
+
 /// Triangles between few points, in any order and orientation, so that edges meet in every way; coordinates on a coarse
 /// grid.
 inline Shape random_tangle(Random& random, int points, int triangles, int grid) {

@@ -6,11 +6,8 @@
 #include <filesystem>
 
 #include "boundaries/cycle_it.h"
-#include "control/control.h"
+#include "control/host.h"
 #include "mesh/containers.h"
-#include "support/block_snapshot.h"
-#include "support/captured_output.h"
-#include "support/validator.h"
 
 namespace {
 
@@ -23,7 +20,7 @@ struct State {
   int edges = 0;
 };
 
-State state_of(trControl& control) {
+State state_of(Host& control) {
   trEdgeConnectioncoPageArr sick;
   control.triblock().find_sick(sick, 0);
   return {sick.count(), control.cycles().num_boundaries(), control.cycles().num_edges()};
@@ -31,7 +28,7 @@ State state_of(trControl& control) {
 
 // The boundaries that are plain holes: those that share no node with themselves or with another. A fan over a boundary that passes a node
 // twice has four triangles on the edge from there to its centre, and what closes two boundaries through the same nodes may coincide.
-intcoSet plain_holes(trControl& control) {
+intcoSet plain_holes(Host& control) {
   const int count = control.cycles().num_boundaries();
   std::map<int, int> uses;
   for (int k = 0; k < count; ++k) {
@@ -58,7 +55,7 @@ class CorpusClosing : public testing::Test {
     for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
       if (entry.path().extension() != ".stl") continue;
       SCOPED_TRACE(entry.path().filename());
-      trControl control;
+      Host control;
       control.action_read(utString(entry.path().string().c_str()));
       control.triblock().unduplicate_nodes(std::numeric_limits<double>::denorm_min());
       control.triblock().cancelling(1);
@@ -75,19 +72,14 @@ class CorpusClosing : public testing::Test {
   CapturedOutput output;
 };
 
-void select(trControl& control, const intcoSet& boundaries) {
-  double average = 0.0;
-  control.select_cycles(boundaries, average, -1, intcoSet(), -1, -1);
-}
-
 }  // namespace
 
 TEST_F(CorpusClosing, FillingClosesEveryBoundaryItIsGiven) {
-  for_each_open_model([](trControl& control) {
+  for_each_open_model([](Host& control) {
     const State before = state_of(control);
     const BlockSnapshot snapshot(control.triblock());
     const intcoSet chosen = plain_holes(control);
-    select(control, chosen);
+    control.select(chosen);
     control.start_undo("fill");
     const int is_filled = control.action_fill(0);
     control.finish_undo(1);
@@ -97,19 +89,18 @@ TEST_F(CorpusClosing, FillingClosesEveryBoundaryItIsGiven) {
     EXPECT_EQ(after.boundaries, before.boundaries - chosen.count());
     EXPECT_TRUE(after.sick_edges == 0 || before.sick_edges != 0);
     control.action_undo(1);
-    EXPECT_EQ(snapshot.difference(BlockSnapshot(control.triblock())), "");
+    EXPECT_EQ(control.difference(snapshot), "");
     EXPECT_EQ(control.cycles().num_edges(), before.edges);
   });
 }
 
 TEST_F(CorpusClosing, CappingClosesWhatItSaysAndLeavesTheRest) {
-  for_each_open_model([](trControl& control) {
+  for_each_open_model([](Host& control) {
     const State before = state_of(control);
     const BlockSnapshot snapshot(control.triblock());
     double spacing = 0.0;
-    select(control, intcoSet{0});
     control.select_cycles(intcoSet{0}, spacing, -1, intcoSet(), -1, -1);
-    select(control, plain_holes(control));
+    control.select(plain_holes(control));
     at2PlaneError error = at2_success;
     const int is_capped = control.action_cap_ext(spacing, 1, error);
     EXPECT_TRUE(is_sound(control.triblock()));
@@ -117,6 +108,6 @@ TEST_F(CorpusClosing, CappingClosesWhatItSaysAndLeavesTheRest) {
     EXPECT_TRUE(after.sick_edges == 0 || before.sick_edges != 0);
     EXPECT_EQ(is_capped, after.boundaries < before.boundaries);
     control.action_undo(before.boundaries);
-    EXPECT_EQ(snapshot.difference(BlockSnapshot(control.triblock())), "");
+    EXPECT_EQ(control.difference(snapshot), "");
   });
 }

@@ -4,25 +4,14 @@
 
 #include <filesystem>
 
-#include "control/control.h"
+#include "control/host.h"
 #include "formats/tri_write.h"
-#include "progress/progress.h"
-#include "support/captured_output.h"
 #include "support/interrupting_handler.h"
 #include "support/marking_hook.h"
-#include "support/shapes.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-
-class Host : public trControl {
- public:
-  void control_update(int what) override { updates.push_back(what); }
-  using trControl::recognize_extension;
-
-  std::vector<int> updates;
-};
 
 // A folder of its own that is the current one while the object lives, so that messages name files as given.
 class FilesTest : public testing::Test {
@@ -38,8 +27,8 @@ class FilesTest : public testing::Test {
   }
 
   // A mesh of n triangles under a name, whatever its extension says, in the native format or in binary STL.
-  static void write_native(const std::string& name, int triangles) { write(name, triangles, &write_as_native); }
-  static void write_stl(const std::string& name, int triangles) { write(name, triangles, &write_as_stl); }
+  static void write_native(const std::string& name, int triangles) { write(name, triangles, &trTriWrite::write_native); }
+  static void write_stl(const std::string& name, int triangles) { write(name, triangles, &trTriWrite::write_stl); }
 
   std::string taken() {
     std::string text = output.take();
@@ -52,12 +41,10 @@ class FilesTest : public testing::Test {
   CapturedOutput output;
 
  private:
-  static int write_as_native(trTriWrite& writer) { return writer.write_native(0); }
-  static int write_as_stl(trTriWrite& writer) { return writer.write_stl(0); }
-  static void write(const std::string& name, int triangles, int (*format)(trTriWrite&)) {
+  static void write(const std::string& name, int triangles, int (trTriWrite::*format)(int)) {
     const BlockOf block(cone_fan(triangles));
     trTriWrite writer(&block, std::fopen(name.c_str(), "wb"), 1.0);
-    EXPECT_EQ(format(writer), 1);
+    EXPECT_EQ((writer.*format)(0), 1);
   }
 
   fs::path former_;
@@ -84,42 +71,38 @@ TEST_F(FilesTest, NamesAreSearchedInTheOrderOfTheFormats) {
   write_native("model.mnx", 3);
   EXPECT_EQ(host.action_read("model"), tr_native_file);
   EXPECT_EQ(taken(), "File 'model.mnx' found.\nUndo information for 'model.stl' has been cancelled.\n");
-  EXPECT_EQ(host.triblock().valid_elements(), 3);
+  EXPECT_EQ(host.valid_elements(), 3);
   EXPECT_EQ(host.file_name(), "model.mnx");
   write_native("part.stl.mnx", 5);  // stands in for part.stl, which is not there
   EXPECT_EQ(host.action_read("part.stl"), tr_native_file);
-  EXPECT_EQ(host.triblock().valid_elements(), 5);
+  EXPECT_EQ(host.valid_elements(), 5);
   write_native("model.xyz", 6);
   output.take();
   EXPECT_EQ(host.action_read("model.xyz"), tr_native_file);
   EXPECT_EQ(taken(),
             "File assumed to be in native format.\nFile 'model.xyz' found.\n"
             "Undo information for 'part.stl.mnx' has been cancelled.\n");
-  EXPECT_EQ(host.triblock().valid_elements(), 6);
+  EXPECT_EQ(host.valid_elements(), 6);
 }
 
+// A folder of a model's name is no file: the model next to it is found, and without one the mesh stays.
 TEST_F(FilesTest, WhatIsNotThereIsSaidAndChangesNothing) {
   add_to(host.triblock(), closed_box());
-  EXPECT_EQ(host.action_read("a.stl"), tr_unknown_file);
-  EXPECT_EQ(output.take(), "File 'a.stl' not found.\n");
+  for (const bool is_folder : {false, true}) {
+    if (is_folder) fs::create_directory("a.stl");
+    EXPECT_EQ(host.action_read("a.stl"), tr_unknown_file);
+    EXPECT_EQ(output.take(), "File 'a.stl' not found.\n");
+  }
   EXPECT_EQ(host.action_append("model.STL"), tr_unknown_file);
   EXPECT_EQ(output.take(), "No file 'model.STL' with recognized extension.\n");
-  EXPECT_EQ(host.triblock().valid_elements(), 12);
+  EXPECT_EQ(host.valid_elements(), 12);
   EXPECT_EQ(host.file_name(), "");
   EXPECT_TRUE(host.updates.empty());
   const MarkingHook hook;
   host.action_read("a.stl");
   EXPECT_EQ(output.take(), "<File 'a.stl<' not found.\n");
-}
-
-// A folder of a model's name is no file: the model next to it is found, and without one the mesh stays.
-TEST_F(FilesTest, FoldersAreNoFiles) {
-  fs::create_directory("a.stl");
-  EXPECT_EQ(host.action_read(utString("a.stl")), tr_unknown_file);
-  EXPECT_EQ(output.take(), "File 'a.stl' not found.\n");
-  EXPECT_TRUE(host.updates.empty());
   write_native("a.stl.mnx", 2);
-  EXPECT_EQ(host.action_read(utString("a.stl")), tr_native_file);
+  EXPECT_EQ(host.action_read("a.stl"), tr_native_file);
 }
 
 // Reading starts a new history and obeys the range; appending does neither.
@@ -127,13 +110,13 @@ TEST_F(FilesTest, ReadingReplacesAndAppendingAdds) {
   write_stl("six.stl", 6);
   host.action_stlrange(3, 4);
   host.action_read("six.stl");
-  EXPECT_EQ(host.triblock().valid_elements(), 2);
+  EXPECT_EQ(host.valid_elements(), 2);
   EXPECT_EQ(host.undo_hist().filename(), "six.stl");
   host.start_undo("delete");
   host.triblock().delete_element(1);
   host.finish_undo(1);
   host.action_append("six.stl");
-  EXPECT_EQ(host.triblock().valid_elements(), 7);
+  EXPECT_EQ(host.valid_elements(), 7);
   EXPECT_EQ(host.undo_hist().current(), 0);
   EXPECT_EQ(host.updates, (std::vector<int>{1, 1}));
 }
@@ -147,7 +130,7 @@ TEST_F(FilesTest, AnInterruptedReadLeavesNothing) {
     const InterruptingHandler handler(3);
     host.action_append("six.stl");
   }
-  EXPECT_EQ(host.triblock().valid_elements(), 8);
+  EXPECT_EQ(host.valid_elements(), 8);
   output.take();
   const InterruptingHandler handler(3);
   EXPECT_EQ(host.action_read("six.stl"), tr_stl_file);
@@ -172,7 +155,7 @@ TEST_F(FilesTest, WritingGoesByTheNameAndAddsTheNativeExtension) {
     host.action_write(name);
     Host other;
     other.action_read(name);
-    EXPECT_EQ(other.triblock().valid_elements(), 11) << name;
+    EXPECT_EQ(other.valid_elements(), 11) << name;
   }
   EXPECT_TRUE(host.updates.empty());
 }

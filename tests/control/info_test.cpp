@@ -2,13 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "control/control.h"
+#include "control/host.h"
 #include "progress/progress.h"
-#include "support/captured_output.h"
 #include "support/command_file.h"
 #include "support/interrupting_handler.h"
 #include "support/marking_hook.h"
-#include "support/shapes.h"
 
 namespace {
 
@@ -16,14 +14,25 @@ constexpr const char* box_counts =
     "TriBlock info...\n  No node attributes\n  Node count: 8(max node num is 8)\n  Element count: 12(max element num is 12)\n"
     "  Size:-  X: 0, 1   Y: 0, 2   Z: 0, 3   \n";
 
+struct Texts {
+  std::string screen, file;
+};
+
+Texts info(trTriBlock& block, double tol, int level) {
+  CapturedOutput output;
+  CommandFile commands;
+  block.info(tol, commands.file(), level);
+  std::fclose(commands.file());
+  return {output.take(), commands.text()};
+}
+
 }  // namespace
 
 // A box of 1 by 2 by 3. The faces' heights over their diagonals are 2 / sqrt(5), 3 / sqrt(10) and 6 / sqrt(13), their aspects 2/5, 3/10
 // and 6/13; the twelve edges are right angles, seen from both sides.
 TEST(Info, ReportsABoxInFull) {
   CapturedOutput output;
-  trControl control;
-  add_to(control.triblock(), closed_box({}, 1.0, 2.0, 3.0));
+  Host control(closed_box({}, 1.0, 2.0, 3.0));
   CommandFile commands;
   control.action_info(1, 0.92, commands.file());
   EXPECT_EQ(output.take(),
@@ -50,87 +59,64 @@ TEST(Info, ReportsABoxInFull) {
 
 // The shape statistics are for the file: without one they are left out, whatever the level.
 TEST(Info, WithoutAFileTheShapeStatisticsAreLeftOut) {
+  BlockOf block(closed_box({}, 1.0, 2.0, 3.0));
+  const Texts brief = info(block, 0.92, 0);
+  EXPECT_EQ(brief.screen, box_counts);
+  EXPECT_EQ(brief.file.find("@NUMSICK"), std::string::npos);
   CapturedOutput output;
-  trControl control;
-  add_to(control.triblock(), closed_box({}, 1.0, 2.0, 3.0));
-  control.triblock().info(0.92, nullptr, 1);
+  block.info(0.92, nullptr, 1);
   EXPECT_EQ(output.take(), box_counts);
-  CommandFile commands;
-  control.triblock().info(0.92, commands.file(), 0);
-  EXPECT_EQ(output.take(), box_counts);
-  std::fclose(commands.file());
-  EXPECT_EQ(commands.text().find("@NUMSICK"), std::string::npos);
 }
 
 TEST(Info, CountsSkipDeletedEntitiesAndAttributesAreTold) {
-  CapturedOutput output;
-  trControl control;
-  trTriBlock& block = control.triblock();
-  add_to(block, closed_box());
+  BlockOf block(closed_box());
   block.set_node_data_size(4);
   block.delete_element(12);
   block.delete_element(3);
-  block.info(0.0, nullptr, 0);
-  EXPECT_EQ(output.take(),
+  EXPECT_EQ(info(block, 0.0, 0).screen,
             "TriBlock info...\n  There are 4 attributes stored per node\n  Node count: 8(max node num is 8)\n"
             "  Element count: 10(max element num is 11)\n  Size:-  X: 0, 1   Y: 0, 1   Z: 0, 1   \n");
 }
 
 // Minima over nothing are 0, and the box of nothing is no box.
 TEST(Info, AnEmptyMeshHasNoSize) {
-  CapturedOutput output;
   trTriBlock block;
-  CommandFile commands;
-  block.info(0.5, commands.file(), 1);
-  std::fclose(commands.file());
-  EXPECT_EQ(output.take(),
+  const Texts texts = info(block, 0.5, 1);
+  EXPECT_EQ(texts.screen,
             "TriBlock info...\n  No node attributes\n  Node count: 0(max node num is 0)\n"
             "  Element count: 0(max element num is 0)\n  Size:-  unevaluated.\n"
             "  Min element height: 0.000000  (0 are less than 0.500000)\n"
             "  Min element aspect: 0.000000  (0 are less than 0.500000)\n"
             "  Sharpest Angle: 180.000000 degrees (overlap tol: 1.000000, 0 angles < 0.500000)\n");
-  EXPECT_NE(commands.text().find("DELETE REGISTER @SIZE\n"), std::string::npos);
+  EXPECT_NE(texts.file.find("DELETE REGISTER @SIZE\n"), std::string::npos);
 }
 
 TEST(Info, EveryLinePassesTheTranslation) {
   CapturedOutput output;
   const MarkingHook hook;
-  trControl control;
-  add_to(control.triblock(), closed_box());
+  Host control(closed_box());
   CommandFile commands;
   control.action_info(1, 0.5, commands.file());
   std::istringstream lines(output.take());
   int checked = 0;
   for (std::string line; std::getline(lines, line);) {
-    if (line.empty()) continue;
-    EXPECT_EQ(line.find('<') == 0 || line.find("  <") == 0, true) << line;
-    ++checked;
+    EXPECT_TRUE(line.empty() || line.find('<') == 0 || line.find("  <") == 0) << line;
+    checked += !line.empty();
   }
   EXPECT_GT(checked, 20);
 }
 
 // Interrupted at any poll the report ends: what is printed is the beginning of the whole.
 TEST(Info, StopsWhereItIsInterrupted) {
-  trControl control;
-  add_to(control.triblock(), closed_box());
-  std::string whole;
-  {
-    CapturedOutput output;
-    CommandFile commands;
-    control.triblock().info(0.5, commands.file(), 1);
-    std::fclose(commands.file());
-    whole = output.take();
-  }
+  BlockOf block(closed_box());
+  const std::string whole = info(block, 0.5, 1).screen;
   int shorter = 0;
-  for (int stop_at = 1;; ++stop_at) {
-    CapturedOutput output;
-    const InterruptingHandler handler(stop_at);
-    CommandFile commands;
-    control.triblock().info(0.5, commands.file(), 1);
-    std::fclose(commands.file());
-    const std::string text = output.take();
+  bool is_stopped = true;
+  for (int stop = 1; is_stopped; ++stop) {
+    const InterruptingHandler handler(stop);
+    const std::string text = info(block, 0.5, 1).screen;
+    is_stopped = handler.interrupted_flag;
     EXPECT_EQ(whole.compare(0, text.size(), text), 0) << text;
-    if (!tr_interrupt()) break;
     shorter += text.size() < whole.size();
   }
   EXPECT_GT(shorter, 20);

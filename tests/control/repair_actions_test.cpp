@@ -1,61 +1,37 @@
-// The actions that mend the mesh: what each refuses, what it tells the host, and what becomes of the defect lists.
+// The actions that change the mesh: what each refuses, what it tells the host, and what becomes of the defect lists.
 
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <limits>
 
-#include "control/control.h"
-#include "support/block_snapshot.h"
-#include "support/captured_output.h"
+#include "control/host.h"
 #include "support/interrupting_handler.h"
-#include "support/shapes.h"
-#include "support/validator.h"
 
 namespace {
 
 using Updates = std::vector<int>;
+using Act = std::function<void(Host&)>;
 
-class Host : public trControl {
- public:
-  explicit Host(const Shape& shape = closed_box()) { add_to(triblock(), shape); }
-  void control_update(int what) override { updates.push_back(what); }
-
-  std::vector<trElementList*> lists() {
-    return {&sick_elems(), &small_elems(), &thin_elems(), &overlap_elems(), &isect_elems(), &overhang_elems()};
-  }
-  void detect_all() {
-    for (trElementList* list : lists()) list->detect_elements();
-  }
-
-  Updates updates;
-};
+// A box and loose triangles of the given points.
+Shape box_and(const std::vector<giPoint3>& points) {
+  Shape shape = closed_box();
+  for (int k = 0; k < static_cast<int>(points.size()); k += 3) shape.triangles.push_back({8 + k, 9 + k, 10 + k});
+  shape.points.insert(shape.points.end(), points.begin(), points.end());
+  return shape;
+}
 
 // Two squares of one side each in z = 0, folded onto each other along their common edge.
-Shape folded() { return Shape{{{0, 0, 0}, {0, 1, 0}, {1, 0, 0}, {1, 0.5, 1e-3}}, {{0, 2, 1}, {0, 1, 3}}}; }
+const Shape folded = {{{0, 0, 0}, {0, 1, 0}, {1, 0, 0}, {1, 0.5, 1e-3}}, {{0, 2, 1}, {0, 1, 3}}};
+// A kite split along its long diagonal.
+const Shape bad_diagonal = {{{-5, 0, 0}, {5, 0, 0}, {0, 1, 0}, {0, -1, 0}}, {{0, 1, 2}, {1, 0, 3}}};
+const Shape with_sliver = box_and({{5, 0, 0}, {9, 0, 0}, {7, 1e-4, 0}});
+const Shape crossing = box_and({{0.5, 0.4, 0.3}, {0.5, 0.4, 2}, {0.6, 2, 2}});
 
 // A triangle on the edge of two others.
 Shape with_fin() {
   Shape shape = closed_box();
   shape.points.emplace_back(0.5, 0.5, 9);
   shape.triangles.push_back({shape.triangles[0][0], shape.triangles[0][1], 8});
-  return shape;
-}
-
-Shape crossing() {
-  Shape shape = closed_box();
-  const Shape other = closed_box(giPoint3(0.5, 0.4, 0.3));
-  for (const giPoint3& p : other.points) shape.points.push_back(p);
-  for (const auto& t : other.triangles) shape.triangles.push_back({t[0] + 8, t[1] + 8, t[2] + 8});
-  return shape;
-}
-
-Shape with_sliver() {
-  Shape shape = closed_box();
-  shape.points.emplace_back(5, 0, 0);
-  shape.points.emplace_back(9, 0, 0);
-  shape.points.emplace_back(7, 1e-4, 0);
-  shape.triangles.push_back({8, 9, 10});
   return shape;
 }
 
@@ -71,177 +47,147 @@ Shape one_repeated() {
   return shape;
 }
 
-// A kite split along its long diagonal.
-Shape bad_diagonal() { return Shape{{{-5, 0, 0}, {5, 0, 0}, {0, 1, 0}, {0, -1, 0}}, {{0, 1, 2}, {1, 0, 3}}}; }
+// What an action tells the host: 1 when the shape changed, 0 when only the triangles did. Where it is told anything all six lists are out
+// of date but for that which the action itself emptied.
+struct Case {
+  const char* name;
+  Act act;
+  Shape shape;
+  Updates updates;
+  int fresh = -1;  // place among the lists
+  Act prepare = [](Host&) {};
+};
+
+void undup(Host& c) { c.action_undup(1e-6); }
+void bundup(Host& c) { c.action_bundup(1e-6); }
+void swap_thin(Host& c) { c.action_swap(0.9, 3); }
+void height(Host& c) { c.action_height(1e-3); }
+void aspect(Host& c) { c.action_aspect(1e-3); }
+void cancel(Host& c) { c.action_cancelling(1); }
+void overlapping(Host& c) { c.action_overlapping(10); }
+void intersecting(Host& c) { c.action_intersecting(100); }
+void overhanging(Host& c) { c.action_overhanging(giUnitVec3(giVector3(0, 0, 1))); }
+void orient(Host& c) { c.action_orient(); }
+void cure_all(Host& c) { c.action_cure(0); }
+void cure_smaller(Host& c) { c.action_cure(1); }
+void fill(Host& c) { c.action_fill(0); }
+void cap(Host& c) {
+  at2PlaneError error = at2_success;
+  c.action_cap(0.2, error, 0);
+}
+void cap_each(Host& c) {
+  at2PlaneError error = at2_success;
+  c.action_cap_ext(0.2, 0, error);
+}
+void undo(Host& c) { c.action_undo(1); }
+void redo(Host& c) { c.action_redo(1); }
+void edit(Host& c) {
+  c.start_undo("edit");
+  c.triblock().delete_element(1);
+  c.finish_undo(1);
+}
+void edit_and_undo(Host& c) {
+  edit(c);
+  undo(c);
+}
+
+// With something to do.
+const std::vector<Case> mending = {
+    {"undup", undup, exploded(crossing), {1}},
+    {"bundup", bundup, exploded(crossing), {1}},
+    {"swap", swap_thin, bad_diagonal, {0}},
+    {"height", height, with_sliver, {1}, 1},
+    {"aspect", aspect, with_sliver, {1}, 2},
+    {"cancelling", cancel, one_repeated(), {1}},
+    {"overlapping", overlapping, folded, {1}, 3},
+    {"intersecting", intersecting, crossing, {1}, 4},
+    {"orient", orient, one_reversed(), {1}},
+    {"cure, all", cure_all, with_fin(), {1}, 0},
+    {"cure, all but two", cure_smaller, with_fin(), {1}},
+};
+
+// Turning all over and renumbering tell the host always, as do transforming, stitching and deleting all sick or overhanging triangles.
+// Swapping goes on until a pass finds nothing, or the allowed number is reached; none at all is no change. Nothing found leaves the lists
+// alone, even for another tolerance than that of the list before.
+const std::vector<Case> others = {
+    {"swap, many passes", [](Host& c) { c.action_swap(0.9, 100); }, bad_diagonal, {0}},
+    {"swap, no pass", [](Host& c) { c.action_swap(0.9, 0); }, bad_diagonal, {}},
+    {"overhanging", overhanging, closed_box(), {1}, 5},
+    {"reverse", [](Host& c) { c.action_reverse(); }, closed_box(), {0}},
+    {"reverse, empty: the reserved node counts", [](Host& c) { c.action_reverse(); }, {}, {0}},
+    {"renumber", [](Host& c) { c.action_renumber(); }, closed_box(), {0}},
+    {"transform", [](Host& c) { c.action_transform_triangles(giXform3()); }, closed_box(), {1}},
+    {"undup, idle", undup, closed_box(), {}},
+    {"bundup, idle", bundup, closed_box(), {}},
+    {"swap, idle", [](Host& c) { c.action_swap(0.1, 3); }, closed_box(), {}},
+    {"height, idle", [](Host& c) { c.action_height(1e-9); }, closed_box(), {}},
+    {"aspect, idle", aspect, closed_box(), {}},
+    {"cancelling, idle", cancel, closed_box(), {}},
+    {"overlapping, idle", [](Host& c) { c.action_overlapping(1); }, closed_box(), {}},
+    {"intersecting, idle", intersecting, closed_box(), {}},
+    {"orient, idle", orient, closed_box(), {}},
+    {"cure, all, idle", cure_all, closed_box(), {1}, 0},
+    {"cure, all but two, idle", cure_smaller, closed_box(), {}},
+    {"stitch, idle", [](Host& c) { c.action_stitch(1e-6); }, closed_box(), {1}},
+    {"staple, idle", [](Host& c) { c.action_staple(1e-6); }, closed_box(), {}},
+    {"auto stitch, idle", [](Host& c) { c.action_auto_stitch(Single, 1e-6, 0, 0, 1, 0, 0, 0, 0); }, closed_box(), {1}},
+    {"fill", fill, punctured_sphere(6, 1), {1}, -1, [](Host& c) { c.select_all(); }},
+    {"fill, idle", fill, punctured_sphere(6, 1), {}},
+    {"cap", cap, punctured_sphere(6, 1), {1}, -1, [](Host& c) { c.select_all(); }},
+    {"cap, idle", cap, punctured_sphere(6, 1), {}},
+    {"cap each", cap_each, punctured_sphere(6, 1), {1}, -1, [](Host& c) { c.select_all(); }},
+    {"cap each, idle", cap_each, punctured_sphere(6, 1), {}},
+    {"undo", undo, closed_box(), {1}, -1, edit},
+    {"undo, idle", undo, closed_box(), {}},
+    {"redo", redo, closed_box(), {1}, -1, edit_and_undo},
+    {"redo, idle", redo, closed_box(), {}, -1, edit},
+};
 
 }  // namespace
 
-// What an action tells the host where it finds something to do and where not: 1 when the shape changed, 0 when only the triangles did.
-// Turning all over and renumbering tell it always, as do transforming and deleting all sick triangles.
-TEST(RepairActions, TellTheHostWhatChanged) {
+TEST(RepairActions, TellTheHostAndMakeListsStale) {
   const CapturedOutput output;
-  const struct {
-    const char* name;
-    std::function<void(trControl&)> act;
-    Shape shape;
-    Updates with_effect;
-    Updates without;
-  } cases[] = {
-      {"undup", [](trControl& c) { c.action_undup(1e-6); }, exploded(closed_box()), {1}, {}},
-      {"bundup", [](trControl& c) { c.action_bundup(1e-6); }, exploded(closed_box()), {1}, {}},
-      {"renumber", [](trControl& c) { c.action_renumber(); }, closed_box(), {0}, {0}},
-      {"swap", [](trControl& c) { c.action_swap(0.9, 3); }, bad_diagonal(), {0}, {}},
-      {"height", [](trControl& c) { c.action_height(1e-3); }, with_sliver(), {1}, {}},
-      {"aspect", [](trControl& c) { c.action_aspect(1e-3); }, with_sliver(), {1}, {}},
-      {"cancelling", [](trControl& c) { c.action_cancelling(1); }, one_repeated(), {1}, {}},
-      {"overlapping", [](trControl& c) { c.action_overlapping(10); }, folded(), {1}, {}},
-      {"intersecting", [](trControl& c) { c.action_intersecting(100); }, crossing(), {1}, {}},
-      {"overhanging", [](trControl& c) { c.action_overhanging(giUnitVec3(giVector3(0, 0, 1))); }, closed_box(), {1}, {1}},
-      {"orient", [](trControl& c) { c.action_orient(); }, one_reversed(), {1}, {}},
-      {"reverse", [](trControl& c) { c.action_reverse(); }, closed_box(), {0}, {0}},
-      {"cure, all", [](trControl& c) { c.action_cure(0); }, with_fin(), {1}, {1}},
-      {"cure, all but two", [](trControl& c) { c.action_cure(1); }, with_fin(), {1}, {}},
-      {"transform", [](trControl& c) { c.action_transform_triangles(giXform3()); }, closed_box(), {1}, {1}},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    Host busy(c.shape), idle;
-    c.act(busy);
-    EXPECT_EQ(busy.updates, c.with_effect);
-    EXPECT_TRUE(is_sound(busy.triblock()));
-    c.act(idle);
-    EXPECT_EQ(idle.updates, c.without);
+  for (const std::vector<Case>* cases : {&mending, &others}) {
+    for (const Case& c : *cases) {
+      SCOPED_TRACE(c.name);
+      Host host(c.shape);
+      c.prepare(host);
+      for (trElementList* list : host.lists()) list->detect_elements();
+      host.updates.clear();
+      c.act(host);
+      EXPECT_EQ(host.updates, c.updates);
+      EXPECT_TRUE(is_sound(host.triblock()));
+      for (int k = 0; k < 6; ++k) {
+        const trElementList* list = host.lists()[static_cast<std::size_t>(k)];
+        EXPECT_EQ(list->stale(), !c.updates.empty() && k != c.fresh) << "list " << k;
+        if (k == c.fresh) { EXPECT_EQ(list->elements().count(), 0); }
+      }
+    }
   }
-  Host empty{Shape{}};
-  empty.action_reverse();
-  EXPECT_EQ(empty.updates, Updates{0}) << "the reserved node counts";
 }
 
 // A tolerance below zero is refused in one line, and nothing is searched; one that is no number passes.
 TEST(RepairActions, RefuseTolerancesBelowZero) {
-  const std::function<void(trControl&, double)> actions[] = {
-      [](trControl& c, double tol) { c.action_undup(tol); },       [](trControl& c, double tol) { c.action_bundup(tol); },
-      [](trControl& c, double tol) { c.action_swap(tol, 2); },     [](trControl& c, double tol) { c.action_height(tol); },
-      [](trControl& c, double tol) { c.action_aspect(tol); },      [](trControl& c, double tol) { c.action_overlapping(tol); },
+  const std::function<void(Host&, double)> actions[] = {
+      [](Host& c, double tol) { c.action_undup(tol); },   [](Host& c, double tol) { c.action_bundup(tol); },
+      [](Host& c, double tol) { c.action_swap(tol, 2); }, [](Host& c, double tol) { c.action_height(tol); },
+      [](Host& c, double tol) { c.action_aspect(tol); },  [](Host& c, double tol) { c.action_overlapping(tol); },
   };
   for (const auto& act : actions) {
     CapturedOutput output;
-    Host host(with_sliver());
-    host.detect_all();
+    Host host(with_sliver);
+    for (trElementList* list : host.lists()) list->detect_elements();
     const BlockSnapshot before(host.triblock());
     const double tolerance = host.small_elems().tolerance();
     output.take();
     act(host, -1);
-    EXPECT_EQ(output.take(), " Error: tol must not be less than zero\n");
-    EXPECT_EQ(before.difference(BlockSnapshot(host.triblock())), "");
+    EXPECT_EQ(output.take(), negative_tolerance);
+    EXPECT_EQ(host.difference(before), "");
     EXPECT_TRUE(host.updates.empty());
     EXPECT_EQ(host.small_elems().tolerance(), tolerance);
     for (const trElementList* list : host.lists()) EXPECT_EQ(list->stale(), 0);
-    act(host, std::numeric_limits<double>::quiet_NaN());
+    act(host, std::nan(""));
     EXPECT_EQ(output.take().find("Error"), std::string::npos);
-  }
-}
-
-// The list whose triangles were deleted counts as searched and empty; the others are out of date.
-TEST(RepairActions, LeaveTheirListFreshAndTheOthersStale) {
-  const CapturedOutput output;
-  const struct {
-    std::function<void(trControl&)> act;
-    Shape shape;
-    int fresh;  // place among the lists
-  } cases[] = {
-      {[](trControl& c) { c.action_cure(0); }, with_fin(), 0},
-      {[](trControl& c) { c.action_height(1e-3); }, with_sliver(), 1},
-      {[](trControl& c) { c.action_aspect(1e-3); }, with_sliver(), 2},
-      {[](trControl& c) { c.action_overlapping(10); }, folded(), 3},
-      {[](trControl& c) { c.action_intersecting(50); }, crossing(), 4},
-      {[](trControl& c) { c.action_overhanging(giUnitVec3(giVector3(0, 0, 1))); }, closed_box(), 5},
-  };
-  for (const auto& c : cases) {
-    Host host(c.shape);
-    host.detect_all();
-    const int elements = host.triblock().valid_elements();
-    c.act(host);
-    EXPECT_LT(host.triblock().valid_elements(), elements);
-    const std::vector<trElementList*> lists = host.lists();
-    for (int k = 0; k < 6; ++k) {
-      EXPECT_EQ(lists[static_cast<std::size_t>(k)]->stale(), k != c.fresh) << "list " << k << " after that of " << c.fresh;
-    }
-    EXPECT_EQ(lists[static_cast<std::size_t>(c.fresh)]->elements().count(), 0);
-  }
-}
-
-// Every action that tells the host of a change makes all six lists stale, and one that does not leaves all of them alone. Taking
-// back and doing again tell whenever there is something to take back or to do again.
-TEST(RepairActions, MakeAllListsStaleWhenTheMeshChanged) {
-  const CapturedOutput output;
-  using Act = std::function<void(trControl&)>;
-  const auto fill = [](trControl& c) { c.action_fill(0); };
-  const auto cap = [](trControl& c) {
-    at2PlaneError error = at2_success;
-    c.action_cap(0.2, error, 0);
-  };
-  const auto cap_each = [](trControl& c) {
-    at2PlaneError error = at2_success;
-    c.action_cap_ext(0.2, 0, error);
-  };
-  const Act nothing = [](trControl&) {};
-  const Act select = [](trControl& c) {
-    double length = 0.0;
-    c.select_cycles({0}, length, -1, intcoSet(), -1, -1);
-  };
-  const Act edit = [](trControl& c) {
-    c.start_undo("edit");
-    c.triblock().delete_element(1);
-    c.finish_undo(1);
-  };
-  const Act edit_and_undo = [&](trControl& c) {
-    edit(c);
-    c.action_undo(1);
-  };
-  const struct {
-    const char* name;
-    Act act;
-    Act prepare;
-    Shape shape;
-    int is_stale;
-  } cases[] = {
-      {"undup", [](trControl& c) { c.action_undup(1e-6); }, nothing, exploded(closed_box()), 1},
-      {"undup, idle", [](trControl& c) { c.action_undup(1e-6); }, nothing, closed_box(), 0},
-      {"bundup", [](trControl& c) { c.action_bundup(1e-6); }, nothing, exploded(closed_box()), 1},
-      {"bundup, idle", [](trControl& c) { c.action_bundup(1e-6); }, nothing, closed_box(), 0},
-      {"swap", [](trControl& c) { c.action_swap(0.9, 3); }, nothing, bad_diagonal(), 1},
-      {"swap, idle", [](trControl& c) { c.action_swap(0.1, 3); }, nothing, closed_box(), 0},
-      {"orient", [](trControl& c) { c.action_orient(); }, nothing, one_reversed(), 1},
-      {"orient, idle", [](trControl& c) { c.action_orient(); }, nothing, closed_box(), 0},
-      {"reverse", [](trControl& c) { c.action_reverse(); }, nothing, closed_box(), 1},
-      {"renumber", [](trControl& c) { c.action_renumber(); }, nothing, closed_box(), 1},
-      {"transform", [](trControl& c) { c.action_transform_triangles(giXform3()); }, nothing, closed_box(), 1},
-      {"cancelling", [](trControl& c) { c.action_cancelling(1); }, nothing, one_repeated(), 1},
-      {"cancelling, idle", [](trControl& c) { c.action_cancelling(1); }, nothing, closed_box(), 0},
-      {"stitch, idle", [](trControl& c) { c.action_stitch(1e-6); }, nothing, closed_box(), 1},
-      {"staple, idle", [](trControl& c) { c.action_staple(1e-6); }, nothing, closed_box(), 0},
-      {"auto stitch, idle", [](trControl& c) { c.action_auto_stitch(Single, 1e-6, 0, 0, 1, 0, 0, 0, 0); }, nothing, closed_box(), 1},
-      {"fill", fill, select, punctured_sphere(6, 1), 1},
-      {"fill, idle", fill, nothing, punctured_sphere(6, 1), 0},
-      {"cap", cap, select, punctured_sphere(6, 1), 1},
-      {"cap, idle", cap, nothing, punctured_sphere(6, 1), 0},
-      {"cap each", cap_each, select, punctured_sphere(6, 1), 1},
-      {"cap each, idle", cap_each, nothing, punctured_sphere(6, 1), 0},
-      {"undo", [](trControl& c) { c.action_undo(1); }, edit, closed_box(), 1},
-      {"undo, idle", [](trControl& c) { c.action_undo(1); }, nothing, closed_box(), 0},
-      {"redo", [](trControl& c) { c.action_redo(1); }, edit_and_undo, closed_box(), 1},
-      {"redo, idle", [](trControl& c) { c.action_redo(1); }, edit, closed_box(), 0},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    Host host(c.shape);
-    c.prepare(host);
-    host.detect_all();
-    host.updates.clear();
-    c.act(host);
-    EXPECT_EQ(!host.updates.empty(), c.is_stale == 1);
-    for (std::size_t k = 0; k < 6; ++k) EXPECT_EQ(host.lists()[k]->stale(), c.is_stale) << "list " << k;
   }
 }
 
@@ -249,10 +195,10 @@ TEST(RepairActions, MakeAllListsStaleWhenTheMeshChanged) {
 TEST(RepairActions, AListOutlivesTheFirstChangeAfterItsOwnDeletion) {
   const CapturedOutput output;
   for (std::size_t cleaned = 0; cleaned < 6; ++cleaned) {
-    Host host;
-    host.overhang_elems().set_up_vector(giUnitVec3(giVector3(0, 0, 1)));
-    host.detect_all();
+    Host host(closed_box());
+    for (trElementList* list : host.lists()) list->detect_elements();
     host.lists()[cleaned]->delete_elements();
+    for (std::size_t k = 0; k < 6; ++k) EXPECT_EQ(host.lists()[k]->stale(), 0);
     host.action_reverse();
     for (std::size_t k = 0; k < 6; ++k) EXPECT_EQ(host.lists()[k]->stale(), k != cleaned) << k << " after " << cleaned;
     host.action_reverse();
@@ -260,76 +206,37 @@ TEST(RepairActions, AListOutlivesTheFirstChangeAfterItsOwnDeletion) {
   }
 }
 
-// Nothing found, nothing out of date: not even for another tolerance than that of the list before.
-TEST(RepairActions, LeaveTheListsAloneWhereNothingIsFound) {
-  const CapturedOutput output;
-  Host host;
-  host.detect_all();
-  host.action_overlapping(1);
-  host.action_height(1e-9);
-  for (const trElementList* list : host.lists()) EXPECT_EQ(list->stale(), 0);
-  EXPECT_TRUE(host.updates.empty());
-}
-
 // Another limit makes no list of intersections out of date: what was found before is deleted without another search.
 TEST(RepairActions, DeleteIntersectionsThatWereFoundBefore) {
   const CapturedOutput output;
-  Host host(crossing());
+  Host host(crossing);
   host.isect_elems().detect_elements();
-  const int found = host.isect_elems().elements().count();
+  const int found = host.isect_elems().elements().count(), elements = host.valid_elements();
   ASSERT_GT(found, 0);
-  const int elements = host.triblock().valid_elements();
   host.triblock().set_node(1, giPoint3(-0.1, -0.1, -0.1));  // the list does not watch the mesh
   host.action_intersecting(7);
-  EXPECT_EQ(host.triblock().valid_elements(), elements - found);
-}
-
-// Passes go on until one finds nothing, or the allowed number is reached; none at all is no change.
-TEST(RepairActions, SwapAsOftenAsAllowed) {
-  const CapturedOutput output;
-  Host host(bad_diagonal());
-  host.action_swap(0.9, 0);
-  EXPECT_TRUE(host.updates.empty());
-  host.action_swap(0.9, 100);
-  EXPECT_EQ(host.updates, Updates{0});
-  EXPECT_EQ(host.triblock().valid_elements(), 2);
+  EXPECT_EQ(host.valid_elements(), elements - found);
 }
 
 // An interruption stops the action after its search; the host's bracket takes back what there is.
 TEST(RepairActions, InterruptedAtEveryPoll) {
   const CapturedOutput output;
-  const std::pair<std::function<void(trControl&)>, Shape> cases[] = {
-      {[](trControl& c) { c.action_undup(1e-6); }, exploded(crossing())},
-      {[](trControl& c) { c.action_bundup(1e-6); }, exploded(crossing())},
-      {[](trControl& c) { c.action_swap(0.9, 2); }, bad_diagonal()},
-      {[](trControl& c) { c.action_height(1e-3); }, with_sliver()},
-      {[](trControl& c) { c.action_cancelling(1); }, one_repeated()},
-      {[](trControl& c) { c.action_overlapping(10); }, folded()},
-      {[](trControl& c) { c.action_intersecting(10); }, crossing()},
-      {[](trControl& c) { c.action_orient(); }, one_reversed()},
-      {[](trControl& c) { c.action_cure(0); }, with_fin()},
-      {[](trControl& c) { c.action_cure(1); }, with_fin()},
-  };
-  for (const auto& [act, shape] : cases) {
-    int polls = 0;
-    {
-      Host host(shape);
-      InterruptingHandler handler;
-      act(host);
-      polls = handler.polls;
-    }
-    EXPECT_GT(polls, 1);
-    for (int stop_at = 1; stop_at <= polls; ++stop_at) {
-      Host host(shape);
+  for (const Case& c : mending) {
+    SCOPED_TRACE(c.name);
+    int stop = 1;
+    for (bool is_stopped = true; is_stopped; ++stop) {
+      Host host(c.shape);
       const BlockSnapshot before(host.triblock());
       {
-        InterruptingHandler handler(stop_at);
+        const InterruptingHandler handler(stop);
         host.start_undo("edit");
-        act(host);
+        c.act(host);
+        is_stopped = handler.interrupted_flag;
       }
       host.finish_undo(0);
-      ASSERT_EQ(before.difference(BlockSnapshot(host.triblock())), "") << "at poll " << stop_at;
+      ASSERT_EQ(host.difference(before), "") << "at poll " << stop;
       ASSERT_TRUE(is_sound(host.triblock()));
     }
+    EXPECT_GT(stop, 2);
   }
 }

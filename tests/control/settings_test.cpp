@@ -1,46 +1,41 @@
-// The controller's settings: what they print, to the letter, and what they refuse.
+// The controller's settings and brackets round edits: what they print, to the letter, and what they refuse, keep and take back.
 
 #include <gtest/gtest.h>
 
-#include "control/control.h"
-#include "support/captured_output.h"
+#include "control/host.h"
+#include "support/command_file.h"
 #include "support/marking_hook.h"
-#include "support/shapes.h"
 
 namespace {
 
-// A host that overrides all there is to override.
-class Host : public trControl {
- public:
-  void control_update(int what) override { updates.push_back(what); }
-  const ccWorkplane& active_workplane() const override { return plane; }
-  giVector3 apply_workplane(const giVector3& v) const override { return v; }
-  giPoint3 apply_workplane(const giPoint3& p) const override { return p; }
+trControl made_before_main;
 
-  std::vector<int> updates;
-  ccWorkplane plane;
+void add_box(trControl& control, const char* name) {
+  control.start_undo(name);
+  add_to(control.triblock(), closed_box());
+  control.finish_undo(1);
+}
+
+struct ControlSettings : testing::Test {
+  CapturedOutput output;
+  Host host;
 };
 
-trControl made_before_main;
+using UndoBracket = ControlSettings;
 
 }  // namespace
 
-TEST(ControlSettings, FlagsAreSwitchedAndPrinted) {
-  CapturedOutput output;
-  Host host;
+TEST_F(ControlSettings, FlagsAreSwitchedAndPrinted) {
   host.action_verbose(tr_flag_toggle);
-  EXPECT_EQ(output.take(), "Verbose printing is ON\n");
-  EXPECT_EQ(host.triblock().verbose, 1);
   host.action_verbose(tr_flag_on);
-  EXPECT_EQ(output.take(), "Verbose printing is ON\n");
+  EXPECT_EQ(output.take(), "Verbose printing is ON\nVerbose printing is ON\n");
+  EXPECT_EQ(host.triblock().verbose, 1);
   host.action_trismooth(tr_flag_off);
-  EXPECT_EQ(output.take(), "Trismooth is OFF\n");
   host.action_trismooth(static_cast<trFlagAction>(7));  // no action: as it was
-  EXPECT_EQ(output.take(), "Trismooth is OFF\n");
+  EXPECT_EQ(output.take(), "Trismooth is OFF\nTrismooth is OFF\n");
   host.action_undomode(tr_flag_on);
-  EXPECT_EQ(output.take(), "Full undo history is ON\n");
   host.action_undomode(tr_flag_off);
-  EXPECT_EQ(output.take(), "Full undo history is OFF\n");
+  EXPECT_EQ(output.take(), "Full undo history is ON\nFull undo history is OFF\n");
   EXPECT_EQ(host.undo_hist().full_history(), 0);
   host.action_preserve(tr_flag_on);
   EXPECT_EQ(output.take(), "Preserve is ON\n");
@@ -48,9 +43,7 @@ TEST(ControlSettings, FlagsAreSwitchedAndPrinted) {
 }
 
 // Attributes are not kept by halves: switching the setting off deletes those that the mesh has, and the host is told.
-TEST(ControlSettings, PreserveOffDeletesTheAttributes) {
-  CapturedOutput output;
-  Host host;
+TEST_F(ControlSettings, PreserveOffDeletesTheAttributes) {
   add_to(host.triblock(), closed_box());
   host.triblock().set_node_data_size(3);
   host.action_preserve(tr_flag_off);
@@ -60,19 +53,14 @@ TEST(ControlSettings, PreserveOffDeletesTheAttributes) {
 }
 
 // A change of the undo mode forgets the whole history.
-TEST(ControlSettings, UndoModeForgetsTheHistory) {
-  CapturedOutput output;
-  trControl control;
-  control.start_undo("box");
-  add_to(control.triblock(), closed_box());
-  control.finish_undo(1);
-  EXPECT_EQ(control.undo_hist().current(), 0);
-  control.action_undomode(tr_flag_toggle);
-  EXPECT_EQ(control.undo_hist().current(), -1);
-  EXPECT_EQ(control.undo_hist().last(), -1);
+TEST_F(ControlSettings, UndoModeForgetsTheHistory) {
+  add_box(host, "box");
+  EXPECT_EQ(host.undo_hist().current(), 0);
+  host.action_undomode(tr_flag_toggle);
+  EXPECT_EQ(host.undo_hist().last(), -1);
 }
 
-TEST(ControlSettings, StlRangeIsCheckedAndPrinted) {
+TEST_F(ControlSettings, StlRangeIsCheckedAndPrinted) {
   struct Case {
     int start, stop;
     const char* text;
@@ -90,46 +78,100 @@ TEST(ControlSettings, StlRangeIsCheckedAndPrinted) {
        "Reading STL files: all triangles will be read.\n",
        1, 0},
   };
-  CapturedOutput output;
-  trControl control;
   for (const Case& c : cases) {
-    control.action_stlrange(c.start, c.stop);
+    host.action_stlrange(c.start, c.stop);
     EXPECT_EQ(output.take(), c.text);
-    EXPECT_EQ(control.stl_start(), c.kept_start);
-    EXPECT_EQ(control.stl_stop(), c.kept_stop);
+    EXPECT_EQ(host.stl_start(), c.kept_start);
+    EXPECT_EQ(host.stl_stop(), c.kept_stop);
   }
 }
 
-TEST(ControlSettings, EveryTextPassesTheTranslation) {
-  CapturedOutput output;
+TEST_F(ControlSettings, EveryTextPassesTheTranslation) {
+  made_before_main.print_system_params(1);
+  EXPECT_EQ(output.take(),
+            "System info...\n  Verbose printing is OFF\n  Full undo history is ON\n  Preserve is OFF\n  Trismooth is ON\n"
+            "  Formats: .mnx .mes .tri .stl .ast .kvx\n");
   const MarkingHook hook;
-  trControl control;
-  control.action_stlrange(3, 9);
+  host.action_stlrange(3, 9);
   EXPECT_EQ(output.take(), "<Reading STL files: <triangles 3< to 9< will be read.\n");
-  control.print_preserve();
-  EXPECT_EQ(output.take(), "<Preserve< is <OFF\n");
-  control.print_system_params(0);
+  host.print_system_params(0);
   EXPECT_EQ(output.take(),
             "<System info...\n  <Verbose printing< is <OFF\n  <Full undo history< is <ON\n"
             "<  Formats:< .mnx< .mes< .tri< .stl< .ast< .kvx\n");
 }
 
-TEST(ControlSettings, SystemParametersInFull) {
-  CapturedOutput output;
-  made_before_main.print_system_params(1);
-  EXPECT_EQ(output.take(),
-            "System info...\n  Verbose printing is OFF\n  Full undo history is ON\n  Preserve is OFF\n  Trismooth is ON\n"
-            "  Formats: .mnx .mes .tri .stl .ast .kvx\n");
+TEST_F(UndoBracket, SuccessKeepsTheRecordAndMarksTheMesh) {
+  add_box(host, "box");
+  EXPECT_EQ(host.triblock_changed(), 1);
+  EXPECT_EQ(host.undo_hist().current(), 0);
+  EXPECT_EQ(host.triblock().undo, nullptr);
+  EXPECT_EQ(output.take(), "");
+  host.start_undo("nothing");
+  host.finish_undo(1);
+  EXPECT_EQ(output.take(), no_effect);
+  EXPECT_EQ(host.undo_hist().current(), 0);
 }
 
-TEST(ControlSettings, DefaultsOfTheDefectLists) {
-  trControl control;
-  EXPECT_EQ(control.small_elems().tolerance(), 0.0001);
-  EXPECT_EQ(control.thin_elems().tolerance(), 0.0001);
-  EXPECT_EQ(control.overlap_elems().tolerance(), 2.5);
-  EXPECT_EQ(control.isect_elems().limit(), 1000);
-  EXPECT_EQ(control.overhang_elems().up_vector(), giUnitVec3(gi_z_axis));
-  EXPECT_EQ(control.stl_start(), 1);
-  EXPECT_TRUE(control.active_workplane().workplane().origin().invalid());
-  EXPECT_EQ(control.triblock_changed(), 0);
+// A failed edit is gone for good: it can neither be seen nor done again.
+TEST_F(UndoBracket, FailureTakesTheEditBackForGood) {
+  add_box(host, "box");
+  host.start_undo("half a deletion");
+  for (int e = 1; e <= 6; ++e) host.triblock().delete_element(e);
+  host.finish_undo(0);
+  EXPECT_EQ(output.take(), " AUTO UNDOING ...\n");
+  EXPECT_EQ(host.valid_elements(), 12);
+  EXPECT_TRUE(is_sound(host.triblock()));
+  EXPECT_EQ(host.undo_hist().last(), 0);
+  host.action_redo(1);
+  EXPECT_EQ(output.take(), "Nothing to redo.\n");
+  host.start_undo("nothing");
+  host.finish_undo(0);
+  EXPECT_EQ(output.take(), std::string(no_effect) + nothing_to_undo);
+}
+
+// Without an open record there is nothing to close: the operation before stays as it is.
+TEST_F(UndoBracket, FinishingTwiceDoesNotTouchTheOperationBefore) {
+  host.finish_undo(0);
+  add_box(host, "box");
+  host.finish_undo(0);
+  EXPECT_EQ(output.take(), std::string(nothing_to_undo) + nothing_to_undo);
+  EXPECT_EQ(host.valid_elements(), 12);
+  EXPECT_EQ(host.undo_hist().current(), 0);
+}
+
+// Steps are counted before the first one, and one more than there are records is taken, so that the history says that it has no more.
+TEST_F(UndoBracket, StepsStopOneBeyondTheLastRecord) {
+  for (const char* name : {"one", "two", "three"}) add_box(host, name);
+  const struct {
+    int steps;  // below 0: to undo
+    const char* text;
+    int elements;
+    std::size_t updates;
+  } cases[] = {{-10, "Nothing to undo.\n", 1, 1}, {-1, "Nothing to undo.\n", 1, 1}, {2, "", 25, 2}, {2, "Nothing to redo.\n", 37, 3}};
+  for (const auto& c : cases) {
+    c.steps < 0 ? host.action_undo(-c.steps) : host.action_redo(c.steps);
+    EXPECT_EQ(output.take(), c.text);
+    EXPECT_EQ(host.triblock().element_count(), c.elements);
+    EXPECT_EQ(host.updates.size(), c.updates);
+  }
+}
+
+// The same text for redo; and where there would have been a step to take, the host is told of an update although none was taken.
+TEST_F(UndoBracket, SenselessCountsAreAnswered) {
+  add_box(host, "box");
+  host.action_undo(0);
+  EXPECT_EQ(output.take(), " Error: it does not make sense to undo 0 times!\n");
+  EXPECT_EQ(host.updates, std::vector<int>{1});
+  EXPECT_EQ(host.undo_hist().current(), 0);
+  host.action_redo(-3);
+  EXPECT_EQ(output.take(), " Error: it does not make sense to undo -3 times!\n");
+  EXPECT_EQ(host.updates.size(), 1u);
+}
+
+TEST_F(UndoBracket, HistoryGoesToScreenAndFileAndClosesTheFile) {
+  add_box(host, "make a box");
+  CommandFile commands;
+  host.action_history(commands.file());
+  EXPECT_EQ(commands.text(), "Data not yet read from file.\n     1  make a box                    [8 nodes, 12 tri]");
+  EXPECT_EQ(output.take(), "Data not yet read from file.\n     1  make a box                         [8 nodes, 12 elems]\n");
 }

@@ -1,4 +1,4 @@
-// Orientation: every piece after its majority, then the whole mesh outward.
+// Orientation: every piece after its majority, then the whole mesh outward; and neighbours that are folded onto each other.
 
 #include <gtest/gtest.h>
 
@@ -7,6 +7,7 @@
 #include "analysis/orient_group.h"
 #include "oracles/shapes_literal.h"
 #include "support/interrupting_handler.h"
+#include "support/numbers.h"
 #include "support/random.h"
 #include "support/shapes.h"
 #include "support/validator.h"
@@ -29,41 +30,20 @@ class Deadline {
   std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
 };
 
-bool consistent_and_closed(trTriBlock& block) {
-  block.alter(0);
-  block.build_edges();
-  return listed_free_edges(block).empty();
+// Every page hangs on the same two nodes.
+Shape book() {
+  Shape shape{{{0, 0, 0}, {0, 0, 1}}, {}};
+  for (int k = 0; k < many; ++k) {
+    shape.points.emplace_back(std::cos(k), std::sin(k), 0);
+    shape.triangles.push_back({k % 2, 1 - k % 2, k + 2});
+  }
+  return shape;
 }
 
-void reverse_some(trTriBlock& block, Random& random, int one_in) {
-  for (int e = 1; e < block.element_count(); ++e) {
-    if (random.one_in(one_in)) block.reverse_element(e);
-  }
-}
-
-std::vector<int> second_corners(const trTriBlock& block) {
-  std::vector<int> result;
-  for (int e = 1; e < block.element_count(); ++e) result.push_back(block.element(e)[1]);
-  return result;
-}
-
-// A strip of n quadrilaterals, closed with half a turn.
-Shape moebius_strip(int n) {
-  Shape strip;
-  for (int k = 0; k < n; ++k) {
-    const double turn = 2 * std::acos(-1.0) * k / n;
-    for (double w : {-0.5, 0.5}) {
-      const double r = 2 + w * std::cos(turn / 2);
-      strip.points.emplace_back(r * std::cos(turn), r * std::sin(turn), w * std::sin(turn / 2));
-    }
-  }
-  for (int k = 0; k < n; ++k) {
-    const bool last = k == n - 1;
-    const int a = 2 * k, b = 2 * k + 1, c = last ? 1 : a + 2, d = last ? 0 : b + 2;
-    strip.triangles.push_back({a, c, b});
-    strip.triangles.push_back({b, c, d});
-  }
-  return strip;
+// Two triangles at the edge from (0,0,0) to (1,0,0); the second is turned about it by so many degrees, 0 being flat.
+Shape hinge(double degrees) {
+  const double turn = degrees * std::acos(-1.0) / 180;
+  return Shape{{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, -std::cos(turn), std::sin(turn)}}, {{0, 1, 2}, {1, 0, 3}}};
 }
 
 // Crowded edges, copies, gaps, elements that name a node twice: elements, the order in which they are reversed (by the
@@ -126,77 +106,11 @@ TEST(Orientation, AgreesWithTheWalkRoundEachElement) {
   EXPECT_GT(pieces, 1000);
 }
 
-TEST(Orientation, TurnsFlippedClosedSurfacesOutward) {
-  Random random(37);
-  const Shape shapes[] = {closed_box(), sphere(9), torus(12, 8), bumpy_sphere(800)};
-  for (int round = 0; round < 40; ++round) {
-    const Shape& shape = shapes[round % 4];
-    BlockOf block(shuffled(shape, random.bits()));
-    const double volume = block.volume();
-    reverse_some(block, random, random.between(1, 6));
-    block.orient_normals();
-    EXPECT_TRUE(consistent_and_closed(block));
-    EXPECT_NEAR(block.volume(), volume, 1e-9);
-    EXPECT_EQ(block.orient_normals(), 0);
-  }
-}
-
-// A consistent piece keeps status 1; a later piece whose seed is in the minority reverses its own elements of that
-// status, and no others.
-TEST(Orientation, LeavesAConsistentPieceAloneWhenALaterOneIsReversed) {
-  BlockOf block(closed_box({0, 0, 5}));
-  add_to(block, closed_box());
-  const std::vector<int> good = second_corners(block);
-  block.reverse_element(13);
-  block.reverse_element(17);
-  EXPECT_EQ(block.orient_normals(), 1);
-  EXPECT_EQ(second_corners(block), good);
-
-  block.reverse_element(13);
-  trOrienter orienter(&block);
-  for (int k = 0; k < 2; ++k) {
-    trOrientGroup group(&orienter);
-    group.find_seed();
-    group.find_connected_group();
-    EXPECT_EQ(group.do_reversals(), k);
-    EXPECT_EQ(group.group_index, k);
-  }
-  for (int e = 1; e <= 24; ++e) EXPECT_EQ(orienter.status(e), e <= 12 ? tr_orient_same : tr_orient_done);
-  EXPECT_EQ(orienter.status(0), tr_orient_ignore);
-  EXPECT_EQ(second_corners(block), good);
-}
-
-// Each piece by its own majority, whatever the others do; the direction of the highest piece decides for all.
-TEST(Orientation, TurnsAllPiecesWithTheTopmost) {
-  BlockOf block(closed_box());
-  add_to(block, closed_box({3, 0, 5}));
-  for (int e = 13; e <= 24; ++e) block.reverse_element(e);
-  EXPECT_DOUBLE_EQ(block.volume(), 0);
-  EXPECT_EQ(block.orient_normals(), 1);
-  for (int e = 1; e <= 12; ++e) EXPECT_EQ(block.element(e)[1], closed_box().triangles[std::size_t(e - 1)][2] + 1);
-  for (int e = 13; e <= 24; ++e) EXPECT_EQ(block.element(e)[1], closed_box().triangles[std::size_t(e - 13)][1] + 9);
-}
-
 // On a tie the seed, the lower number, keeps its orientation.
 TEST(Orientation, LetsTheSeedWinATie) {
   BlockOf block(Shape{{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {1, 1, 0}}, {{0, 1, 2}, {1, 2, 3}}});
   EXPECT_EQ(block.orient_normals(), 1);
-  EXPECT_EQ(second_corners(block), (std::vector<int>{2, 4}));
-}
-
-TEST(Orientation, EndsOnAMoebiusStrip) {
-  Random random(38);
-  for (int n : {3, 4, 7, 40}) {
-    BlockOf block(shuffled(moebius_strip(n), random.bits()));
-    block.orient_normals();
-    trOrienter orienter(&block);
-    trOrientGroup group(&orienter);
-    group.find_seed();
-    group.find_connected_group();
-    EXPECT_TRUE(group.non_orientable());
-    EXPECT_EQ(group.num_same + group.num_opposite, 2 * n);
-    EXPECT_TRUE(is_sound(block));
-  }
+  EXPECT_EQ(elements_of(block), (std::vector<std::array<int, 3>>{{1, 2, 3}, {2, 4, 3}}));
 }
 
 // The highest node by exact height; there, the element whose lower other corner is highest; on a further tie the first.
@@ -224,34 +138,25 @@ TEST(TopElement, IsAtTheHighestNodeTheOneWhoseLowerCornerIsHighest) {
   }
 }
 
-TEST(Orientation, TakesNodesAndEdgesOfManyElements) {
+TEST(Orientation, TakesManyElementsAtOneNodeAndAtOneEdgeAndManyPieces) {
   Random random(39);
-  BlockOf cone(shuffled(cone_fan(many), 8));
-  reverse_some(cone, random, 3);
-  Shape book{{{0, 0, 0}, {0, 0, 1}}, {}};
-  for (int k = 0; k < many; ++k) {
-    book.points.emplace_back(std::cos(k), std::sin(k), 0);
-    book.triangles.push_back({k % 2, 1 - k % 2, k + 2});
+  BlockOf cone(shuffled(cone_fan(many), 8)), pages(book());
+  for (int e = 1; e <= many; ++e) {
+    if (random.one_in(3)) cone.reverse_element(e);
   }
-  BlockOf pages(book);
-  const Deadline deadline(20);
+  Shape loose;
+  for (int k = 0; k < 5 * many; ++k) {
+    loose.triangles.push_back({3 * k, 3 * k + 1, 3 * k + 2});
+    loose.points.insert(loose.points.end(), {{double(k), 0, 0}, {double(k), 1, 0}, {double(k), 0, 1}});
+  }
+  BlockOf pieces(loose);
+  const Deadline deadline(40);
   EXPECT_EQ(cone.orient_normals(), 1);
   cone.build_edges();
   EXPECT_EQ(listed_free_edges(cone).size(), std::size_t{many});
   EXPECT_GT(cone.volume(), 0);
   EXPECT_EQ(pages.orient_normals(), 1);
-  EXPECT_TRUE(is_sound(pages));
-}
-
-TEST(Orientation, TakesManyLooseTriangles) {
-  Shape loose;
-  for (int k = 0; k < 500000; ++k) {
-    loose.triangles.push_back({3 * k, 3 * k + 1, 3 * k + 2});
-    loose.points.insert(loose.points.end(), {{double(k), 0, 0}, {double(k), 1, 0}, {double(k), 0, 1}});
-  }
-  BlockOf block(loose);
-  const Deadline deadline(20);
-  EXPECT_EQ(block.orient_normals(), 0);
+  EXPECT_EQ(pieces.orient_normals(), 0);
 }
 
 // Whatever is reversed until then stays reversed; the mesh is sound at any stop.
@@ -279,6 +184,83 @@ TEST(Orientation, IsInterruptedAtAnyPoll) {
   BlockOf block(closed_box());
   InterruptingHandler handler(3);
   EXPECT_EQ(block.find_top_element(), -2);
+}
+
+TEST(FindOverlapping, MeasuresTheAngleThatNeighboursEnclose) {
+  intcoPageArr out{5};
+  for (double turn : {0.0, 30.0, 90.0, 179.0, 180.0}) {
+    BlockOf block(hinge(turn));
+    EXPECT_NEAR(block.find_overlapping(giAngle::from_degrees(2.5), out).degrees(), 180 - turn, 1e-5);
+    EXPECT_EQ(numbers_in(out), turn > 178 ? (std::vector<int>{1, 2}) : std::vector<int>{});
+  }
+  // Neighbours that run the edge in the same direction do not count, nor do loose ones.
+  BlockOf block(hinge(180));
+  block.reverse_element(2);
+  EXPECT_EQ(block.find_overlapping(giAngle::from_degrees(200), out).degrees(), 180);
+  EXPECT_EQ(out.count(), 0);
+  EXPECT_EQ(trTriBlock().find_overlapping(giAngle::from_degrees(2.5), out).degrees(), 180);
+}
+
+// Crowded edges, gaps, copies and elements that name a node twice; tolerances that equal an angle of the mesh.
+TEST(FindOverlapping, AgreesWithTheWalkRoundEachElement) {
+  Random random(32);
+  int listed = 0, equal = 0;
+  for (int round = 0; round < 3000; ++round) {
+    trTriBlock block;
+    const int nodes = random.between(4, 9);
+    for (int i = 1; i <= nodes; ++i) block.set_node(i, giPoint3(random.below(4), random.below(4), random.below(3)));
+    const int last = random.between(2, 24);
+    for (int e = 1; e <= last; ++e) {
+      const int a = random.between(1, nodes), b = random.between(1, nodes), c = random.between(1, nodes);
+      if (a != b && b != c && c != a) block.set_element(e, a, b, c);
+      if (random.one_in(8)) block.set_element(e, a, random.one_in(2) ? a : b, b);
+      if (random.one_in(9) && block.element_count() > 1) block.delete_element(random.between(1, block.element_count() - 1));
+    }
+    std::vector<int> expected;
+    giAngle tol = giAngle::from_degrees(random.one_in(9) ? random.between(-1.0, 200.0) : random.between(0.0, 120.0));
+    if (random.one_in(2)) tol = find_overlapping_literal(block, tol, expected);
+    const giAngle sharpest = find_overlapping_literal(block, tol, expected);
+    intcoPageArr out;
+    ASSERT_EQ(block.find_overlapping(tol, out).radians(), sharpest.radians()) << "round " << round;
+    ASSERT_EQ(numbers_in(out), expected) << "round " << round;
+    listed += out.count();
+    equal += sharpest.radians() == tol.radians() && sharpest.degrees() < 179;
+  }
+  EXPECT_GT(listed, 3000);
+  EXPECT_GT(equal, 500);
+}
+
+TEST(FindOverlapping, TakesNodesOfManyElements) {
+  BlockOf cone(shuffled(cone_fan(many), 7));
+  intcoPageArr out;
+  EXPECT_GT(cone.find_overlapping(giAngle::from_degrees(2.5), out).degrees(), 179);
+  EXPECT_EQ(out.count(), 0);
+  BlockOf pages(book());
+  pages.find_overlapping(giAngle::from_degrees(60), out);
+  EXPECT_GT(out.count(), many / 10);
+  for (int k = 1; k < out.count(); ++k) ASSERT_LT(out[k - 1], out[k]);
+}
+
+// What was found until then is sorted as well. The element lists are made anew each time.
+TEST(FindOverlapping, IsInterruptedAtAnyPoll) {
+  BlockOf block(shuffled(bumpy_sphere(9000), 9));
+  intcoPageArr out;
+  const auto search = [&](int stop) {
+    InterruptingHandler handler(stop);
+    block.elements_referenced = 0;
+    block.find_overlapping(giAngle::from_degrees(170), out);
+    for (int k = 1; k < out.count(); ++k) EXPECT_LT(out[k - 1], out[k]);
+    return handler.polls;
+  };
+  const int polls = search(0);
+  EXPECT_GT(polls, 2 * block.valid_elements());
+  std::set<int> counts;
+  for (int k = 1; k <= 20; ++k) {
+    EXPECT_EQ(search(polls * k / 20), polls * k / 20);
+    counts.insert(out.count());
+    EXPECT_TRUE(is_sound(block));
+  }
+  EXPECT_GT(counts.size(), 3u);
 }
 
 }  // namespace

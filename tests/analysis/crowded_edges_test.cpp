@@ -1,23 +1,21 @@
-// Triangles on edges that more than two triangles share.
+// Triangles on edges that more than two triangles share, loose flaps among them, and deleting triangles from blocks of any kind.
 
 #include <gtest/gtest.h>
 
 #include <chrono>
 
+#include "analysis/remove_simple_fin.h"
 #include "mesh/containers.h"
 #include "oracles/sick_literal.h"
+#include "platform/digitiser/delete_triangles.h"
+#include "platform/digitiser/tri_utils.h"
 #include "support/interrupting_handler.h"
+#include "support/numbers.h"
 #include "support/random.h"
 #include "support/shapes.h"
 #include "support/validator.h"
 
 namespace {
-
-std::vector<int> numbers_in(const intcoPageArr& list) {
-  std::vector<int> numbers;
-  for (int k = 0; k < list.count(); ++k) numbers.push_back(list[k]);
-  return numbers;
-}
 
 std::vector<int> sick(const trTriBlock& block, int mode) {
   intcoPageArr list{7, 7};  // what it held before is no part of the result
@@ -35,6 +33,27 @@ std::vector<LiteralEdge> sick_edges(const trTriBlock& block, int mode) {
     edges.push_back({list[k].start_node(), list[k].end_node(), numbers_in(elements)});
   }
   return edges;
+}
+
+using Links = std::vector<std::vector<int>>;
+
+Links in_vectors(const giLinkcoPageArr& links) {
+  Links result;
+  for (int t = 0; t < links.count(); ++t) result.push_back({links[t][0], links[t][1], links[t][2]});
+  return result;
+}
+
+Links held_links(const giTriBlock& block) {
+  giLinkArrcoFeature feature;
+  return block.find(feature) ? in_vectors(feature.data()->links) : Links();
+}
+
+std::vector<int> deleted_elements(const trTriBlock& block) {
+  std::vector<int> deleted;
+  for (int e = 1; e < block.element_count(); ++e) {
+    if (!block.element(e).valid()) deleted.push_back(e);
+  }
+  return deleted;
 }
 
 // Nodes 1 and 2 are the ends of an edge of length 2; every further triangle stands on it, and its area is its height.
@@ -74,15 +93,6 @@ TEST(FindSick, KeepsTheTwoLargestOfAnEdge) {
     EXPECT_EQ(sick(block, 1), c.smaller) << testing::PrintToString(c.areas);
     EXPECT_EQ(sick(block, -3), c.smaller) << testing::PrintToString(c.areas);
   }
-}
-
-TEST(FindSick, FindsNothingOnAClosedSurface) {
-  BlockOf block(shuffled(torus(12, 9), 1));
-  block.changed = 0;
-  EXPECT_EQ(sick(block, 0), std::vector<int>());
-  EXPECT_EQ(block.cure_sick(0), 0);
-  EXPECT_EQ(block.cure_sick_fins(), 0);
-  EXPECT_EQ(block.changed, 0);
 }
 
 // A rewritten element stands twice in the lists of the nodes that it keeps, and the first of the two ends the walk of
@@ -160,36 +170,6 @@ TEST(FindSick, AgreesWithTheRulesOnWornMeshes) {
   EXPECT_GT(crowded, 3000);
 }
 
-// By a count of all edges, in place of the walk round nodes.
-TEST(FindSick, LeavesAtMostTwoTrianglesOnAnEdge) {
-  Random random(12);
-  int cured = 0;
-  for (int round = 0; round < 300; ++round) {
-    trTriBlock block;
-    for (int i = 1; i <= 10; ++i) block.set_node(i, giPoint3(random.unit(), random.unit(), random.unit()));
-    for (int k = 0; k < 24; ++k) block.generate(1 + random.below(10), 1 + random.below(10), 1 + random.below(10));
-    const auto counts = [&block] {
-      std::map<std::pair<int, int>, std::set<int>> on_edge;
-      for (int e = 1; e < block.element_count(); ++e) {
-        const trElement& t = block.element(e);
-        for (int k = 0; t.valid() && k < 3; ++k) on_edge[std::minmax(t[k], t[(k + 1) % 3])].insert(e);
-      }
-      return on_edge;
-    };
-    std::set<int> expected;
-    for (const auto& [edge, elements] : counts()) {
-      if (elements.size() > 2) expected.insert(elements.begin(), elements.end());
-    }
-    ASSERT_EQ(sick(block, 0), std::vector<int>(expected.begin(), expected.end()));
-    block.changed = 0;
-    ASSERT_EQ(block.cure_sick(1), !expected.empty());
-    ASSERT_EQ(block.changed, !expected.empty());
-    for (const auto& [edge, elements] : counts()) ASSERT_LE(elements.size(), 2u);
-    cured += !expected.empty();
-  }
-  EXPECT_GT(cured, 200);
-}
-
 TEST(FindSick, KeepsWhatItHasWhenInterrupted) {
   Random random(13);
   trTriBlock block;
@@ -237,6 +217,110 @@ TEST(FindSick, BearsAHub) {
   EXPECT_EQ(sick(block, 0).size(), static_cast<std::size_t>(2 * many - 1));
   EXPECT_EQ(sick_edges(block, 0).size(), static_cast<std::size_t>(many));
   EXPECT_LT(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count(), 20.0);
+}
+
+TEST(Fins, FlapGoesAndTheTwoThatAreLeftBecomeNeighbours) {
+  BlockOf block(closed_box());
+  const int a = block.element(1)[0];
+  const int b = block.element(1)[1];
+  const Links before = links_literal(block);
+  block.set_node(9, giPoint3(5, 5, 9));
+  const int flap = block.generate(a, b, 9);
+  block.build_edges();
+  block.changed = 0;
+  EXPECT_EQ(block.cure_sick_fins(), 1);
+  EXPECT_EQ(deleted_elements(block), std::vector<int>{flap});
+  EXPECT_EQ(block.changed, 1);
+  EXPECT_EQ(block.edges_built, 0);
+  Links after = held_links(block);
+  EXPECT_EQ(after.back(), (std::vector<int>{-1, -1, -1}));
+  after.pop_back();
+  EXPECT_EQ(after, before);
+  EXPECT_EQ(block.cure_sick_fins(), 0);
+}
+
+TEST(Fins, AgreeWithTheRulesOnRandomMeshes) {
+  Random random(21);
+  int with_fins = 0;
+  for (int round = 0; round < 2000; ++round) {
+    trTriBlock block;
+    const int nodes = random.between(4, 9);
+    const auto any_node = [&] { return random.between(1, nodes); };
+    for (int i = 1; i <= nodes; ++i) block.set_node(i, giPoint3(i, i * i, random.below(5)));
+    for (int k = random.between(3, 12); k > 0; --k) block.generate(any_node(), any_node(), any_node());
+    if (block.element_count() > 1) block.delete_element(1 + random.below(block.element_count() - 1));
+    ASSERT_EQ(in_vectors(digTriUtils::get_tri_links(block)), links_literal(block)) << "round " << round;
+    std::vector<int> gone = deleted_elements(block);
+    const std::vector<int> fins = fins_literal(block);
+    gone.insert(gone.end(), fins.begin(), fins.end());
+    std::sort(gone.begin(), gone.end());
+    ASSERT_EQ(block.cure_sick_fins(), static_cast<int>(fins.size())) << "round " << round;
+    ASSERT_EQ(deleted_elements(block), gone) << "round " << round;
+    ASSERT_TRUE(is_sound(block));
+    with_fins += !fins.empty();
+  }
+  EXPECT_GT(with_fins, 200);
+}
+
+// A host's own block counts from 0 and deletes nothing in place: what lies behind a fin closes up, with its colour.
+TEST(Fins, ClosesTheGapsOfAHostsBlock) {
+  const Shape box = closed_box();
+  giTriBlock pool;
+  giTriArrcoFeature triangles;
+  giTriCols colours;
+  pool.check_out(triangles);
+  pool.check_out(colours);
+  auto& array = triangles.data()->triangles;
+  const int a = box.triangles[0][0];
+  const int b = box.triangles[0][1];
+  array[0] = giTriangle(a, b, 8);
+  for (int t = 0; t < 12; ++t) array[t + 1] = giTriangle(box.triangles[t][0], box.triangles[t][1], box.triangles[t][2]);
+  for (int t = 0; t < 13; ++t) (*colours.data())[t] = giColour(t, 0, 0, 255);
+  const Links whole = in_vectors(digTriUtils::get_tri_links(pool));
+
+  trEdgeConnection edge(b, a);
+  edge.add_triangle(0);
+  edge.add_triangle(1);
+  edge.add_triangle(whole[1][0]);
+  trEdgeConnectioncoPageArr edges{edge};
+  intintcoTable node_map;
+  intintcoTable elem_map;
+  EXPECT_EQ(trRemoveSimpleFin(edges, &pool).remove_fins(&node_map, &elem_map), 1);
+  ASSERT_EQ(array.count(), 12);
+  EXPECT_EQ(node_map.count(), 0);
+  EXPECT_EQ(elem_map.count(), 12);
+  for (int t = 0; t < 12; ++t) {
+    EXPECT_EQ(elem_map.value(t + 1, -1), t);
+    for (int k = 0; k < 3; ++k) EXPECT_EQ(array[t][k], box.triangles[t][k]);
+    EXPECT_EQ((*colours.data())[t].red(), t + 1);
+  }
+  EXPECT_EQ(colours.data()->count(), 12);
+  const Links kept = held_links(pool);
+  EXPECT_EQ(kept, in_vectors(digTriUtils::get_tri_links(pool)));
+}
+
+TEST(DeleteTriangles, TakesUnusedNodesAlongWhereAsked) {
+  giTriBlock pool;
+  EXPECT_EQ(digDeleteTriangles(pool, {1}).delete_triangles(1, 1, nullptr, nullptr), 1);
+  giTriArrcoFeature triangles;
+  giNodeXYZ points;
+  pool.check_out(triangles);
+  pool.check_out(points);
+  for (int i = 0; i < 6; ++i) points.data()->points[i] = giPoint3(i, 0, 0);
+  triangles.data()->triangles[0] = giTriangle(0, 1, 2);
+  triangles.data()->triangles[1] = giTriangle(2, 4, 99);  // a node that the pool does not have
+  intintcoTable node_map;
+  const intcoSet first{0, 77, -5};
+  EXPECT_EQ(digDeleteTriangles(pool, first).delete_triangles(1, 0, &node_map, nullptr), 0);
+  ASSERT_EQ(triangles.data()->triangles.count(), 1);
+  const giTriangle& left = triangles.data()->triangles[0];
+  EXPECT_EQ(left[0], 0);
+  EXPECT_EQ(left[1], 1);
+  EXPECT_EQ(left[2], 99);
+  ASSERT_EQ(points.data()->points.count(), 2);
+  EXPECT_EQ(points.data()->points[1].x, 4);
+  EXPECT_EQ(node_map.count(), 2);
+  EXPECT_EQ(node_map.value(4, -1), 1);
 }
 
 }  // namespace
