@@ -44,6 +44,7 @@ double seconds_of_edit(Subject& subject, const ControlAction& action) {
 
 void Growth::run() {
   for (const GrowthInput& input : growth_inputs()) {
+    if (!is_asked_for(input.name, options_.inputs)) continue;
     for (const std::size_t facets : model_sizes) {
       if (facets <= options_.largest_size && (!input.is_small || facets <= largest_small_size)) run_size(input, facets);
     }

@@ -13,7 +13,8 @@ struct GrowthScale;
 
 struct GrowthOptions {
   std::size_t largest_size = 0;
-  std::string only;  ///< actions whose name holds one of these texts; empty: all
+  std::string only;    ///< actions whose name holds one of these texts; empty: all
+  std::string inputs;  ///< inputs whose name holds one of these texts; empty: all
 };
 
 /// How the time of each action of the controller grows with the size of each growth input: the action on a mesh just read, then taking

@@ -2,7 +2,8 @@
 //
 //   mendex_bench [--benchmark_...]            every measure through Google Benchmark (its options choose and format)
 //   mendex_bench --summary [--max-triangles=N] [--rounds=K] [--patience=SECONDS] [--only=TEXT,...] [--parts=times,memory,growth]
-//                [--strict]                   the tables of docs/performance.md; with --strict ends with 1 when a goal
+//                [--inputs=TEXT,...] [--strict]
+//                                             the tables of docs/performance.md; with --strict ends with 1 when a goal
 //                                             is missed
 //   mendex_bench --write-models FOLDER N      an ordered and a shuffled binary STL file of N triangles
 //   mendex_bench --boundary-probe FILE        reads one file, detects its boundary unmerged and prints its peak memory
@@ -85,6 +86,8 @@ int summary(int argc, char** argv) {
       options.rounds = std::atoi(rounds);
     } else if (const char* patience = value_of(argv[k], "--patience=")) {
       options.patience = std::strtod(patience, nullptr);
+    } else if (const char* inputs = value_of(argv[k], "--inputs=")) {
+      options.inputs = inputs;
     } else if (const char* parts = value_of(argv[k], "--parts=")) {
       options.parts = parts;
     } else if (const char* only = value_of(argv[k], "--only=")) {
