@@ -26,30 +26,30 @@ Block open_cone(int edges) {
   return block;
 }
 
-double time_cap(trTriBlock& block, double spacing) {
+Cost time_cap(trTriBlock& block, double spacing) {
   trCycleArray set(&block);
   require(set.num_boundaries() == 1, "boundaries of a cone");
   set.selection.add(0);
   at2PlaneError error = at2_success;
-  const double seconds = seconds_of([&] { set.cap_holes(spacing, 1e-7, error, 0); });
+  const Cost cost = cost_of([&] { set.cap_holes(spacing, 1e-7, error, 0); });
   require(error == at2_success && set.num_boundaries() == 0, "cap of a cone");
-  return seconds;
+  return cost;
 }
 
 // A net of equilateral triangles has one node to each sqrt(3) / 2 of the squared spacing.
-double time_cap_round(const Model& model) {
+Cost time_cap_round(const Model& model) {
   const double nodes = static_cast<double>(std::min(model.facets(), most_nodes));
   const double spacing = std::sqrt(pi / (std::sqrt(0.75) * nodes));
   const Block block = open_cone(static_cast<int>(2.0 * pi / spacing));
   const int before = block->node_count();
-  const double seconds = time_cap(*block, spacing);
+  const Cost cost = time_cap(*block, spacing);
   const double made = block->node_count() - before;
   require(made > 0.8 * nodes && made < 1.25 * nodes, "number of nodes in a cap");
-  return seconds;
+  return cost;
 }
 
 // An edge for every ten facets, 10^4 for 10^5, and a spacing far above their length: the nodes thin out towards the middle.
-double time_cap_rim(const Model& model) {
+Cost time_cap_rim(const Model& model) {
   const int edges = static_cast<int>(std::min(model.facets(), most_nodes) / 10);
   const Block block = open_cone(edges);
   return time_cap(*block, 0.125);

@@ -11,49 +11,49 @@ namespace {
 enum class Edges { built, stale };
 
 template <Edges edges>
-double time_detect(const Model& model) {
+Cost time_detect(const Model& model) {
   const Block block = merged_block(model);
   if (edges == Edges::built) block->build_edges();
   const trCycleArray set(block.get());
   int boundaries = -1;
-  const double seconds = seconds_of([&] { boundaries = set.num_boundaries(); });
+  const Cost cost = cost_of([&] { boundaries = set.num_boundaries(); });
   require(boundaries == 0 && set.detected(), "boundaries of a closed surface");
-  return seconds;
+  return cost;
 }
 
-double time_detect_soup(const Model& model) {
+Cost time_detect_soup(const Model& model) {
   const Block block = loaded_block(model);
   const trCycleArray set(block.get());
   int boundaries = -1;
-  const double seconds = seconds_of([&] { boundaries = set.num_boundaries(); });
+  const Cost cost = cost_of([&] { boundaries = set.num_boundaries(); });
   require(static_cast<std::size_t>(boundaries) == model.facets(), "boundaries of loose triangles");
   require(static_cast<std::size_t>(set.num_edges()) == 3 * model.facets(), "free edges of loose triangles");
-  return seconds;
+  return cost;
 }
 
 // Every triangle coincides with its neighbours' edges: the gap is 0, and most of the time goes into the tree.
-double time_measure_distance(const Model& model) {
+Cost time_measure_distance(const Model& model) {
   const Block block = loaded_block(model);
   trCycleArray set(block.get());
   set.num_boundaries();
   giPoint3 from, to;
   giLength gap;
-  const double seconds = seconds_of([&] { gap = set.measure_distance(from, to); });
+  const Cost cost = cost_of([&] { gap = set.measure_distance(from, to); });
   require(gap.is_set() && gap.value() < model.shortest_edge(), "gap between loose triangles");
-  return seconds;
+  return cost;
 }
 
-double time_section(const Model& model) {
+Cost time_section(const Model& model) {
   const Block block = merged_block(model);
   trSection section(block.get());
   const giBox3& box = block->box();
-  const double seconds = seconds_of([&] { section.section(gi_z_axis, 0.5 * (box.min().z + box.max().z)); });
+  const Cost cost = cost_of([&] { section.section(gi_z_axis, 0.5 * (box.min().z + box.max().z)); });
   require(section.n_boundaries() >= 2, "section of a torus");
   for (int b = 0; b < section.n_boundaries(); ++b) {
     require(section.boundary_point(b, 0) == section.boundary_point(b, section.n_boundary_points(b) - 1),
             "open section");
   }
-  return seconds;
+  return cost;
 }
 
 }  // namespace

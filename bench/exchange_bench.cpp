@@ -17,27 +17,27 @@ void give_to_host(const Model& model, giTriBlock& pool) {
   for (int k = 0; k < count; ++k) (*colours.data())[k] = tr_decode_colour(k);
 }
 
-double time_fill(const Model& model) {
+Cost time_fill(const Model& model) {
   giTriBlock pool;
   give_to_host(model, pool);
   trControl control;
-  const double seconds = seconds_of([&] { control.action_fill_triblock(pool); });
+  const Cost cost = cost_of([&] { control.action_fill_triblock(pool); });
   check_merged(control.triblock(), model);
   require(control.triblock().get_element_colour(1000) == 999, "colours of the host");
-  return seconds;
+  return cost;
 }
 
-double time_give(const Model& model) {
+Cost time_give(const Model& model) {
   giTriBlock pool;
   give_to_host(model, pool);
   trControl control;
   control.action_fill_triblock(pool);
   giTriBlock out;
-  const double seconds = seconds_of([&] { control.triblock().get_giTriBlock(out); });
+  const Cost cost = cost_of([&] { control.triblock().get_giTriBlock(out); });
   giTriArrcoFeature triangles;
   require(out.find(triangles) != 0, "triangles for the host");
   require(static_cast<std::size_t>(triangles.data()->triangles.count()) == model.facets(), "number of triangles for the host");
-  return seconds;
+  return cost;
 }
 
 }  // namespace

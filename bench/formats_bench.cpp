@@ -21,34 +21,34 @@ int write_flat_tri(trTriWrite& writer) { return writer.write_tri(); }
 int write_smooth_tri(trTriWrite& writer) { return writer.write_smooth_tri(); }
 int write_kvx(trTriWrite& writer) { return writer.write_kvx(); }
 
-double time_writing(const Model& model, Writing write) {
+Cost time_writing(const Model& model, Writing write) {
   const Block block = merged_block(model);
   auto writer = std::make_unique<trTriWrite>(block.get(), open_file(model.output_file(), "wb").release(), 1.0);
   int done = 0;
-  const double seconds = seconds_of([&] {
+  const Cost cost = cost_of([&] {
     done = write(*writer);
     writer.reset();  // closes the file
   });
   require(done == 1, "a writer failed");
-  return seconds;
+  return cost;
 }
 
 template <Writing write>
-double time_write(const Model& model) {
+Cost time_write(const Model& model) {
   return time_writing(model, write);
 }
 
 // Reads back what the writer makes of the mesh.
 template <Writing write, Reading read>
-double time_read(const Model& model) {
+Cost time_read(const Model& model) {
   time_writing(model, write);
   trTriBlock block;
   trTriRead reader(&block, open_file(model.output_file(), "rb").release(), 0, 0);
   int done = 0;
-  const double seconds = seconds_of([&] { done = (reader.*read)(); });
+  const Cost cost = cost_of([&] { done = (reader.*read)(); });
   require(done == 1, "a reader failed");
   require(static_cast<std::size_t>(block.valid_elements()) == model.facets(), "elements that were read");
-  return seconds;
+  return cost;
 }
 
 }  // namespace

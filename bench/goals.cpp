@@ -8,7 +8,6 @@
 
 namespace {
 
-constexpr FacetOrder orders[] = {FacetOrder::ordered, FacetOrder::shuffled};
 constexpr const char* merges[] = {"unduplicate_exact", "unduplicate_1e-6_edge", "unduplicate_0.1_edge"};
 
 // Text formats: what a triangle of the merged mesh, with its half of a vertex, takes in the file.
@@ -56,21 +55,43 @@ class Judge {
     return facts_.results.seconds(measure, facts_.judged_size, order);
   }
 
+  // Ours over the fastest of the peers that ran.
+  void peer(const std::string& measure, FacetOrder order, double limit) {
+    double least = not_measured;
+    std::string fastest;
+    for (const Measure& other : all_measures()) {
+      if (other.peer_of != measure || !(facts_.results.seconds(other.name, facts_.judged_size, order) > 0.0)) continue;
+      const double time = facts_.results.seconds(other.name, facts_.judged_size, order);
+      if (time >= least) continue;
+      least = time;
+      fastest = other.name;
+    }
+    at_most(measure + " / " + fastest + ", " + name_of(order), limit, seconds(measure, order) / least);
+  }
+
+  void peer(const std::string& measure, double limit) {
+    for (const FacetOrder order : orders) peer(measure, order, limit);
+  }
+
   // The worst exponent of any operation, and every other that is above the limit.
   void growth(double limit) {
-    if (facts_.largest_size <= growth_start) return;
     std::vector<GoalLine> found;
     for (const Measure& measure : all_measures()) {
-      if (measure.is_floor()) continue;
+      if (measure.is_floor() || measure.is_peer()) continue;
       for (const FacetOrder order : orders) {
-        const double exponent = facts_.results.growth(measure.name, growth_start, facts_.largest_size, order);
+        const double exponent = facts_.results.growth(measure.name, growth_start, order);
         if (!std::isnan(exponent))
           found.push_back({"growth exponent, " + measure.name + ", " + name_of(order), limit, false, exponent});
       }
     }
-    std::sort(found.begin(), found.end(), [](const GoalLine& a, const GoalLine& b) { return a.value > b.value; });
-    for (std::size_t k = 0; k < found.size(); ++k) {
-      if (k == 0 || !found[k].met()) lines_.push_back(found[k]);
+    for (GoalLine& line : worst_and_missed(std::move(found))) lines_.push_back(std::move(line));
+  }
+
+  // The most bytes a triangle, above what was in use before.
+  void bytes(const std::string& measure, double limit) {
+    for (const FacetOrder order : orders) {
+      at_most(measure + ", bytes a triangle, " + name_of(order), limit,
+              facts_.results.bytes(measure, facts_.judged_size, order) / static_cast<double>(facts_.judged_size));
     }
   }
 
@@ -80,6 +101,45 @@ class Judge {
   const RunFacts& facts_;
   std::vector<GoalLine> lines_;
 };
+
+// Beside what a user would take instead. An operation of ours also numbers, journals and keeps lists, hence limits above 1; what misses
+// its limit by the fastest of them is too slow for anybody. Floors stand for peers that no driver here can time.
+void judge_peers(Judge& judge) {
+  judge.peer("read_stl", 1.8);
+  judge.peer("unduplicate_0.1_edge", 0.45);
+  judge.peer("unduplicate_exact", FacetOrder::shuffled, 1.5);
+  judge.peer("merge_and_link", FacetOrder::shuffled, 1.0);
+  judge.peer("build_edges", FacetOrder::shuffled, 1.0);
+  judge.ratio("build_edges", "flat_link", FacetOrder::shuffled, 2.0);
+  judge.peer("find_sick", 10.0);
+  judge.peer("orient_normals", 3.5);
+  for (const char* measure : {"isect_clean", "isect_overlapping"}) {
+    judge.peer(measure, FacetOrder::ordered, 0.5);
+    judge.peer(measure, FacetOrder::shuffled, 0.35);
+  }
+  judge.peer("fill_1000_holes_journalled", 5.0);
+  for (const char* measure : {"close_cracks", "close_t_junctions", "write_stl"}) judge.peer(measure, 1.0);
+  judge.peer("weld_file", FacetOrder::ordered, 1.0);
+  judge.peer("weld_file", FacetOrder::shuffled, 0.25);
+}
+
+// The worst of all lines from the start of growth up.
+void judge_memory(Judge& judge, const RunFacts& facts) {
+  MemoryUse worst{not_measured, not_measured, not_measured, not_measured};
+  for (const MemoryLine& line : facts.memory) {
+    if (line.facets < growth_start) continue;
+    worst.after_reading = std::fmax(worst.after_reading, line.use.after_reading);
+    worst.while_merging = std::fmax(worst.while_merging, line.use.while_merging);
+    worst.file_reading = std::fmax(worst.file_reading, line.use.file_reading);
+    worst.boundary_of_soup = std::fmax(worst.boundary_of_soup, line.use.boundary_of_soup);
+  }
+  judge.at_most("bytes a triangle, after reading", 220.0, worst.after_reading);
+  judge.at_most("bytes a triangle more, while merging", 60.0, worst.while_merging);
+  judge.at_most("memory while reading a file / after it, worst format", 1.1, worst.file_reading);
+  judge.at_most("bytes a triangle more, boundary of a soup", 150.0, worst.boundary_of_soup);
+  if (facts.judged_size < growth_start) return;
+  for (const char* measure : {"repair_file", "repair_strips_file"}) judge.bytes(measure, 450.0);
+}
 
 }  // namespace
 
@@ -107,8 +167,6 @@ std::vector<GoalLine> judge_goals(const RunFacts& facts) {
   }
   for (const char* measure : {"isect_sheet", "isect_graded"}) judge.ratio(measure, "flat_parse", 60.0);
   judge.ratio("isect_fan", "flat_parse", 6.0);  // of a tenth of the triangles
-  judge.ratio("isect_clean", "isect_clean_cgal", 0.5);
-  judge.ratio("isect_overlapping", "isect_overlapping_cgal", 0.5);
   judge.ratio("write_stl", "flat_write", 2.0);
   judge.ratio("write_ast", "flat_write_ascii", 2.0);
   judge.ratio("find_thin", "flat_parse", 3.0);
@@ -139,12 +197,14 @@ std::vector<GoalLine> judge_goals(const RunFacts& facts) {
   judge.ratio("section", "flat_parse", 2.0);
   judge.at_most("fit_surface, 10^4 points, seconds", 0.5,
                 facts.results.seconds("fit_surface", 10'000, FacetOrder::ordered));
-  judge.growth(1.15);
-  if (facts.memory) {
-    judge.at_most("bytes a triangle, after reading", 220.0, facts.memory->after_reading);
-    judge.at_most("bytes a triangle more, while merging", 60.0, facts.memory->while_merging);
-    judge.at_most("memory while reading a file / after it, worst format", 1.1, facts.memory->file_reading);
-    judge.at_most("bytes a triangle more, boundary of a soup", 150.0, facts.memory->boundary_of_soup);
-  }
+  judge_peers(judge);
+  judge.growth(growth_limit);
+  judge_memory(judge, facts);
   return judge.take();
+}
+
+std::vector<GoalLine> worst_and_missed(std::vector<GoalLine> lines) {
+  std::sort(lines.begin(), lines.end(), [](const GoalLine& a, const GoalLine& b) { return a.value > b.value; });
+  while (lines.size() > 1 && lines.back().met()) lines.pop_back();
+  return lines;
 }

@@ -1,19 +1,27 @@
 #pragma once
 
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "memory_probe.h"
 #include "results.h"
 
+constexpr FacetOrder orders[] = {FacetOrder::ordered, FacetOrder::shuffled};
+
+struct MemoryLine {
+  std::size_t facets = 0;
+  FacetOrder order = FacetOrder::ordered;
+  const char* tolerance = "";
+  MemoryUse use;
+};
+
 /// The facts of one run that goals are judged by.
 struct RunFacts {
   Results results;
-  std::size_t judged_size = 0;      ///< facets at which ratios are judged: 10^6, or the largest below that was measured
-  std::size_t largest_size = 0;     ///< end of the growth exponent
-  double ascii_bytes = 0.0;         ///< of the ASCII file of the judged size; 0 when it was not measured
-  std::optional<MemoryUse> memory;  ///< the worst from `growth_start` facets up
+  std::vector<std::size_t> sizes;
+  std::size_t judged_size = 0;  ///< facets at which ratios are judged: 10^6, or the largest below that was measured
+  double ascii_bytes = 0.0;     ///< of the ASCII file of the judged size; 0 when it was not measured
+  std::vector<MemoryLine> memory;
 };
 
 struct GoalLine {
@@ -27,5 +35,9 @@ struct GoalLine {
 
 /// The size from which growth is counted: below it fixed costs and caches rule.
 constexpr std::size_t growth_start = 100'000;
+constexpr double growth_limit = 1.15;
 
 std::vector<GoalLine> judge_goals(const RunFacts& facts);
+
+/// Of lines with one limit the worst, and every other that misses it, the worst first.
+std::vector<GoalLine> worst_and_missed(std::vector<GoalLine> lines);

@@ -1,25 +1,29 @@
 // mendex_bench: times the library beside plain loops that do the same work.
 //
 //   mendex_bench [--benchmark_...]            every measure through Google Benchmark (its options choose and format)
-//   mendex_bench --summary [--max-triangles=N] [--rounds=K] [--only=TEXT] [--strict]
+//   mendex_bench --summary [--max-triangles=N] [--rounds=K] [--patience=SECONDS] [--only=TEXT,...] [--parts=times,memory,growth]
+//                [--inputs=TEXT,...] [--strict]
 //                                             the tables of docs/performance.md; with --strict ends with 1 when a goal
 //                                             is missed
 //   mendex_bench --write-models FOLDER N      an ordered and a shuffled binary STL file of N triangles
 //   mendex_bench --boundary-probe FILE        reads one file, detects its boundary unmerged and prints its peak memory
 //   mendex_bench --reading-probe FILE         reads one file of any format and prints its peak memory
 //   mendex_bench --memory-probe FILE TOL      reads and merges one file and prints its peak memory
+//   mendex_bench --program-probe PROGRAM ...  runs a program and prints its processor time and its peak memory
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <ostream>
+#include <sstream>
 #include <string_view>
 
 #include "measure.h"
 #include "memory_probe.h"
 #include "progress/output.h"
 #include "summary.h"
+#include "support/child.h"
 #include "support/files.h"
 #include "support/timing.h"
 
@@ -40,7 +44,7 @@ void run_benchmark(benchmark::State& state, const Measure& measure, FacetOrder o
   const auto facets = static_cast<std::size_t>(state.range(0));
   try {
     const Model& model = current_model(facets, order);
-    for ([[maybe_unused]] auto unused : state) state.SetIterationTime(measure.seconds(model));
+    for ([[maybe_unused]] auto unused : state) state.SetIterationTime(measure.run(model).seconds);
   } catch (const std::exception& problem) {
     state.SkipWithError(problem.what());
   }
@@ -80,6 +84,12 @@ int summary(int argc, char** argv) {
       options.largest_size = std::strtoull(size, nullptr, 10);
     } else if (const char* rounds = value_of(argv[k], "--rounds=")) {
       options.rounds = std::atoi(rounds);
+    } else if (const char* patience = value_of(argv[k], "--patience=")) {
+      options.patience = std::strtod(patience, nullptr);
+    } else if (const char* inputs = value_of(argv[k], "--inputs=")) {
+      options.inputs = inputs;
+    } else if (const char* parts = value_of(argv[k], "--parts=")) {
+      options.parts = parts;
     } else if (const char* only = value_of(argv[k], "--only=")) {
       options.only = only;
     } else if (std::string_view(argv[k]) == "--strict") {
@@ -108,6 +118,7 @@ int run(int argc, char** argv) {
   if (mode == "--boundary-probe" && argc == 3) return run_boundary_probe(argv[2]);
   if (mode == "--reading-probe" && argc == 3) return run_reading_probe(argv[2]);
   if (mode == "--memory-probe" && argc == 4) return run_memory_probe(argv[2], argv[3]);
+  if (mode == "--program-probe" && argc > 2) return run_program_probe(argv + 2);
   return run_google_benchmark(argc, argv);
 }
 
@@ -130,7 +141,19 @@ std::vector<Measure> all_measures() {
   add_slice_measures(list);
   add_surface_measures(list);
   add_undo_measures(list);
+  add_program_measures(list);
+  add_peer_measures(list);
   return list;
+}
+
+bool is_asked_for(const std::string& name, const std::string& texts) {
+  std::istringstream stream(texts);
+  bool has_text = false;
+  for (std::string text; std::getline(stream, text, ',');) {
+    has_text = true;
+    if (name.find(text) != std::string::npos) return true;
+  }
+  return !has_text;
 }
 
 int main(int argc, char** argv) {

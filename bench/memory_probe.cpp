@@ -11,6 +11,7 @@
 #include "formats/tri_read.h"
 #include "mesh/tri_block.h"
 #include "support/check.h"
+#include "support/child.h"
 #include "support/files.h"
 #include "support/peak_memory.h"
 
@@ -21,15 +22,9 @@ void read_block(trTriBlock& block, const char* stl_file) {
   require(reader.read_stl(1, 0) == 1, "read_stl failed");
 }
 
-// What this program prints when it is started with the arguments; fewer numbers when it fails.
-std::vector<double> numbers_of(const std::string& arguments) {
-  const std::string program = std::filesystem::read_symlink("/proc/self/exe").string();
-  std::FILE* output = popen(("'" + program + "' " + arguments).c_str(), "r");
-  std::vector<double> numbers;
-  if (output == nullptr) return numbers;
-  for (double number = 0.0; std::fscanf(output, "%lf", &number) == 1;) numbers.push_back(number);
-  if (pclose(output) != 0) numbers.clear();
-  return numbers;
+// This program, started for one of the probes.
+std::string probe(const std::string& mode, const std::filesystem::path& file) {
+  return quoted(this_program()) + " " + mode + " " + quoted(file);
 }
 
 // The worst over the formats, which are written beside the model.
@@ -44,7 +39,7 @@ std::optional<double> measure_reading(const std::filesystem::path& stl_file, dou
       control.action_undup(tol);
       control.action_write(utString(file.string().c_str()));
     }
-    const std::vector<double> peak = numbers_of("--reading-probe '" + file.string() + "'");
+    const std::vector<double> peak = numbers_of(probe("--reading-probe", file));
     std::filesystem::remove(file);
     if (peak.size() != 1) return std::nullopt;
     worst = std::max(worst, peak[0]);
@@ -96,9 +91,8 @@ int run_memory_probe(const char* stl_file, const char* tol) {
 std::optional<MemoryUse> measure_memory(const std::filesystem::path& stl_file, double tol) {
   char tolerance[40];
   std::snprintf(tolerance, sizeof tolerance, "%.17g", tol);
-  const std::string file = "'" + stl_file.string() + "'";
-  const std::vector<double> merging = numbers_of("--memory-probe " + file + " " + tolerance);
-  const std::vector<double> boundary = numbers_of("--boundary-probe " + file);
+  const std::vector<double> merging = numbers_of(probe("--memory-probe", stl_file) + " " + tolerance);
+  const std::vector<double> boundary = numbers_of(probe("--boundary-probe", stl_file));
   const std::optional<double> reading = measure_reading(stl_file, tol);
   if (merging.size() != 2 || boundary.size() != 1 || !reading) return std::nullopt;
   return MemoryUse{merging[0], merging[1], *reading, boundary[0]};

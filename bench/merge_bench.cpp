@@ -7,27 +7,27 @@
 
 namespace {
 
-double time_hash_merge(const Model& model) {
+Cost time_hash_merge(const Model& model) {
   const Buffer<FlatPoint> points = corner_points(model.soup());
   FlatMesh mesh;
-  const double seconds = seconds_of([&] { mesh = merge_flat(points.data(), model.facets()); });
+  const Cost cost = cost_of([&] { mesh = merge_flat(points.data(), model.facets()); });
   require(mesh.vertex_count == model.vertices(), "vertices of the hash merge");
   require(is_closed(mesh), "the hash merge leaves the surface open");
-  return seconds;
+  return cost;
 }
 
-double time_merge(const Model& model, double tol) {
+Cost time_merge(const Model& model, double tol) {
   const Block block = loaded_block(model);
   int merged = 0;
-  const double seconds = seconds_of([&] { merged = block->unduplicate_nodes(tol); });
+  const Cost cost = cost_of([&] { merged = block->unduplicate_nodes(tol); });
   require(merged == 1, "unduplicate_nodes merged nothing");
   check_merged(*block, model);
-  return seconds;
+  return cost;
 }
 
-double time_merge_exact(const Model& model) { return time_merge(model, exact_tolerance()); }
-double time_merge_millionth(const Model& model) { return time_merge(model, model.shortest_edge() * 1e-6); }
-double time_merge_tenth(const Model& model) { return time_merge(model, model.shortest_edge() * 0.1); }
+Cost time_merge_exact(const Model& model) { return time_merge(model, exact_tolerance()); }
+Cost time_merge_millionth(const Model& model) { return time_merge(model, model.shortest_edge() * 1e-6); }
+Cost time_merge_tenth(const Model& model) { return time_merge(model, model.shortest_edge() * 0.1); }
 
 }  // namespace
 

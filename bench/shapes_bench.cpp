@@ -26,54 +26,54 @@ void check_thin(const trTriBlock& block, double least, int found) {
   require(least == expected_least && found == expected, "thin elements");
 }
 
-double time_find_thin(const Model& model) {
+Cost time_find_thin(const Model& model) {
   const Block block = merged_block(model);
   intcoPageArr out;
   double least = 0.0;
-  const double seconds = seconds_of([&] { least = block->find_thin(thin_tolerance, 1, out); });
+  const Cost cost = cost_of([&] { least = block->find_thin(thin_tolerance, 1, out); });
   check_thin(*block, least, out.count());
-  return seconds;
+  return cost;
 }
 
-double time_find_overhanging(const Model& model) {
+Cost time_find_overhanging(const Model& model) {
   const Block block = merged_block(model);
   intcoPageArr out;
-  const double seconds = seconds_of([&] { block->find_overhanging(out, giUnitVec3(gi_z_axis)); });
+  const Cost cost = cost_of([&] { block->find_overhanging(out, giUnitVec3(gi_z_axis)); });
   const double share = static_cast<double>(out.count()) / static_cast<double>(model.facets());
   require(share > 0.4 && share < 0.6, "overhanging elements of a torus");
-  return seconds;
+  return cost;
 }
 
-double time_find_overlapping(const Model& model) {
+Cost time_find_overlapping(const Model& model) {
   const Block block = merged_block(model);
   intcoPageArr out;
   giAngle sharpest;
-  const double seconds = seconds_of([&] { sharpest = block->find_overlapping(giAngle::from_degrees(2.5), out); });
+  const Cost cost = cost_of([&] { sharpest = block->find_overlapping(giAngle::from_degrees(2.5), out); });
   int count = 0;
   const double least_dot = block->min_dotp(-2.0, count);
   require(std::abs(std::cos(sharpest.radians()) + least_dot) < 1e-12 && out.count() == 0, "overlapping elements");
-  return seconds;
+  return cost;
 }
 
 // Every third element of the closed surface is turned over, which a single pass must put right.
-double time_orient_normals(const Model& model) {
+Cost time_orient_normals(const Model& model) {
   const Block block = merged_block(model);
   const double volume = block->volume();
   for (int e = 1; e < block->element_count(); e += 3) block->reverse_element(e);
   int reversed = 0;
-  const double seconds = seconds_of([&] { reversed = block->orient_normals(); });
+  const Cost cost = cost_of([&] { reversed = block->orient_normals(); });
   require(reversed == 1 && std::abs(block->volume() - volume) <= 1e-9 * volume, "orientation");
-  return seconds;
+  return cost;
 }
 
-double time_swap_elements(const Model& model) {
+Cost time_swap_elements(const Model& model) {
   const Block block = merged_block(model);
   intcoPageArr out;
   const double area = block->surface_area();
   const int elements = block->valid_elements();
-  const double seconds = seconds_of([&] { block->swap_elements(thin_tolerance); });
+  const Cost cost = cost_of([&] { block->swap_elements(thin_tolerance); });
   require(block->valid_elements() == elements && std::abs(block->surface_area() - area) < 0.05 * area, "swapped elements");
-  return seconds;
+  return cost;
 }
 
 }  // namespace

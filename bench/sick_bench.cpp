@@ -7,19 +7,19 @@
 
 namespace {
 
-double time_search(const trTriBlock& block, int mode, int expected) {
+Cost time_search(const trTriBlock& block, int mode, int expected) {
   intcoPageArr sick;
-  const double seconds = seconds_of([&] { block.find_sick(sick, mode); });
+  const Cost cost = cost_of([&] { block.find_sick(sick, mode); });
   require(sick.count() == expected, "number of sick triangles");
-  return seconds;
+  return cost;
 }
 
-double time_clean(const Model& model) { return time_search(*merged_block(model), 0, 0); }
+Cost time_clean(const Model& model) { return time_search(*merged_block(model), 0, 0); }
 
 // Every triangle a second time and turned over: on every edge four triangles. The element lists are made anew, as for a
 // mesh that was just read: lists that grew entry by entry lie scattered in memory, and the walk along them would be all
 // that is seen.
-double time_doubled(const Model& model) {
+Cost time_doubled(const Model& model) {
   const Block block = merged_block(model);
   const int n = block->element_count();
   for (int e = 1; e < n; ++e) {
@@ -32,7 +32,7 @@ double time_doubled(const Model& model) {
 }
 
 // One apex, half as many spokes as triangles, and three triangles on each spoke.
-double time_hub(const Model& model) {
+Cost time_hub(const Model& model) {
   const Block block = std::make_unique<trTriBlock>();
   const int spokes = static_cast<int>(model.facets() / 2);
   const int apex = block->generate_node(giPoint3(0, 0, 0), tr_no_direction(), 0);
@@ -46,7 +46,7 @@ double time_hub(const Model& model) {
 }
 
 // A flap on every hundredth triangle.
-double time_fins(const Model& model) {
+Cost time_fins(const Model& model) {
   const Block block = merged_block(model);
   int fins = 0;
   for (int e = 1; e < static_cast<int>(model.facets()); e += 100, ++fins) {
@@ -54,9 +54,9 @@ double time_fins(const Model& model) {
     block->generate(t[0], t[1], block->generate_node(giPoint3(0, 0, fins), tr_no_direction(), 0));
   }
   int removed = 0;
-  const double seconds = seconds_of([&] { removed = block->cure_sick_fins(); });
+  const Cost cost = cost_of([&] { removed = block->cure_sick_fins(); });
   require(removed == fins, "number of fins");
-  return seconds;
+  return cost;
 }
 
 }  // namespace

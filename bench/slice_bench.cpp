@@ -16,24 +16,24 @@ constexpr double slice_tolerance = 1e-10;
 // The middle of the torus, off all its nodes, across its axis: two circles are cut.
 constexpr double middle = 0.0123;
 
-double time_slice(const Model& model) {
+Cost time_slice(const Model& model) {
   const Block block = merged_block(model);
   const int elements = block->valid_elements();
   int result = 0;
-  const double seconds = seconds_of([&] { result = block->slice(gi_x_axis, 0, middle, slice_tolerance); });
+  const Cost cost = cost_of([&] { result = block->slice(gi_x_axis, 0, middle, slice_tolerance); });
   const double share = static_cast<double>(block->valid_elements()) / elements;
   require(result == 1 && share > 0.4 && share < 0.6, "elements of the kept half");
   trCycleArray cycles(block.get());
   require(cycles.num_boundaries() == 2 && block->box().min().x > middle - 1e-9, "boundaries of the cut");
-  return seconds;
+  return cost;
 }
 
-double time_section(const Model& model) {
+Cost time_section(const Model& model) {
   const Block block = merged_block(model);
   trSection section(block.get());
-  const double seconds = seconds_of([&] { section.section(gi_x_axis, middle); });
+  const Cost cost = cost_of([&] { section.section(gi_x_axis, middle); });
   require(section.n_boundaries() == 2, "outlines of a torus");
-  return seconds;
+  return cost;
 }
 
 // Teeth, every one of which crosses the plane: as many segments as triangles. They hang together in one line where `joined`, and
@@ -62,18 +62,18 @@ Block comb(std::size_t teeth, bool joined) {
   return block;
 }
 
-double time_comb(const Model& model, bool joined) {
+Cost time_comb(const Model& model, bool joined) {
   const Block block = comb(model.facets(), joined);
   const int teeth = static_cast<int>(model.facets());
   trSection section(block.get());
-  const double seconds = seconds_of([&] { section.section(gi_z_axis, 0.0); });
+  const Cost cost = cost_of([&] { section.section(gi_z_axis, 0.0); });
   require(section.edge_start.count() == teeth && section.n_boundaries() == (joined ? 1 : teeth), "outlines of a comb");
   require(section.n_boundary_points(0) == (joined ? teeth + 1 : 2), "points of an outline");
-  return seconds;
+  return cost;
 }
 
-double time_joined_comb(const Model& model) { return time_comb(model, true); }
-double time_loose_comb(const Model& model) { return time_comb(model, false); }
+Cost time_joined_comb(const Model& model) { return time_comb(model, true); }
+Cost time_loose_comb(const Model& model) { return time_comb(model, false); }
 
 }  // namespace
 

@@ -38,40 +38,40 @@ void check_point(const giPoint3& p) {
   require(std::fabs(p.distance(giPoint3()) - 1.0) < 0.02 * (1.0 - std::cos(0.5)), "distance of the surface from the sphere");
 }
 
-double time_fit(const Model& model) {
+Cost time_fit(const Model& model) {
   const Hole hole(model.facets());
   zrkSurfPtr surface;
-  const double seconds = seconds_of([&] { surface = fitted(hole); });
+  const Cost cost = cost_of([&] { surface = fitted(hole); });
   giPoint3 top;
   require(surface->closest_point(giPoint3(0.0, 0.0, 1.0), top) == 0, "closest point");
   check_point(top);
-  return seconds;
+  return cost;
 }
 
 // Points over the hole, on a spiral: one for each facet of the model.
 template <class Query>
-double time_queries(const Model& model, Query&& query) {
+Cost time_queries(const Model& model, Query&& query) {
   const zrkSurfPtr surface = fitted(Hole(1000));
   const int count = static_cast<int>(model.facets());
   giPoint3coPageArr points;
   points.expand(count);
-  const double seconds = seconds_of([&] {
+  const Cost cost = cost_of([&] {
     for (int k = 0; k < count; ++k) {
       const giPoint3 p = Hole::at(0.48 * std::sqrt((k + 0.5) / count), 2.4 * k);
       require(query(*surface, giPoint3(p.x, p.y, 0.9), points.at(k)) == 0, "query");
     }
   });
   for (int k = 0; k < count; k += 97) check_point(points[k]);
-  return seconds;
+  return cost;
 }
 
-double time_projection(const Model& model) {
+Cost time_projection(const Model& model) {
   return time_queries(model, [](const zrkSurf& surface, const giPoint3& p, giPoint3& q) {
     return surface.project(p, giVector3(0.0, 0.0, 1.0), q);
   });
 }
 
-double time_closest(const Model& model) {
+Cost time_closest(const Model& model) {
   return time_queries(model,
                       [](const zrkSurf& surface, const giPoint3& p, giPoint3& q) { return surface.closest_point(p, q); });
 }

@@ -11,9 +11,9 @@ enum class Journal { off, on };
 
 // Runs an edit of the whole block, recorded or not; its opening and closing count.
 template <class Edit>
-double time_edit(trTriBlock& block, Journal journal, Edit edit) {
+Cost time_edit(trTriBlock& block, Journal journal, Edit edit) {
   trUndoHist history(&block);
-  return seconds_of([&] {
+  return cost_of([&] {
     if (journal == Journal::on) history.start("edit");
     edit(block);
     history.finish();
@@ -24,72 +24,72 @@ void merge(trTriBlock& block) {
   require(block.unduplicate_nodes(exact_tolerance()) == 1, "unduplicate_nodes merged nothing");
 }
 
-double time_merge_journalled(const Model& model) {
+Cost time_merge_journalled(const Model& model) {
   const Block block = loaded_block(model);
-  const double seconds = time_edit(*block, Journal::on, merge);
+  const Cost cost = time_edit(*block, Journal::on, merge);
   check_merged(*block, model);
-  return seconds;
+  return cost;
 }
 
-double time_undo(const Model& model) {
+Cost time_undo(const Model& model) {
   const Block block = loaded_block(model);
   trUndoHist history(block.get());
   history.start("merge");
   merge(*block);
   history.finish();
-  const double seconds = seconds_of([&] { history.undo(); });
+  const Cost cost = cost_of([&] { history.undo(); });
   check_loaded(*block, model);
-  return seconds;
+  return cost;
 }
 
-double time_redo(const Model& model) {
+Cost time_redo(const Model& model) {
   const Block block = loaded_block(model);
   trUndoHist history(block.get());
   history.start("merge");
   merge(*block);
   history.finish();
   history.undo();
-  const double seconds = seconds_of([&] { history.redo(); });
+  const Cost cost = cost_of([&] { history.redo(); });
   check_merged(*block, model);
-  return seconds;
+  return cost;
 }
 
 template <Journal journal>
-double time_reverse(const Model& model) {
+Cost time_reverse(const Model& model) {
   const Block block = merged_block(model);
   const double volume = block->volume();
-  const double seconds = time_edit(*block, journal, [](trTriBlock& b) { b.reverse(); });
+  const Cost cost = time_edit(*block, journal, [](trTriBlock& b) { b.reverse(); });
   require(block->volume() < 0.0 && volume > 0.0, "volume after reversing");
-  return seconds;
+  return cost;
 }
 
 template <Journal journal>
-double time_delete(const Model& model) {
+Cost time_delete(const Model& model) {
   const Block block = merged_block(model);
   intcoPageArr list;
   for (int e = 1; e < block->element_count(); ++e) list[e - 1] = e;
-  const double seconds = time_edit(*block, journal, [&](trTriBlock& b) { b.delete_elements(list); });
+  const Cost cost = time_edit(*block, journal, [&](trTriBlock& b) { b.delete_elements(list); });
   require(block->valid_elements() == 0, "elements after deleting all");
-  return seconds;
+  return cost;
 }
 
 template <Journal journal>
-double time_transform(const Model& model) {
+Cost time_transform(const Model& model) {
   const Block block = merged_block(model);
   const double top = block->box().max().z;
-  const double seconds = time_edit(*block, journal, [](trTriBlock& b) {
+  const Cost cost = time_edit(*block, journal, [](trTriBlock& b) {
     b.transform(giXform3::translation(giVector3(0.0, 0.0, 1.0)));
   });
   require(block->box().max().z > top, "height after moving up");
-  return seconds;
+  return cost;
 }
 
 template <Journal journal>
-double time_renumber(const Model& model) {
+Cost time_renumber(const Model& model) {
   const Block block = merged_block(model);
-  const double seconds = time_edit(*block, journal, [](trTriBlock& b) { b.renumber(); });
+  const Cost cost = time_edit(*block, journal, [](trTriBlock& b) { b.renumber(); });
   check_merged(*block, model);
-  return seconds;
+  return cost;
 }
 
 }  // namespace

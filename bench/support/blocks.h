@@ -19,3 +19,6 @@ Block merged_block(const Model& model);
 /// Counts of a block that holds the model unmerged, or merged; ends the run when they are wrong.
 void check_loaded(const trTriBlock& block, const Model& model);
 void check_merged(const trTriBlock& block, const Model& model);
+
+/// A binary STL file that holds the model, facet for facet, their corners in any rotation.
+void check_written(const std::filesystem::path& file, const Model& model);

@@ -11,6 +11,7 @@
 namespace {
 
 constexpr std::size_t wanted_t_junctions = 5000;
+constexpr std::size_t facets_to_a_t_junction = 64;
 
 using Corners = std::array<std::size_t, 3>;
 
@@ -49,7 +50,10 @@ class Grid {
 // middles of the edges along the first row of each strip.
 class Cutter {
  public:
-  explicit Cutter(std::size_t facets) : grid_(facets), cuts_(std::clamp<std::size_t>(wanted_t_junctions / grid_.about(), 2, grid_.along() / 3)) {}
+  Cutter(std::size_t facets, Cuts cuts, Seams seams) : grid_(facets), seams_(seams) {
+    const std::size_t wanted = cuts == Cuts::fixed ? wanted_t_junctions : facets / facets_to_a_t_junction;
+    cuts_ = std::clamp<std::size_t>(wanted / grid_.about(), 2, grid_.along() / 3);
+  }
 
   std::vector<Corners> triangles() const {
     std::vector<Corners> all;
@@ -58,7 +62,7 @@ class Cutter {
         const std::size_t a = name(i, j, Side::behind), d = name(i, j + 1, Side::behind);
         const std::size_t b = name(i + 1, j, Side::before), c = name(i + 1, j + 1, Side::before);
         all.push_back({a, b, c});
-        if (is_cut(i)) {
+        if (is_cut(i) && seams_ == Seams::t_junctions) {
           all.push_back({a, c, middle(i, j)});
           all.push_back({middle(i, j), c, d});
         } else {
@@ -87,18 +91,20 @@ class Cutter {
   std::size_t middle(std::size_t i, std::size_t j) const { return 3 * point(i, j) + 2; }
 
   Grid grid_;
-  std::size_t cuts_;
+  Seams seams_;
+  std::size_t cuts_ = 0;
 };
 
 }  // namespace
 
-CutTorus cut_torus(const Model& model) {
-  const Cutter cutter(model.facets());
+CutTorus cut_torus(const Model& model, Cuts cuts, Seams seams) {
+  const Cutter cutter(model.facets(), cuts, seams);
   std::vector<Corners> triangles = cutter.triangles();
   if (model.order() == FacetOrder::shuffled) std::shuffle(triangles.begin(), triangles.end(), std::mt19937_64(5));
   CutTorus cut;
   cut.block = std::make_unique<trTriBlock>();
-  cut.seam_nodes = cut.t_junctions = cutter.on_cuts();
+  cut.seam_nodes = cutter.on_cuts();
+  cut.t_junctions = seams == Seams::t_junctions ? cutter.on_cuts() : 0;
   cut.tolerance = 0.01 * cutter.shortest_edge();
   std::unordered_map<std::size_t, int> numbers;
   const auto number_of = [&](std::size_t name) {

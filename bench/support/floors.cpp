@@ -1,5 +1,6 @@
 #include "support/floors.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -155,6 +156,71 @@ void write_flat_ascii(const FlatMesh& mesh, std::FILE* file) {
     std::fputs("    endloop\n  endfacet\n", file);
   }
   std::fputs("endsolid\n", file);
+}
+
+void save_flat(const FlatMesh& mesh, const std::filesystem::path& path) {
+  const File file = open_file(path, "wb");
+  const std::uint64_t counts[2] = {mesh.facets, mesh.vertex_count};
+  std::fwrite(counts, sizeof counts, 1, file.get());
+  std::fwrite(mesh.vertices.data(), sizeof(FlatPoint), mesh.vertex_count, file.get());
+  std::fwrite(mesh.corners.data(), sizeof(std::uint32_t), 3 * mesh.facets, file.get());
+}
+
+FlatMesh load_flat(const std::filesystem::path& path) {
+  const File file = open_file(path, "rb");
+  std::uint64_t counts[2] = {};
+  require(std::fread(counts, sizeof counts, 1, file.get()) == 1, "counts of a flat mesh");
+  FlatMesh mesh;
+  mesh.facets = counts[0];
+  mesh.vertex_count = counts[1];
+  mesh.vertices = Buffer<FlatPoint>(mesh.vertex_count);
+  mesh.corners = Buffer<std::uint32_t>(3 * mesh.facets);
+  require(std::fread(mesh.vertices.data(), sizeof(FlatPoint), mesh.vertex_count, file.get()) == mesh.vertex_count &&
+              std::fread(mesh.corners.data(), sizeof(std::uint32_t), 3 * mesh.facets, file.get()) == 3 * mesh.facets,
+          "size of a flat mesh");
+  return mesh;
+}
+
+Soup soup_of(const FlatMesh& mesh) {
+  Soup soup;
+  soup.facets = mesh.facets;
+  soup.vertices = mesh.vertex_count;
+  soup.corners = Buffer<float>(9 * mesh.facets);
+  for (std::size_t i = 0; i < 3 * mesh.facets; ++i) {
+    const FlatPoint& p = mesh.vertices[mesh.corners[i]];
+    soup.corners[3 * i] = static_cast<float>(p.x);
+    soup.corners[3 * i + 1] = static_cast<float>(p.y);
+    soup.corners[3 * i + 2] = static_cast<float>(p.z);
+  }
+  return soup;
+}
+
+Buffer<std::uint32_t> link_flat(const FlatMesh& mesh) {
+  const std::size_t count = 3 * mesh.facets;
+  const auto end_of = [&](std::size_t h) { return mesh.corners[h % 3 == 2 ? h - 2 : h + 1]; };
+  Buffer<std::uint32_t> first(mesh.vertex_count + 2);
+  std::memset(first.data(), 0, first.size() * sizeof(std::uint32_t));
+  for (std::size_t h = 0; h < count; ++h) ++first[std::min(mesh.corners[h], end_of(h)) + 2];
+  for (std::size_t v = 2; v < first.size(); ++v) first[v] += first[v - 1];
+  Buffer<std::uint32_t> sorted(count);
+  for (std::size_t h = 0; h < count; ++h)
+    sorted[first[std::min(mesh.corners[h], end_of(h)) + 1]++] = static_cast<std::uint32_t>(h);
+  Buffer<std::uint32_t> links(count);
+  std::memset(links.data(), 0xff, count * sizeof(std::uint32_t));
+  for (std::size_t v = 0; v < mesh.vertex_count; ++v) {
+    for (std::uint32_t i = first[v]; i < first[v + 1]; ++i) {
+      const std::uint32_t h = sorted[i];
+      if (links[h] != empty_link) continue;
+      for (std::uint32_t j = i + 1; j < first[v + 1]; ++j) {
+        const std::uint32_t g = sorted[j];
+        if (links[g] != empty_link || mesh.corners[g] != end_of(h) || end_of(g) != mesh.corners[h]) continue;
+        links[h] = g;
+        links[g] = h;
+        break;
+      }
+    }
+  }
+  return links;
 }
 
 bool is_closed(const FlatMesh& mesh) {

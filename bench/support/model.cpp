@@ -67,7 +67,9 @@ void write_ascii(const fs::path& path, const Soup& soup) {
   out.put("endsolid\n");
 }
 
-void write_binary(const fs::path& path, const Soup& soup) {
+}  // namespace
+
+void write_binary_stl(const fs::path& path, const Soup& soup) {
   const File file = open_file(path, "wb");
   char preamble[stl_preamble_bytes] = "torus";
   const auto count = static_cast<std::uint32_t>(soup.facets);
@@ -80,24 +82,29 @@ void write_binary(const fs::path& path, const Soup& soup) {
   }
 }
 
-}  // namespace
-
 const char* name_of(FacetOrder order) { return order == FacetOrder::ordered ? "ordered" : "shuffled"; }
 
-Model::Model(std::size_t facets, FacetOrder order, fs::path folder) : order_(order), soup_(bumpy_torus(facets, order)) {
-  const std::string stem = std::string("torus_") + name_of(order) + "_" + std::to_string(facets);
-  binary_ = folder / (stem + ".stl");
-  ascii_ = folder / (stem + ".ast");
-  output_ = folder / (stem + "_out");
+Model::Model(std::size_t facets, FacetOrder order, fs::path folder)
+    : order_(order),
+      soup_(bumpy_torus(facets, order)),
+      folder_(std::move(folder)),
+      stem_(std::string("torus_") + name_of(order) + "_" + std::to_string(facets) + "_") {
+  binary_ = side_file("model.stl");
+  ascii_ = side_file("model.ast");
+  output_ = side_file("out");
 }
 
 Model::~Model() {
   std::error_code ignored;
-  for (const fs::path* path : {&binary_, &ascii_, &output_}) fs::remove(*path, ignored);
+  for (const auto& entry : fs::directory_iterator(folder_, ignored)) {
+    if (entry.path().filename().string().rfind(stem_, 0) == 0) fs::remove(entry.path(), ignored);
+  }
 }
 
+fs::path Model::side_file(const std::string& ending) const { return folder_ / (stem_ + ending); }
+
 const fs::path& Model::binary_file() const {
-  if (!fs::exists(binary_)) write_binary(binary_, soup_);
+  if (!fs::exists(binary_)) write_binary_stl(binary_, soup_);
   require(fs::file_size(binary_) == stl_file_bytes(facets()), "size of the binary file");
   return binary_;
 }

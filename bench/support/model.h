@@ -24,13 +24,20 @@ class Model {
   const std::filesystem::path& ascii_file() const;
   /// Where a measure may write; what is there is overwritten.
   const std::filesystem::path& output_file() const { return output_; }
+  /// The name of a file that goes with the model.
+  std::filesystem::path side_file(const std::string& ending) const;
 
  private:
   FacetOrder order_;
   Soup soup_;
+  std::filesystem::path folder_;
+  std::string stem_;
   std::filesystem::path binary_;
   std::filesystem::path ascii_;
   std::filesystem::path output_;
 };
 
 const char* name_of(FacetOrder order);
+
+/// The soup as a binary STL file, normals left at 0.
+void write_binary_stl(const std::filesystem::path& path, const Soup& soup);

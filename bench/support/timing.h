@@ -1,5 +1,13 @@
 #pragma once
 
+#include "support/peak_memory.h"
+
+/// What a run took.
+struct Cost {
+  double seconds = 0.0;  ///< processor time
+  double bytes = 0.0;    ///< peak of resident memory above what was in use before; 0 where the system does not tell
+};
+
 /// Fixes the allocator's behaviour, which otherwise depends on what was freed before. Call once, first thing.
 void steady_allocator();
 
@@ -11,11 +19,16 @@ void release_free_memory();
 /// is the time it takes, less what a neighbour takes of the core.
 double processor_seconds();
 
-/// Seconds that `work` takes, starting without free memory in the allocator.
+/// What `work` takes, starting without free memory in the allocator.
 template <class Work>
-double seconds_of(Work&& work) {
+Cost cost_of(Work&& work) {
   release_free_memory();
+  reset_peak_memory();
+  const std::int64_t bytes_before = resident_bytes();
   const double start = processor_seconds();
   work();
-  return processor_seconds() - start;
+  Cost cost;
+  cost.seconds = processor_seconds() - start;
+  cost.bytes = static_cast<double>(peak_resident_bytes() - bytes_before);
+  return cost;
 }

@@ -19,13 +19,6 @@ struct CornerPair {
   bool operator==(const CornerPair& other) const { return next == other.next && prev == other.prev; }
 };
 
-struct CornerPairHash {
-  std::size_t operator()(const CornerPair& pair) const {
-    return static_cast<std::size_t>(mix_hash((std::uint64_t{static_cast<std::uint32_t>(pair.next)} << 32) |
-                                             static_cast<std::uint32_t>(pair.prev)));
-  }
-};
-
 // Position of the node in the element, the last where it occurs more than once; -1 when it does not occur.
 int last_position(const trElement& t, int node) {
   for (int k = 2; k >= 0; --k) {
@@ -34,13 +27,58 @@ int last_position(const trElement& t, int node) {
   return -1;
 }
 
-// The elements of one node by their other two corners, each group in the order of the node's list.
-struct HubElements {
-  struct Group {
-    std::vector<int> elements;
-    std::size_t dead = 0;  // elements before this are deleted for good
+// The elements of one node by their other two corners, those of a pair in the order of the node's list.
+class HubElements {
+ public:
+  HubElements(const trTriBlock& block, int hub) : block_(block) {
+    trIntListIT it(block.node(hub).elements);
+    while (++it) {
+      const trElement& t = block.element(it());
+      const int k = t.valid() ? last_position(t, hub) : -1;
+      if (k >= 0) entries_.push_back({{t[(k + 1) % 3], t[(k + 2) % 3]}, it(), -1});
+    }
+    std::size_t size = 1;
+    while (size < 2 * entries_.size()) size *= 2;
+    heads_.assign(size, -1);
+    // From the last to the first, so that each chain comes to be in the order of the list.
+    for (std::size_t k = entries_.size(); k-- > 0;) {
+      int& head = head_of(entries_[k].pair);
+      entries_[k].next = head;
+      head = static_cast<int>(k);
+    }
+  }
+
+  // The first valid element of that pair other than i; 0 if none.
+  int find(int i, CornerPair pair) {
+    if (entries_.empty()) return 0;
+    int& head = head_of(pair);
+    while (head >= 0 && entry(head).next >= 0 && !is_valid(head)) head = entry(head).next;  // deleted for good
+    for (int k = head; k >= 0; k = entry(k).next) {
+      if (entry(k).element != i && is_valid(k)) return entry(k).element;
+    }
+    return 0;
+  }
+
+ private:
+  struct Entry {
+    CornerPair pair;
+    int element;
+    int next;  // entry of the same pair; -1 at the end
   };
-  std::unordered_map<CornerPair, Group, CornerPairHash> groups;
+
+  const Entry& entry(int k) const { return entries_[static_cast<std::size_t>(k)]; }
+  bool is_valid(int k) const { return block_.element(entry(k).element).valid(); }
+
+  int& head_of(CornerPair pair) {
+    const std::size_t mask = heads_.size() - 1;
+    std::size_t slot = mix_hash((std::uint64_t{static_cast<std::uint32_t>(pair.next)} << 32) | static_cast<std::uint32_t>(pair.prev)) & mask;
+    while (heads_[slot] >= 0 && !(entry(heads_[slot]).pair == pair)) slot = (slot + 1) & mask;
+    return heads_[slot];
+  }
+
+  const trTriBlock& block_;
+  std::vector<Entry> entries_;
+  std::vector<int> heads_;  // first entries of chains, by open addressing, at most half full; -1 where none is
 };
 
 class TwinSearch {
@@ -49,11 +87,13 @@ class TwinSearch {
 
   // The first valid element other than i in the list of `hub` whose corners after and before `hub` are the given pair; 0 if none.
   int find(int i, int hub, CornerPair pair) {
+    const auto known = hubs_.find(hub);
+    if (known != hubs_.end()) return known->second.find(i, pair);
     int steps = 0;
     trIntListIT it(block_.node(hub).elements);
     while (++it) {
       if (it() != i && matches(it(), hub, pair)) return it();
-      if (++steps > longest_walk) return find_in_hub(i, hub, pair);
+      if (++steps > longest_walk) return hubs_.try_emplace(hub, block_, hub).first->second.find(i, pair);
     }
     return 0;
   }
@@ -64,32 +104,6 @@ class TwinSearch {
     if (!t.valid()) return false;
     const int k = last_position(t, hub);
     return k >= 0 && t[(k + 1) % 3] == pair.next && t[(k + 2) % 3] == pair.prev;
-  }
-
-  int find_in_hub(int i, int hub, CornerPair pair) {
-    HubElements& index = hub_index(hub);
-    const auto found = index.groups.find(pair);
-    if (found == index.groups.end()) return 0;
-    HubElements::Group& group = found->second;
-    while (group.dead < group.elements.size() && !block_.element(group.elements[group.dead]).valid()) ++group.dead;
-    for (std::size_t k = group.dead; k < group.elements.size(); ++k) {
-      const int j = group.elements[k];
-      if (j != i && block_.element(j).valid()) return j;
-    }
-    return 0;
-  }
-
-  HubElements& hub_index(int hub) {
-    const auto inserted = hubs_.try_emplace(hub);
-    HubElements& index = inserted.first->second;
-    if (!inserted.second) return index;
-    trIntListIT it(block_.node(hub).elements);
-    while (++it) {
-      const trElement& t = block_.element(it());
-      const int k = t.valid() ? last_position(t, hub) : -1;
-      if (k >= 0) index.groups[{t[(k + 1) % 3], t[(k + 2) % 3]}].elements.push_back(it());
-    }
-    return index;
   }
 
   const trTriBlock& block_;
