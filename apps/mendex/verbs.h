@@ -26,5 +26,8 @@ void add_shell_verb(CommandLine& line);    // command by command
 void add_run_verb(CommandLine& line);      // the same from a script
 void add_formats_verb(CommandLine& line);  // what can be read and written
 
+/// All of them, in the order of the help.
+void add_verbs(CommandLine& line);
+
 /// The format that an output's name asks for; throws, naming what can be written, when there is none.
 MeshFormat output_format(const std::string& path);

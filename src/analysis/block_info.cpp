@@ -5,6 +5,7 @@
 #include <string>
 
 #include "mesh/aspect_utils.h"
+#include "mesh/memory_guard.h"
 #include "mesh/tri_block.h"
 #include "progress/message.h"
 #include "progress/progress.h"
@@ -135,6 +136,7 @@ class BlockReport {
 }  // namespace
 
 void trTriBlock::info(double tol, std::FILE* file, int level) const {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, [&] { info(tol, file, level); });
   const BlockReport report(*this, tol, file);
   report.command(tr_brnknls("UNSET ECHO#EDIT PLEV -1\n"));
   if (verbose) reference_elements();

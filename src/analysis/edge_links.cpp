@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/containers/memory_scope.h"
+
 EdgeLinks::EdgeLinks(const trTriBlock& block) : links_(static_cast<std::size_t>(block.element_count())) {
+  if (links_.size() == 0) co_entry_lost();
   complete_ = links_.size() > 0 && EdgeFan(block).visit_nodes(*this);
 }
 

@@ -1,5 +1,6 @@
 #include "analysis/element_list.h"
 
+#include "mesh/memory_guard.h"
 #include "mesh/tri_block.h"
 #include "progress/message.h"
 #include "progress/progress.h"
@@ -7,6 +8,7 @@
 trElementList::~trElementList() = default;
 
 int trElementList::detect_elements() {
+  if (!coMemoryScope::is_open()) return tr_guarded(triblock, 0, [&] { return detect_elements(); });
   if (stale_) {
     find_elements();
     if (tr_interrupt()) return 0;
@@ -16,8 +18,10 @@ int trElementList::detect_elements() {
 }
 
 int trElementList::delete_elements() {
+  if (!coMemoryScope::is_open()) return tr_guarded(triblock, 0, [&] { return delete_elements(); });
   const int found = detect_elements();
   if (tr_interrupt()) return 0;
+  stale_ = 1;
   triblock->delete_elements(elements_);
   elements_.clear(1);
   stale_ = 0;
@@ -26,6 +30,7 @@ int trElementList::delete_elements() {
 }
 
 void trElementList::karn_picture(std::FILE* file) {
+  if (!coMemoryScope::is_open()) return tr_guarded(triblock, [&] { karn_picture(file); });
   detect_elements();
   triblock->picture_elements(file, elements_);
 }

@@ -7,6 +7,7 @@
 #include "analysis/grid_cells.h"
 #include "analysis/visit_order.h"
 #include "mesh/clean_int_array.h"
+#include "mesh/memory_guard.h"
 #include "progress/output.h"
 #include "progress/progress.h"
 
@@ -46,6 +47,7 @@ void append(intcoPageArr& out, const std::vector<CutPair>& pairs) {
 }  // namespace
 
 void trTriBlock::find_intersecting(intcoPageArr& out, int limit) const {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, [&] { find_intersecting(out, limit); });
   out.clear(0);
   const giBox3& whole = box();
   if (whole.is_empty()) {

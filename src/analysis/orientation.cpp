@@ -5,6 +5,7 @@
 
 #include "analysis/orient_group.h"
 #include "mesh/measures.h"
+#include "mesh/memory_guard.h"
 #include "progress/progress.h"
 
 namespace {
@@ -42,6 +43,7 @@ bool faces_down(const trTriBlock& block, int e) {
 }  // namespace
 
 int trTriBlock::orient_normals() {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, 0, [&] { return orient_normals(); });
   reference_elements();
   if (tr_interrupt()) return 0;
   trOrienter orienter(this);
@@ -65,6 +67,7 @@ int trTriBlock::orient_normals() {
 }
 
 int trTriBlock::find_top_element() const {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, -2, [&] { return find_top_element(); });
   reference_elements();
   std::vector<int> top;
   if (!find_top_nodes(*this, top)) return -2;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "analysis/edge_fan.h"
+#include "mesh/memory_guard.h"
 #include "mesh/neighbour_search.h"
 #include "platform/containers/flat_array.h"
 #include "progress/progress.h"
@@ -36,7 +37,9 @@ class AngleBound {
 // Unit normals of all elements; not a number where there is no element or no direction.
 class FacetNormals {
  public:
-  explicit FacetNormals(int elements) : components_(3 * static_cast<std::size_t>(elements)) {}
+  explicit FacetNormals(int elements) : components_(3 * static_cast<std::size_t>(elements)) {
+    if (!allocated()) co_entry_lost();
+  }
 
   /// Whether there was memory for them.
   bool allocated() const { return components_.size() > 0; }
@@ -138,9 +141,11 @@ class OverlapSearch {
 }  // namespace
 
 giAngle trTriBlock::find_overlapping(const giAngle& tol, intcoPageArr& out) const {
+  const giAngle none = giAngle::from_degrees(180.0);
+  if (!coMemoryScope::is_open()) return tr_guarded(this, none, [&] { return find_overlapping(tol, out); });
   out.clear(0);
   reference_elements();
-  if (tr_interrupt()) return giAngle::from_degrees(180.0);
+  if (tr_interrupt()) return none;
   OverlapSearch search(*this, tol);
   search.run();
   search.list(out);

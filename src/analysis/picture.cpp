@@ -1,6 +1,7 @@
 // Triangles as a drawing of the surface modeller.
 
 #include "mesh/tri_block.h"
+#include "mesh/memory_guard.h"
 #include "progress/message.h"
 #include "progress/progress.h"
 
@@ -11,6 +12,7 @@ constexpr int outline[] = {0, 1, 2, 0};  // corners; a line goes from each to th
 }  // namespace
 
 void trTriBlock::picture_elements(std::FILE* file, const intcoPageArr& list) const {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, [&] { picture_elements(file, list); });
   if (file == nullptr) return;
   print_message(" Writing Karn command file ...");
   write_text(file, "UNSET ECHO#EDIT PLEV -1\n");

@@ -1,5 +1,6 @@
 #include "analysis/remove_simple_fin.h"
 
+#include "mesh/memory_guard.h"
 #include "platform/digitiser/delete_triangles.h"
 #include "platform/digitiser/tri_utils.h"
 
@@ -102,6 +103,7 @@ int trRemoveSimpleFin::find_bad_edge_side(const giTriangle& tri, const int* edge
 }
 
 int trTriBlock::cure_sick_fins() {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, 0, [&] { return cure_sick_fins(); });
   trEdgeConnectioncoPageArr edges;
   find_sick(edges, 0);
   const int removed = trRemoveSimpleFin(edges, this).remove_fins(nullptr, nullptr);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "analysis/checker.h"
+#include "mesh/memory_guard.h"
 #include "platform/containers/int_set.h"
 #include "progress/progress.h"
 
@@ -139,6 +140,7 @@ void sort_without_repeats(intcoPageArr& list, int element_count) {
 }  // namespace
 
 void trTriBlock::find_sick(intcoPageArr& out, int mode) const {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, [&] { find_sick(out, mode); });
   out.clear(0);
   reference_elements();
   if (tr_interrupt()) return;
@@ -154,6 +156,7 @@ void trTriBlock::find_sick(intcoPageArr& out, int mode) const {
 }
 
 int trTriBlock::cure_sick(int mode) {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, 0, [&] { return cure_sick(mode); });
   intcoPageArr list;
   find_sick(list, mode);
   if (tr_interrupt()) return 0;

@@ -5,6 +5,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "mesh/memory_guard.h"
 #include "platform/spatial/hash_mix.h"
 #include "progress/progress.h"
 
@@ -78,6 +79,7 @@ void trSickTriangles::enter(int elem, int a, int b) { edges_->enter(elem, a, b);
 void trSickTriangles::get_sick_triangles(trEdgeConnectioncoPageArr& out) { edges_->append_crowded(out); }
 
 void trTriBlock::find_sick(trEdgeConnectioncoPageArr& out, int mode) const {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, [&] { find_sick(out, mode); });
   intcoPageArr sick;
   find_sick(sick, 0);
   const int offset = mode ? -1 : 0;

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "analysis/thin_sieve.h"
+#include "mesh/memory_guard.h"
 #include "mesh/neighbour_search.h"
 #include "progress/progress.h"
 
@@ -81,6 +82,7 @@ class EdgeSwapper {
 }  // namespace
 
 int trTriBlock::swap_elements(double tol) {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, 0, [&] { return swap_elements(tol); });
   const std::vector<Candidate> candidates = thin_candidates(*this, tol);
   if (tr_interrupt()) return 0;
   reference_elements();

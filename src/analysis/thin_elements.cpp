@@ -1,6 +1,7 @@
 // Elements of bad shape or attitude: small, thin, overhanging.
 
 #include "analysis/thin_sieve.h"
+#include "mesh/memory_guard.h"
 #include "mesh/tri_block.h"
 #include "progress/progress.h"
 
@@ -34,6 +35,7 @@ class LeastMeasure {
 }  // namespace
 
 double trTriBlock::find_thin(double tol, int aspect, intcoPageArr& out) const {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, 0.0, [&] { return find_thin(tol, aspect, out); });
   out.clear(0);
   const ThinMeasure measure = aspect ? ThinMeasure::aspect : ThinMeasure::height;
   LeastMeasure least(measure, tol);
@@ -57,6 +59,7 @@ double trTriBlock::find_thin(double tol, int aspect, intcoPageArr& out) const {
 }
 
 void trTriBlock::find_overhanging(intcoPageArr& out, const giUnitVec3& up) const {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, [&] { find_overhanging(out, up); });
   out.clear(0);
   if (tr_interrupt()) return;
   const int n = element_count();

@@ -5,6 +5,7 @@
 #include "boundaries/cycle_array.h"
 #include "boundaries/cycle_it.h"
 #include "boundaries/free_edge.h"
+#include "mesh/memory_guard.h"
 #include "mesh/survivor_map.h"
 #include "platform/spatial/probe_window.h"
 #include "progress/progress.h"
@@ -27,6 +28,7 @@ std::vector<int> nodes_of(const trTriBlock& block, const trCyclecoPageArr& cycle
 }  // namespace
 
 int trCycleArray::unduplicate_nodes(double tol) {
+  if (!coMemoryScope::is_open()) return tr_guarded(block, 0, [&] { return unduplicate_nodes(tol); });
   if (block == nullptr) return 0;
   detect();
   if (tr_interrupt()) return 0;

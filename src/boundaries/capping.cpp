@@ -5,9 +5,11 @@
 #include "boundaries/plane_fit_cycle.h"
 #include "boundaries/tri_plane.h"
 #include "mesh/measures.h"
+#include "mesh/memory_guard.h"
 #include "platform/geometry/length.h"
 #include "progress/message.h"
 #include "progress/progress.h"
+#include "progress/progress_share.h"
 
 namespace {
 
@@ -77,6 +79,18 @@ bool has_valid_nodes(const trCycle& cycle) {
   return true;
 }
 
+// Whatever surface is fitted while it lives is gone afterwards.
+class SurfaceInUse {
+ public:
+  explicit SurfaceInUse(trTriBlock& block) : block_(block) {}
+  SurfaceInUse(const SurfaceInUse&) = delete;
+  SurfaceInUse& operator=(const SurfaceInUse&) = delete;
+  ~SurfaceInUse() { block_.disable_curvature_adjust(1); }
+
+ private:
+  trTriBlock& block_;
+};
+
 // Sub-range nodes were made on a straight line.
 bool adjust_subrange(const trCycle& cycle, const giVector3& normal) {
   for (int i = 0; i < cycle.subrange_nodes.count(); ++i) {
@@ -88,6 +102,7 @@ bool adjust_subrange(const trCycle& cycle, const giVector3& normal) {
 }  // namespace
 
 int trCycleArray::cap_holes(double spacing, double, at2PlaneError& error, const int& curvature) {
+  if (!coMemoryScope::is_open()) return tr_guarded(block, 0, [&] { return cap_holes(spacing, 0.0, error, curvature); });
   error = at2_success;
   detect();
   int tried = 0;
@@ -106,6 +121,8 @@ int trCycleArray::cap_holes(double spacing, double, at2PlaneError& error, const 
 }
 
 int trCycleArray::cap_hole(int progress_index, int id, double spacing, int curvature, at2PlaneError& error) {
+  const auto again = [&] { return cap_hole(progress_index, id, spacing, curvature, error); };
+  if (!coMemoryScope::is_open()) return tr_guarded(block, 0, again);
   const bool is_live =
       block != nullptr && reset_ == resets_ && id >= 0 && id < cycles.count() && cycles.at(id).start >= 0;
   if (!is_live || !has_valid_nodes(cycles.at(id))) return 0;
@@ -114,6 +131,8 @@ int trCycleArray::cap_hole(int progress_index, int id, double spacing, int curva
     return 0;
   }
   trCycle& cycle = cycles.at(id);
+  const ProgressShare progress;
+  const SurfaceInUse surface(*block);
   double low = 0.0, high = 0.0;
   cap_hole_progress_init(progress_index, low, high);
   giPoint3 origin;
@@ -126,8 +145,6 @@ int trCycleArray::cap_hole(int progress_index, int id, double spacing, int curva
   if (ok) ok = adjust_subrange(cycle, normal);
   if (ok) ok = cap_cycle(id, origin, normal, spacing, error);
 
-  disable_curvature_adjust();
-  tr_set_percent_range(low, high);
   cycle.enable_holefilling(0);
   cycle.subrange_nodes.clear();
   if (ok) cycle.start = -1;

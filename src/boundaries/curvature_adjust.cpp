@@ -1,6 +1,7 @@
 // New nodes on a surface that is fitted to the mesh round a hole.
 
 #include "mesh/tri_block.h"
+#include "mesh/memory_guard.h"
 #include "platform/surface/gcm_surf_fitter.h"
 #include "progress/output.h"
 #include "progress/progress.h"
@@ -31,6 +32,8 @@ void list_positions(const trTriBlock& block, const intcoPageArr& nodes, giPoint3
 }  // namespace
 
 int trTriBlock::enable_curvature_adjust(const intcoPageArr* boundary_nodes, int option) const {
+  const auto again = [&] { return enable_curvature_adjust(boundary_nodes, option); };
+  if (!coMemoryScope::is_open()) return tr_guarded(this, no_surface, again);
   if (boundary_nodes == nullptr) {
     self()->curvature_adjust = 1;
     return 0;
@@ -67,6 +70,7 @@ int trTriBlock::apply_curvature_adjust_on_coords(const giPoint3& p, const giVect
 }
 
 int trTriBlock::apply_curvature_adjust_on_node(int i, const giVector3& direction) const {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, -2, [&] { return apply_curvature_adjust_on_node(i, direction); });
   if (!curvature_adjust) return 0;
   if (!has_node(i)) return -1;
   giPoint3 place;

@@ -1,5 +1,6 @@
 #include "boundaries/cycle_array.h"
 #include "boundaries/cycle_it.h"
+#include "mesh/memory_guard.h"
 #include "progress/progress.h"
 
 std::int64_t trCycleArray::resets_ = 0;
@@ -55,6 +56,7 @@ int trCycleArray::detected() const {
 }
 
 int trCycleArray::detect() const {
+  if (!coMemoryScope::is_open()) return tr_guarded(block, edge_count, [&] { return detect(); });
   if (block != nullptr && !detected()) self()->detect_again();
   return edge_count;
 }

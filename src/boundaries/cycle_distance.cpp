@@ -11,6 +11,7 @@
 
 #include "boundaries/cycle_array.h"
 #include "boundaries/cycle_it.h"
+#include "mesh/memory_guard.h"
 #include "platform/spatial/box_tree.h"
 #include "progress/output.h"
 #include "progress/progress.h"
@@ -161,6 +162,7 @@ class GapMeter {
 }  // namespace
 
 giLength trCycleArray::measure_distance(giPoint3& from, giPoint3& to) {
+  if (!coMemoryScope::is_open()) return tr_guarded(block, giLength(), [&] { return measure_distance(from, to); });
   detect();
   from = to = giPoint3(-DBL_MAX, 0.0, 0.0);
   if (block == nullptr || cycles.count() == 0) return giLength();

@@ -15,13 +15,18 @@ intcoPageArr* trCycleNodes::made() {
 trCycleNodes& trCycleNodes::operator=(const intcoPageArr& other) {
   if (&other == nodes_.get()) return *this;
   clear();
-  if (other.count() == 0 || made() == nullptr) return *this;
+  if (other.count() == 0) return *this;
+  if (made() == nullptr) {
+    co_entry_lost();
+    return *this;
+  }
   nodes_->copy(other, other.count(), 0, 0);
   return *this;
 }
 
 void trCycleNodes::append(int node) {
-  if (made() != nullptr) (*nodes_)[nodes_->count()] = node;
+  if (made() == nullptr) return co_entry_lost();
+  (*nodes_)[nodes_->count()] = node;
 }
 
 void trCycleNodes::shrink(int n) {

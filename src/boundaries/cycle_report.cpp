@@ -5,6 +5,7 @@
 
 #include "boundaries/cycle_array.h"
 #include "boundaries/cycle_it.h"
+#include "mesh/memory_guard.h"
 #include "progress/message.h"
 #include "progress/progress.h"
 
@@ -101,6 +102,7 @@ class PictureFile {
 }  // namespace
 
 void trCycleArray::info(std::FILE* file, int detailed) const {
+  if (!coMemoryScope::is_open()) return tr_guarded(block, [&] { info(file, detailed); });
   detect();
   if (tr_interrupt()) return;
   print_message("Boundary info...");

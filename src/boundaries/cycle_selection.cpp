@@ -1,8 +1,11 @@
 #include "boundaries/cycle_array.h"
+#include "mesh/memory_guard.h"
 #include "progress/progress.h"
 
 int trCycleArray::select_cycles(const intcoSet& ids, const int& select, double& average_length, int pick,
                                 const intcoSet& picks, int edge_start, int edge_end) const {
+  const auto again = [&] { return select_cycles(ids, select, average_length, pick, picks, edge_start, edge_end); };
+  if (!coMemoryScope::is_open()) return tr_guarded(block, -1, again);
   detect();
   if (block != nullptr) block->reference_elements();
   if (tr_interrupt()) return -1;

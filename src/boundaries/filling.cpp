@@ -4,6 +4,7 @@
 
 #include "boundaries/cycle_array.h"
 #include "boundaries/cycle_it.h"
+#include "mesh/memory_guard.h"
 #include "mesh/tri_block.h"
 #include "platform/geometry/point_average3.h"
 #include "progress/output.h"
@@ -45,6 +46,7 @@ void sum_attributes(trTriBlock& block, int centre, const int* nodes, int n) {
 }  // namespace
 
 int trCycleArray::fill_holes(const int& curvature) {
+  if (!coMemoryScope::is_open()) return tr_guarded(block, 0, [&] { return fill_holes(curvature); });
   detect();
   if (block == nullptr || tr_interrupt()) return 0;
   block->reference_elements();
@@ -88,8 +90,8 @@ int trCycleArray::generate_n(int* nodes, int n, const int& curvature) const {
   giPointAverage3 mean;
   for (int i = 0; i < n; ++i) mean.add(block->point(nodes[i]));
   if (curvature && !fit_surface(*block, nodes, n)) return -1;
-  const int centre = block->generate_node_private(mean.average(), giVector3(0.0, 0.0, 0.0), 0);
   block->disable_curvature_adjust(1);
+  const int centre = block->generate_node_private(mean.average(), giVector3(0.0, 0.0, 0.0), 0);
   for (int i = 0; i < n; ++i) block->generate(nodes[i + 1 < n ? i + 1 : 0], nodes[i], centre);
   sum_attributes(*block, centre, nodes, n);
   return 0;

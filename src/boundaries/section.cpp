@@ -3,6 +3,7 @@
 #include <cfloat>
 #include <cmath>
 
+#include "mesh/memory_guard.h"
 #include "platform/spatial/point_index.h"
 #include "progress/message.h"
 #include "progress/progress.h"
@@ -42,6 +43,7 @@ giPoint3 trSection::node_point(int node) const {
 }
 
 void trSection::section(gi_Axis axis, double value) {
+  if (!coMemoryScope::is_open()) return tr_guarded(block, [&] { section(axis, value); });
   reset();
   if (block == nullptr) return;
   for (int e = 0; e < block->element_count(); ++e) {

@@ -10,6 +10,7 @@
 #include "boundaries/edge_cone_tree.h"
 #include "boundaries/free_edge.h"
 #include "mesh/aspect_utils.h"
+#include "mesh/memory_guard.h"
 #include "platform/spatial/live_tree.h"
 #include "progress/progress.h"
 
@@ -230,6 +231,7 @@ class StitchMatcher {
 }  // namespace
 
 int trCycleArray::stitch(double tol) {
+  if (!coMemoryScope::is_open()) return tr_guarded(block, 0, [&] { return stitch(tol); });
   detect();
   if (block == nullptr || !(tol > 0.0)) return 0;  // no height is below
   const std::vector<Triple> found = StitchMatcher(*block, cycles, tol).match();

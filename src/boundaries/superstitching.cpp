@@ -10,6 +10,7 @@
 #include "boundaries/cycle_it.h"
 #include "boundaries/free_edge.h"
 #include "mesh/loop_it.h"
+#include "mesh/memory_guard.h"
 #include "platform/spatial/live_tree.h"
 #include "progress/message.h"
 #include "progress/progress.h"
@@ -220,6 +221,7 @@ class EdgeSplitter {
 }  // namespace
 
 int trCycleArray::superstitch(double tol) {
+  if (!coMemoryScope::is_open()) return tr_guarded(block, 0, [&] { return superstitch(tol); });
   if (block == nullptr) return 0;
   const int edges = detect();
   const std::string format = format_text(tr_brnknls("Stitch tolerance %.3f    Boundary edges %%3d/%d"), tol, edges);

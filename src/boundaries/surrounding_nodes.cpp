@@ -1,6 +1,7 @@
 // The ring of nodes round a boundary.
 
 #include "mesh/tri_block.h"
+#include "mesh/memory_guard.h"
 #include "platform/containers/int_set.h"
 #include "progress/output.h"
 #include "progress/progress.h"
@@ -46,6 +47,7 @@ void report_ring(double percent) { tr_report_progress(tr_brnknls("Filling Holes 
 }  // namespace
 
 int trTriBlock::get_surrounding_nodes(const intcoPageArr& nodes, intcoPageArr& out) const {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, -1, [&] { return get_surrounding_nodes(nodes, out); });
   report_ring(0.0);
   reference_elements();
   RingCollector ring(*this, out, &nodes);
@@ -59,6 +61,7 @@ int trTriBlock::get_surrounding_nodes(const intcoPageArr& nodes, intcoPageArr& o
 }
 
 int trTriBlock::get_surrounding_nodes(int node, intcoPageArr& out, const intcoPageArr* exclude) const {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, -1, [&] { return get_surrounding_nodes(node, out, exclude); });
   reference_elements();
   if (tr_interrupt()) return -1;
   RingCollector(*this, out, exclude).collect_round(node);

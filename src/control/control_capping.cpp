@@ -1,6 +1,7 @@
 // Capping holes, and selecting anew those that could not be capped.
 
 #include "control/control.h"
+#include "mesh/memory_guard.h"
 #include "progress/message.h"
 #include "progress/progress.h"
 
@@ -11,6 +12,7 @@ constexpr double second_tol = 1e-7;
 }  // namespace
 
 int trControl::action_cap(double spacing, at2PlaneError& error, const int& curvature) const {
+  if (!coMemoryScope::is_open()) return tr_guarded(&triblock_, 0, [&] { return action_cap(spacing, error, curvature); });
   if (!(spacing > 0.0)) {
     print_message(" Error: invalid value for distance between nodes");
     return 0;
@@ -35,6 +37,7 @@ int trControl::action_cap_ext(double spacing, int curvature, at2PlaneError& erro
     if (tr_interrupt()) break;
     at2PlaneError hole_error = at2_success;
     start_undo("fill_hole");
+    if (triblock_.undo == nullptr) break;
     const int is_capped = cycles_.cap_hole(index++, it(), spacing, curvature, hole_error);
     finish_undo(is_capped);
     capped += is_capped;
@@ -44,7 +47,7 @@ int trControl::action_cap_ext(double spacing, int curvature, at2PlaneError& erro
   }
   if (capped == 0) return 0;
   if (!tr_interrupt()) {
-    select_failed(failed);
+    tr_guarded(&triblock_, [&] { select_failed(failed); });
     return 1;
   }
   action_undo(capped);
@@ -77,6 +80,7 @@ void trControl::save_selection_data(const intcoSet& ids, intintcoTable& start_no
 
 // The entries that the saved cycles name are gone; their picks are not.
 void trControl::restore_selection_data(const intintcoTable& start_nodes, const trCycleArray& saved) {
+  if (!coMemoryScope::is_open()) return tr_guarded(&triblock_, [&] { restore_selection_data(start_nodes, saved); });
   cycles_.detect();
   intcoSet found;
   for (int i = 0; i < cycles_.cycles.count(); ++i) {

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "control/control.h"
+#include "mesh/memory_guard.h"
 #include "platform/digitiser/tri_mask.h"
 
 namespace {
@@ -74,6 +75,7 @@ void copy_mesh(const trTriBlock& block, giTriBlock& out) {
 }  // namespace
 
 void trControl::action_fill_triblock(coFeaturePool& pool) {
+  if (!coMemoryScope::is_open()) return tr_guarded(&triblock_, [&] { action_fill_triblock(pool); });
   if (&pool == &triblock_) return;
   if (const auto* const block = dynamic_cast<const trTriBlock*>(&pool)) {
     giTriBlock copy;
@@ -93,6 +95,7 @@ void trControl::action_fill_triblock(coFeaturePool& pool) {
 }
 
 void trControl::action_append_triblock(coFeaturePool& pool) {
+  if (!coMemoryScope::is_open()) return tr_guarded(&triblock_, [&] { action_append_triblock(pool); });
   if (&pool == &triblock_) return;
   if (const auto* const block = dynamic_cast<const trTriBlock*>(&pool)) {
     giTriBlock copy;
@@ -129,7 +132,10 @@ void trControl::append_mesh(coFeaturePool& pool) {
   action_append_triblock_colours(pool, first_element);
 }
 
-void trControl::action_fill_triblock_colours(coFeaturePool& pool) { action_append_triblock_colours(pool, 0); }
+void trControl::action_fill_triblock_colours(coFeaturePool& pool) {
+  if (!coMemoryScope::is_open()) return tr_guarded(&triblock_, [&] { action_fill_triblock_colours(pool); });
+  action_append_triblock_colours(pool, 0);
+}
 
 void trControl::action_append_triblock_colours(coFeaturePool& pool, int first) {
   giTriCols colours;

@@ -2,11 +2,13 @@
 
 #include <cstring>
 #include <filesystem>
+#include <memory>
 #include <system_error>
 
 #include "control/control.h"
 #include "formats/tri_read.h"
 #include "formats/tri_write.h"
+#include "mesh/memory_guard.h"
 #include "progress/message.h"
 #include "progress/progress.h"
 
@@ -26,10 +28,15 @@ namespace {
 
 int accept_stl() { return 1; }
 
+// Closes the file unless it is handed on.
+using OpenFile = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+OpenFile open_file(const utString& name, const char* mode) { return OpenFile(std::fopen(name.c_str(), mode), &std::fclose); }
+
 // A folder opens like a file on some systems, but there is nothing to read: it would only empty the mesh.
-std::FILE* open_to_read(const utString& name, const char* mode) {
+OpenFile open_to_read(const utString& name, const char* mode) {
   std::error_code ignored;
-  return std::filesystem::is_directory(name.c_str(), ignored) ? nullptr : std::fopen(name.c_str(), mode);
+  return std::filesystem::is_directory(name.c_str(), ignored) ? OpenFile(nullptr, &std::fclose) : open_file(name, mode);
 }
 
 }  // namespace
@@ -85,7 +92,8 @@ trFileType trControl::recognize_extension(const char* name) {
 std::FILE* trControl::search_reader_file(const utString& name, utString& found, trFileType& type) {
   found = name;
   type = recognize_extension(name.c_str());
-  std::FILE* file = type == tr_unknown_file ? nullptr : open_to_read(name, format_table[type].read_mode());
+  OpenFile file(nullptr, &std::fclose);
+  if (type != tr_unknown_file) file = open_to_read(name, format_table[type].read_mode());
   for (int k = 0; file == nullptr && k < tr_unknown_file; ++k) {
     const utString candidate = name + "." + format_table[k].extension;
     file = open_to_read(candidate, format_table[k].read_mode());
@@ -93,18 +101,18 @@ std::FILE* trControl::search_reader_file(const utString& name, utString& found, 
     type = static_cast<trFileType>(k);
     found = candidate;
   }
-  if (file != nullptr) return file;
+  if (file != nullptr) return file.release();
   file = open_to_read(name, format_table[tr_native_file].read_mode());
   if (file != nullptr) {
     print_message("File assumed to be in native format.");
     type = tr_native_file;
   }
-  return file;
+  return file.release();
 }
 
 std::FILE* trControl::open_reader_file(const utString& name, trFileType& type) {
   utString found;
-  std::FILE* const file = search_reader_file(name, found, type);
+  OpenFile file(search_reader_file(name, found, type), &std::fclose);
   if (file == nullptr) {
     if (type == tr_unknown_file) {
       MessageLine().text("No file '").raw(found.c_str()).text("' with recognized extension.");
@@ -117,13 +125,12 @@ std::FILE* trControl::open_reader_file(const utString& name, trFileType& type) {
   const FileFormat& format = format_table[type];
   if (format.read == nullptr || format.is_refused()) {
     if (format.read == nullptr) MessageLine().text("Sorry, cannot read .'").raw(format.extension).text("' files.");
-    std::fclose(file);
     type = tr_unknown_file;
     return nullptr;
   }
   MessageLine().text("File '").raw(found.c_str()).text("' found.");
   file_name_ = found;
-  return file;
+  return file.release();
 }
 
 std::FILE* trControl::open_writer_file(const utString& name, trFileType& type) {
@@ -137,24 +144,29 @@ std::FILE* trControl::open_writer_file(const utString& name, trFileType& type) {
     type = tr_unknown_file;
     return nullptr;
   }
-  std::FILE* const file = std::fopen(found.c_str(), format_table[type].write_mode());
+  OpenFile file = open_file(found, format_table[type].write_mode());
   if (file != nullptr) {
     file_name_ = found;
   } else {
     MessageLine().text("Failed to open").raw("'").raw(found.c_str()).raw("'");
     type = tr_unknown_file;
   }
-  return file;
+  return file.release();
 }
 
 trFileType trControl::read_or_append(const utString& name, int append) {
   trFileType type = tr_unknown_file;
-  std::FILE* const file = open_reader_file(name, type);
+  std::FILE* file = nullptr;
+  tr_guarded(nullptr, [&] { file = open_reader_file(name, type); });
   if (file == nullptr) return tr_unknown_file;
-  (this->*format_table[type].read)(file, append);
+  bool is_read = false;
+  tr_guarded(&triblock_, [&] {
+    (this->*format_table[type].read)(file, append);
+    is_read = true;
+  });
   if (append) return type;
   undo_hist_.reset(file_name_);
-  if (tr_interrupt()) {
+  if (tr_interrupt() || !is_read) {
     print_message("*** WARNING! ALL TRIANGLES DELETED ***");
     triblock_.clear();
   }
@@ -175,11 +187,16 @@ trFileType trControl::action_append(const utString& name) {
 
 void trControl::write_or_rwrite(const utString& name, int rwrite) {
   trFileType type = tr_unknown_file;
-  std::FILE* const file = open_writer_file(name, type);
+  std::FILE* file = nullptr;
+  tr_guarded(nullptr, [&] { file = open_writer_file(name, type); });
   if (file == nullptr) return;
   rwrite_flag_ = rwrite;
-  (this->*format_table[type].write)(file);
-  if (!tr_interrupt()) return;
+  bool is_written = false;
+  tr_guarded(&triblock_, [&] {
+    (this->*format_table[type].write)(file);
+    is_written = true;
+  });
+  if (is_written && !tr_interrupt()) return;
   MessageLine().text("*** WARNING! OUTPUT FILE '").raw(file_name_.c_str()).text("' HAS BEEN CORRUPTED! ***");
 }
 

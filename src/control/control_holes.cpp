@@ -1,6 +1,7 @@
 // Selecting boundaries, and closing those that are selected.
 
 #include "control/control.h"
+#include "mesh/memory_guard.h"
 #include "progress/message.h"
 
 int trControl::select_cycles(const intcoSet& ids, double& average_length, int pick, const intcoSet& picks, int edge_start,
@@ -13,6 +14,7 @@ int trControl::unselect_cycles(const intcoSet& ids, double& average_length) cons
 }
 
 int trControl::action_fill(const int& curvature) const {
+  if (!coMemoryScope::is_open()) return tr_guarded(&triblock_, 0, [&] { return action_fill(curvature); });
   if (!self()->cycles_.fill_holes(curvature)) {
     print_message(" Error while filling holes");
     return 0;

@@ -3,6 +3,7 @@
 #include <ostream>
 
 #include "control/control.h"
+#include "mesh/memory_guard.h"
 #include "progress/message.h"
 
 void trControl::print_system_params(int full) const {
@@ -23,6 +24,7 @@ void trControl::print_system_params(int full) const {
 }
 
 void trControl::print_element_lists(int detect) const {
+  if (!coMemoryScope::is_open()) return tr_guarded(&triblock_, [&] { print_element_lists(detect); });
   print_message("Triangle statistics...");
   trControl& edited = *self();
   const auto report = [detect](auto& list) {
@@ -38,12 +40,14 @@ void trControl::print_element_lists(int detect) const {
 }
 
 void trControl::action_info(int level, double tol, std::FILE* file) {
-  print_system_params(level);
-  tr_out() << '\n';
-  triblock_.info(tol, file, level);
-  tr_out() << '\n';
-  print_element_lists(level);
-  tr_out() << '\n';
-  cycles_.info(file, level);
+  tr_guarded(&triblock_, [&] {
+    print_system_params(level);
+    tr_out() << '\n';
+    triblock_.info(tol, file, level);
+    tr_out() << '\n';
+    print_element_lists(level);
+    tr_out() << '\n';
+    cycles_.info(file, level);
+  });
   if (file != nullptr) std::fclose(file);
 }

@@ -1,6 +1,7 @@
 // Stitching boundaries: one pass, passes until nothing changes, and the whole sequence over a range of tolerances.
 
 #include "control/control.h"
+#include "mesh/memory_guard.h"
 #include "progress/message.h"
 #include "progress/progress.h"
 
@@ -12,11 +13,13 @@ constexpr int nothing_changed = -2;
 }  // namespace
 
 void trControl::action_stitch(double tol) {
+  if (!coMemoryScope::is_open()) return tr_guarded(&triblock_, [&] { action_stitch(tol); });
   cycles_.stitch(tol);
   triangle_update(1);
 }
 
 void trControl::action_staple(double tol) {
+  if (!coMemoryScope::is_open()) return tr_guarded(&triblock_, [&] { action_staple(tol); });
   if (check_tol(tol) && cycles_.superstitch(tol)) triangle_update(1);
 }
 
@@ -25,6 +28,7 @@ void trControl::action_astaple(double tol, int limit) {
 }
 
 int trControl::auto_staple(double tol, int limit) {
+  if (!coMemoryScope::is_open()) return tr_guarded(&triblock_, nothing_changed, [&] { return auto_staple(tol, limit); });
   int passes = 0;
   while (cycles_.superstitch(tol) && !tr_interrupt()) {
     triangle_update(1);
@@ -54,6 +58,10 @@ bool trControl::check_auto_stitch(trAutoMode mode, double start_tol, double fini
 
 void trControl::action_auto_stitch(trAutoMode mode, double start_tol, double finish_tol, double tol_step, int limit, int merge_first,
                                    int orient, int final_cancel, int target_boundaries) {
+  const auto again = [&] {
+    action_auto_stitch(mode, start_tol, finish_tol, tol_step, limit, merge_first, orient, final_cancel, target_boundaries);
+  };
+  if (!coMemoryScope::is_open()) return tr_guarded(&triblock_, again);
   if (!check_auto_stitch(mode, start_tol, finish_tol, tol_step, limit)) return;
   if (merge_first) triblock_.unduplicate_nodes(start_tol);
   const double finish = mode == Multi ? finish_tol : start_tol;

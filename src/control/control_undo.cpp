@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "control/control.h"
+#include "mesh/memory_guard.h"
 #include "progress/message.h"
 
 void trControl::start_undo(const utString& name) { undo_hist_.start(name); }
@@ -47,6 +48,6 @@ void trControl::action_redo(int count) {
 }
 
 void trControl::action_history(std::FILE* file) {
-  undo_hist_.print(file);
+  tr_guarded(nullptr, [&] { undo_hist_.print(file); });
   if (file != nullptr) std::fclose(file);
 }

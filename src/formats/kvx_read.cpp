@@ -1,5 +1,6 @@
 #include "formats/entity_limit.h"
 #include "formats/tri_read.h"
+#include "mesh/memory_guard.h"
 #include "mesh/tri_block.h"
 #include "platform/kvx/kvx_file_read.h"
 #include "progress/output.h"
@@ -73,6 +74,7 @@ class KvxBlocks {
 }  // namespace
 
 int trTriRead::read_kvx() {
+  if (!coMemoryScope::is_open()) return tr_guarded(mesh, 0, [&] { return read_kvx(); });
   tr_report_progress(tr_brnknls(append ? "Appending KVX file..." : "Reading KVX file..."), 0.0);
   begin_reading();
   vrpKVXFileRead in(file);

@@ -1,10 +1,12 @@
 #include "formats/tri_write.h"
+#include "mesh/memory_guard.h"
 #include "mesh/tri_block.h"
 #include "platform/kvx/kvx_file_write.h"
 #include "progress/output.h"
 #include "progress/progress.h"
 
 int trTriWrite::write_kvx() {
+  if (!coMemoryScope::is_open()) return tr_guarded(mesh, 0, [&] { return write_kvx(); });
   tr_report_progress(tr_brnknls("Writing KVX file (no normals)..."), 0.0);
   const int triangles = mesh->valid_elements();
   vrpKVXFileWrite out(file, 0);

@@ -6,6 +6,7 @@
 #include "formats/entity_limit.h"
 #include "formats/line_stream.h"
 #include "formats/tri_read.h"
+#include "mesh/memory_guard.h"
 #include "mesh/tri_block.h"
 #include "progress/message.h"
 #include "progress/progress.h"
@@ -132,6 +133,7 @@ class MeshFileReader {
 };
 
 int trTriRead::read_mes() {
+  if (!coMemoryScope::is_open()) return tr_guarded(mesh, 0, [&] { return read_mes(); });
   tr_report_progress(tr_brnknls(append ? "Appending Mesh file..." : "Reading Mesh file..."), 0.0);
   begin_reading();
   leave_lists_for_later();

@@ -7,6 +7,7 @@
 
 #include "formats/text_out.h"
 #include "formats/tri_write.h"
+#include "mesh/memory_guard.h"
 #include "mesh/tri_block.h"
 #include "progress/output.h"
 #include "progress/progress.h"
@@ -157,6 +158,7 @@ class MeshFile {
 }  // namespace
 
 int trTriWrite::write_mes(int rwrite) {
+  if (!coMemoryScope::is_open()) return tr_guarded(mesh, 0, [&] { return write_mes(rwrite); });
   tr_report_progress(tr_brnknls("Writing mesh file..."), 0.0);
   MeshFile out(*mesh, file, rwrite != 0);
   out.head();

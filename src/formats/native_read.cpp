@@ -8,6 +8,7 @@
 #include "formats/native_blocks.h"
 #include "formats/native_layout.h"
 #include "formats/tri_read.h"
+#include "mesh/memory_guard.h"
 #include "mesh/tri_block.h"
 #include "progress/message.h"
 #include "progress/progress.h"
@@ -40,6 +41,7 @@ int translated(const intcoPageArr& map, int file_number) {
 }  // namespace
 
 int trTriRead::read_native() {
+  if (!coMemoryScope::is_open()) return tr_guarded(mesh, 0, [&] { return read_native(); });
   tr_report_progress(tr_brnknls(append ? "Appending native file..." : "Reading native file..."), 0.0);
   begin_reading();
   trBinRead in(file);

@@ -8,6 +8,7 @@
 #include "formats/native_layout.h"
 #include "formats/out_bytes.h"
 #include "formats/tri_write.h"
+#include "mesh/memory_guard.h"
 #include "mesh/tri_block.h"
 #include "progress/message.h"
 #include "progress/progress.h"
@@ -165,6 +166,7 @@ class NativeWriter {
 }  // namespace
 
 int trTriWrite::write_native(int rwrite) {
+  if (!coMemoryScope::is_open()) return tr_guarded(mesh, 0, [&] { return write_native(rwrite); });
   tr_report_progress(tr_brnknls("Writing native file..."), 0.0);
   NativeWriter writer(*mesh, file, rwrite != 0);
   if (!writer.header(file) || !writer.nodes() || !writer.elements()) return 0;

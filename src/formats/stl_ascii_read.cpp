@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "formats/entity_limit.h"
+#include "mesh/memory_guard.h"
 #include "progress/message.h"
 #include "formats/tri_read.h"
 #include "formats/word_scanner.h"
@@ -135,6 +136,7 @@ class AsciiFacetReader {
 }  // namespace
 
 int trTriRead::read_ast(int start, int stop) {
+  if (!coMemoryScope::is_open()) return tr_guarded(mesh, 0, [&] { return read_ast(start, stop); });
   tr_report_progress(tr_brnknls(append ? "Appending ASCII STL file ..." : "Reading ASCII STL file ..."), 0.0);
   reset_node_data_size(0);
   begin_reading();

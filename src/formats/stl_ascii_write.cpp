@@ -2,6 +2,7 @@
 #include "formats/offset.h"
 #include "formats/text_out.h"
 #include "formats/tri_write.h"
+#include "mesh/memory_guard.h"
 #include "progress/output.h"
 #include "progress/progress.h"
 
@@ -28,6 +29,7 @@ void write_facet(TextOut& out, const FacetGeometry& facet, double scale) {
 }  // namespace
 
 int trTriWrite::write_ast(int positive) {
+  if (!coMemoryScope::is_open()) return tr_guarded(mesh, 0, [&] { return write_ast(positive); });
   tr_report_progress(tr_brnknls("Writing ASCII STL file..."), 0.0);
   const giVector3 offset = positive ? positive_offset(*mesh) : giVector3();
   TextOut out(file);

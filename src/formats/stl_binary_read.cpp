@@ -8,6 +8,7 @@
 
 #include "formats/bin_read.h"
 #include "formats/entity_limit.h"
+#include "mesh/memory_guard.h"
 #include "progress/message.h"
 #include "formats/tri_read.h"
 #include "mesh/tri_block.h"
@@ -82,6 +83,7 @@ bool read_header(trBinRead& in) {
 }  // namespace
 
 int trTriRead::read_stl(int start, int stop) {
+  if (!coMemoryScope::is_open()) return tr_guarded(mesh, 0, [&] { return read_stl(start, stop); });
   tr_report_progress(tr_brnknls(append ? "Appending STL file..." : "Reading STL file..."), 0.0);
   reset_node_data_size(0);
   trBinRead in(file);

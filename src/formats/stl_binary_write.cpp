@@ -4,6 +4,7 @@
 #include "formats/facet_geometry.h"
 #include "formats/offset.h"
 #include "formats/tri_write.h"
+#include "mesh/memory_guard.h"
 #include "progress/output.h"
 #include "progress/progress.h"
 
@@ -62,6 +63,7 @@ void report_facet_error(int e) {
 }  // namespace
 
 int trTriWrite::write_stl(int positive) {
+  if (!coMemoryScope::is_open()) return tr_guarded(mesh, 0, [&] { return write_stl(positive); });
   tr_report_progress(tr_brnknls("Writing STL file..."), 0.0);
   const bool coloured = mesh->get_element_colour(1) != NO_COLOUR;
   const giVector3 offset = positive ? positive_offset(*mesh) : giVector3();

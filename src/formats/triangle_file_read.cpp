@@ -6,6 +6,7 @@
 #include "formats/entity_limit.h"
 #include "formats/line_stream.h"
 #include "formats/tri_read.h"
+#include "mesh/memory_guard.h"
 #include "mesh/tri_block.h"
 #include "progress/output.h"
 #include "progress/progress.h"
@@ -128,6 +129,7 @@ class TriangleBlocks {
 }  // namespace
 
 int trTriRead::read_tri() {
+  if (!coMemoryScope::is_open()) return tr_guarded(mesh, 0, [&] { return read_tri(); });
   tr_report_progress(tr_brnknls(append ? "Appending triangle file..." : "Reading triangle file..."), 0.0);
   begin_reading();
   leave_lists_for_later();

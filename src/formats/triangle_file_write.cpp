@@ -8,6 +8,7 @@
 #include "formats/text_out.h"
 #include "formats/tri_write.h"
 #include "mesh/measures.h"
+#include "mesh/memory_guard.h"
 #include "mesh/tri_block.h"
 #include "progress/output.h"
 #include "progress/progress.h"
@@ -88,6 +89,7 @@ giVector3 facet_normal(const trTriBlock& mesh, const trElement& t) {
 }  // namespace
 
 int trTriWrite::write_tri() {
+  if (!coMemoryScope::is_open()) return tr_guarded(mesh, 0, [&] { return write_tri(); });
   tr_report_progress(tr_brnknls("Writing triangle file (flat format)..."), 0.0);
   TriangleFile out(*mesh, file);
   const int triangles = mesh->valid_elements();
@@ -112,6 +114,7 @@ int trTriWrite::write_tri() {
 }
 
 int trTriWrite::write_smooth_tri() {
+  if (!coMemoryScope::is_open()) return tr_guarded(mesh, 0, [&] { return write_smooth_tri(); });
   const bool has_normals = mesh->node_data_size() >= 3;
   tr_report_progress(tr_brnknls(has_normals ? "Writing triangle file (normal format)..." : "Writing triangle file (smooth format)..."), 0.0);
   mesh->reference_elements();

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "mesh/list_batch.h"
+#include "mesh/memory_guard.h"
 #include "mesh/survivor_map.h"
 #include "mesh/tri_block.h"
 #include "progress/progress.h"
@@ -91,11 +92,15 @@ void for_each_survivor(const Replacement& r, F f) {
 
 }  // namespace
 
+// Where memory runs out half-way, the lists no longer tell of every element.
 void trTriBlock::enter_in_lists(int e) const {
+  elements_referenced = 0;
   for_each_corner(*this, e, [&](int i) { node(i).elements.insert_front(e); });
+  elements_referenced = 1;
 }
 
 void trTriBlock::reference_elements() const {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, [&] { reference_elements(); });
   if (elements_referenced) return;
   for (int i = 1; i < node_count(); ++i) {
     if (tr_interrupt()) return;
@@ -118,7 +123,10 @@ void trTriBlock::reference_elements() const {
   elements_referenced = e > last;
 }
 
-void trTriBlock::reference_new_nodes(const intcoPageArr& map) { replace_nodes(SurvivorMap(map)); }
+void trTriBlock::reference_new_nodes(const intcoPageArr& map) {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, [&] { return reference_new_nodes(map); });
+  replace_nodes(SurvivorMap(map));
+}
 
 void trTriBlock::replace_nodes(const SurvivorMap& map) {
   const std::vector<char> deleted = deleted_nodes(*this);

@@ -1,9 +1,11 @@
 // The mesh handed to a host in the arrays that all geometry code knows.
 
 #include "mesh/tri_block.h"
+#include "mesh/memory_guard.h"
 #include "progress/progress.h"
 
 void trTriBlock::get_giTriBlock(giTriBlock& out) {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, [&] { get_giTriBlock(out); });
   if (valid_nodes() != node_count() - 1 || valid_elements() != element_count() - 1) renumber();
   if (tr_interrupt()) return;
   give_nodes(out);

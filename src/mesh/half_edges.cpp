@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "mesh/hub_edges.h"
+#include "mesh/memory_guard.h"
 #include "mesh/tri_block.h"
 #include "platform/containers/flat_array.h"
 #include "platform/utilities/prefetch.h"
@@ -96,25 +97,28 @@ class HalfEdgeTable {
 }  // namespace
 
 int trTriBlock::link(int a, int b) {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, -1, [&] { return link(a, b); });
   if (!has_node(a) || node(a).invalid) end_on_undefined_node(a);
   if (!has_node(b) || node(b).invalid) end_on_undefined_node(b);
   return link_simple(a, b);
 }
 
-int trTriBlock::link_simple(int a, int b) { return pair_half_edge(node(a).a_edges, a, node(b).a_edges, b, *hubs_); }
+int trTriBlock::link_simple(int a, int b) {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, -1, [&] { return link_simple(a, b); });
+  return pair_half_edge(node(a).a_edges, a, node(b).a_edges, b, *hubs_);
+}
 
+// Where memory runs out half-way, the lists no longer tell of every element.
 void trTriBlock::link_element(int a, int b, int c) {
+  edges_built = 0;
   link_simple(a, b);
   link_simple(b, c);
   link_simple(c, a);
+  edges_built = 1;
 }
 
 // Linking the reversed edges cancels the element's own.
-void trTriBlock::unlink_element(int a, int b, int c) {
-  link_simple(b, a);
-  link_simple(a, c);
-  link_simple(c, b);
-}
+void trTriBlock::unlink_element(int a, int b, int c) { link_element(b, a, c); }
 
 void trTriBlock::reset_edges() {
   hubs_->clear();
@@ -125,11 +129,12 @@ void trTriBlock::reset_edges() {
 }
 
 void trTriBlock::build_edges() {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, [&] { build_edges(); });
   if (edges_built) return;
   reset_edges();
   if (tr_interrupt()) return;
   HalfEdgeTable table(*this);
-  if (!table.has_memory()) return;
+  if (!table.has_memory()) return co_entry_lost();
   const int last = element_count() - 1;
   for (int e = 1; e <= last; ++e) {
     if (tr_interrupt()) return;
@@ -141,6 +146,7 @@ void trTriBlock::build_edges() {
 }
 
 void trTriBlock::a_to_d() {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, [&] { a_to_d(); });
   for (int i = 1; i < node_count(); ++i) {
     trNode& n = node(i);
     if (n.invalid) continue;

@@ -1,4 +1,5 @@
 #include "mesh/survivor_map.h"
+#include "mesh/memory_guard.h"
 #include "mesh/tri_block.h"
 #include "platform/spatial/probe_window.h"
 #include "progress/output.h"
@@ -44,6 +45,7 @@ void trTriBlock::average_node_data(int k, int n) {
 }
 
 int trTriBlock::unduplicate_nodes(double tol) {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, 0, [&] { return unduplicate_nodes(tol); });
   if (!(tol > undup_tol)) return 0;
   intcoPageArr slots(map_page_shift, 5, 10);
   const std::int64_t edits_before = edit_count_;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "mesh/neighbour_search.h"
+#include "mesh/memory_guard.h"
 #include "mesh/tri_block.h"
 #include "progress/progress.h"
 
@@ -30,6 +31,7 @@ giVector3 mean_normal(const trTriBlock& block, int i) {
 }  // namespace
 
 void trTriBlock::compute_node_normals() {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, [&] { compute_node_normals(); });
   if (normals_built && normals_edit_count_ == edit_count_) return;
   normals_built = 0;
   check_out(normals_feature_);
@@ -56,6 +58,7 @@ giVector3 trTriBlock::attribute_or_mean_normal(int i, int data_size) const {
 }
 
 double trTriBlock::min_dotp(double limit, int& count) const {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, 0.0, [&] { return min_dotp(limit, count); });
   count = 0;
   double least = 1.0;
   reference_elements();

@@ -39,6 +39,7 @@ void trPointTree::insert_node(trPointTree*& root, int index, const giPoint3* p) 
   trPointTree** place = &root;
   while (*place != nullptr) place = (*place)->point->x > p->x ? &(*place)->left : &(*place)->right;
   *place = new (std::nothrow) trPointTree(index, p);
+  if (*place == nullptr) co_entry_lost();
 }
 
 int trPointTree::find(const giPoint3* p, double tol) const {

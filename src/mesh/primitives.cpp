@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "mesh/hub_edges.h"
+#include "mesh/memory_guard.h"
 #include "mesh/tri_block.h"
 
 namespace {
@@ -14,6 +15,7 @@ giPoint3 storable(const giPoint3& p) { return giPoint3(storable(p.x), storable(p
 }  // namespace
 
 int trTriBlock::generate_node(const giPoint3& p, const giVector3& n, int adjust) {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, 0, [&] { return generate_node(p, n, adjust); });
   set_node_data_size(0);
   return generate_node_private(p, n, adjust);
 }
@@ -27,6 +29,7 @@ int trTriBlock::generate_node_private(const giPoint3& p, const giVector3& n, int
 }
 
 int trTriBlock::interpolate_node(int a, int b, double t, const giVector3& n) {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, 0, [&] { return interpolate_node(a, b, t, n); });
   const giPoint3 from = node_in_workplane(a);
   const giPoint3 to = node_in_workplane(b);
   const int made = generate_node_private(check_unapply_workplane(gi_interpolate(from, to, t)), n, 1);
@@ -43,6 +46,7 @@ int trTriBlock::interpolate_node(int a, int b, double t, const giVector3& n) {
 }
 
 void trTriBlock::set_node(int i, const giPoint3& p) {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, [&] { set_node(i, p); });
   report_node(i);
   for (int k = node_count(); k < i; ++k) {
     init_node(k);
@@ -69,12 +73,14 @@ void trTriBlock::place_node(int i, const giPoint3& p) {
 }
 
 void trTriBlock::delete_node(int i) {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, [&] { delete_node(i); });
   report_node(i);
   hubs_->forget(i);
   hubs_->disregard([&] { node(i).set_invalid(); });
 }
 
 int trTriBlock::generate(int a, int b, int c) {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, -1, [&] { return generate(a, b, c); });
   if (a == b || b == c || c == a) return -1;
   const int e = element_count();
   set_element(e, a, b, c);
@@ -82,6 +88,7 @@ int trTriBlock::generate(int a, int b, int c) {
 }
 
 void trTriBlock::set_element(int e, int a, int b, int c) {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, [&] { set_element(e, a, b, c); });
   report_element(e);
   const int before = element_count();
   if (e >= before) {
@@ -105,6 +112,7 @@ void trTriBlock::write_element(int e, int a, int b, int c) {
 }
 
 void trTriBlock::delete_element(int e) {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, [&] { delete_element(e); });
   report_element(e);
   trElement& t = element(e);
   if (!t.valid()) return;
@@ -113,6 +121,7 @@ void trTriBlock::delete_element(int e) {
 }
 
 void trTriBlock::reverse_element(int e) {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, [&] { reverse_element(e); });
   report_element(e);
   trElement& t = element(e);
   const int a = t[0];
@@ -126,6 +135,7 @@ void trTriBlock::reverse_element(int e) {
 }
 
 void trTriBlock::append_facet(const giPoint3 corners[3]) {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, [&] { append_facet(corners); });
   const int n = node_count();
   const int e = element_count();
   if (undo != nullptr || edges_built || !elements_referenced) {
@@ -133,6 +143,7 @@ void trTriBlock::append_facet(const giPoint3 corners[3]) {
     set_element(e, n, n + 1, n + 2);
     return;
   }
+  make_room_for_node(n + 2);
   for (int k = 0; k < 3; ++k) {
     giPoint3& p = (*points_)[n + k];
     trNode& fresh = (*nodes_)[n + k];
@@ -158,6 +169,7 @@ void trTriBlock::append_points(const giPoint3coPageArr& points) {
     for (int k = 0; k < points.count(); ++k) set_node(first + k, points.at(k));
     return;
   }
+  if (points.count() > 0) make_room_for_node(first + points.count() - 1);
   for (int k = 0; k < points.count(); ++k) {
     giPoint3& p = (*points_)[first + k];
     trNode& fresh = (*nodes_)[first + k];

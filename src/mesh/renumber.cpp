@@ -1,4 +1,5 @@
 #include "mesh/tri_block.h"
+#include "mesh/memory_guard.h"
 #include "progress/progress.h"
 
 namespace {
@@ -8,6 +9,7 @@ constexpr int map_page_shift = 14;
 }  // namespace
 
 void trTriBlock::renumber() {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, [&] { renumber(); });
   intcoPageArr map(map_page_shift, 5, 10);  // old node number -> new; 0 for deleted nodes
   const int last_node = number_valid_nodes(map);
   if (last_node < 0) return;

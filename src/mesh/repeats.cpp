@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "mesh/tri_block.h"
+#include "mesh/memory_guard.h"
 #include "platform/spatial/hash_mix.h"
 #include "progress/progress.h"
 
@@ -113,6 +114,7 @@ class TwinSearch {
 }  // namespace
 
 int trTriBlock::remove_repeats(int same, int both) {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, 0, [&] { return remove_repeats(same, both); });
   reference_elements();
   if (tr_interrupt()) return 0;
   TwinSearch twins(*this);

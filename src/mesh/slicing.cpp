@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "mesh/survivor_map.h"
+#include "mesh/memory_guard.h"
 #include "mesh/tri_block.h"
 #include "platform/spatial/point_index.h"
 #include "progress/progress.h"
@@ -32,6 +33,7 @@ double crossing(double from, double to, double value, double tol) {
 }  // namespace
 
 int trTriBlock::slice(gi_Axis axis, int side, double value, double tol) {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, 0, [&] { return slice(axis, side, value, tol); });
   const int axis_index = axis == gi_x_axis ? 0 : (axis == gi_y_axis ? 1 : 2);
   reference_elements();
   if (tr_interrupt()) return 0;

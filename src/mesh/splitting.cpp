@@ -1,6 +1,7 @@
 // Edits that make two triangles out of four nodes, choosing the diagonal by shape.
 
 #include "mesh/aspect_utils.h"
+#include "mesh/memory_guard.h"
 #include "mesh/tri_block.h"
 
 namespace {
@@ -69,6 +70,7 @@ int apex_opposite_longest(const double length[3]) {
 }  // namespace
 
 int trTriBlock::generate3(int a, int b, int c) {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, -1, [&] { return generate3(a, b, c); });
   const LongestFirst t = longest_edge_first(*this, a, b, c);
   const int across = element_on_edge(*this, t.q, t.p);
   if (across != 0) {
@@ -83,6 +85,7 @@ int trTriBlock::generate3(int a, int b, int c) {
 }
 
 int trTriBlock::generate4(int a, int b, int c, int d) {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, -1, [&] { return generate4(a, b, c, d); });
   if (trAspectUtils::check_dela(point(a), point(d), point(b), point(c))) {
     generate(a, b, c);
     return generate(c, d, a);
@@ -95,6 +98,7 @@ int trTriBlock::generate4(int a, int b, int c, int d) {
 // end that belongs to the other side: at |AB| from C when AB is shorter than CA, else at |CA| from B.
 // Where edges are built, the second element is linked twice.
 void trTriBlock::split_element(int e) {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, [&] { split_element(e); });
   report_element(e);
   const trElement t = element(e);
   if (!t.valid()) return;
@@ -112,7 +116,11 @@ void trTriBlock::split_element(int e) {
   const double ca = length[(k + 2) % 3];
   const int middle = ab < ca ? interpolate_node(c, b, ab / bc) : interpolate_node(b, c, ca / bc);
   element(e).set(a, b, middle);
-  if (elements_referenced) node(middle).elements.insert_front(e);
+  if (elements_referenced) {
+    elements_referenced = 0;
+    node(middle).elements.insert_front(e);
+    elements_referenced = 1;
+  }
   if (edges_built) link_element(a, b, middle);
   generate(a, middle, c);
   if (edges_built) link_element(a, middle, c);

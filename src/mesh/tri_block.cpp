@@ -3,6 +3,7 @@
 #include <cfloat>
 
 #include "mesh/hub_edges.h"
+#include "mesh/memory_guard.h"
 #include "progress/progress.h"
 
 giVector3 tr_no_direction() { return giVector3(-DBL_MAX, 0.0, 0.0); }
@@ -14,15 +15,16 @@ trTriBlock::trTriBlock() : hubs_(new HubEdges) {
   nodes_ = &nodes_feature_.data()->nodes;
   elements_ = &elements_feature_.data()->triangles;
   points_ = &points_feature_.data()->points;
+  const coMemoryScope scope;  // there is no block without its first pages
   clear();
 }
 
 trTriBlock::~trTriBlock() = default;
 
 void trTriBlock::clear() {
-  nodes_->clear(1);
-  elements_->clear(1);
-  points_->clear(1);
+  nodes_->start_anew();
+  elements_->start_anew();
+  points_->start_anew();
   init_node(0);
   node(0).set_invalid();
   (*elements_)[0] = trElement();
@@ -38,14 +40,23 @@ void trTriBlock::clear() {
 }
 
 void trTriBlock::init_node(int i) {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, [&] { init_node(i); });
+  make_room_for_node(i);
   giPoint3& p = (*points_)[i];
   (*nodes_)[i].coords = &p;
+}
+
+// Both arrays grow, or neither.
+void trTriBlock::make_room_for_node(int i) {
+  const auto has_room = [i](auto& array) { return (i >> array.page_shift()) < array.pages() || array.get_block(i >> array.page_shift()); };
+  if (!has_room(*points_) || !has_room(*nodes_)) throw std::bad_alloc();
 }
 
 // Slots behind a count that was cut still hold what they held: all of them become deleted elements.
 trElement& trTriBlock::access_element(int e) {
   const int before = element_count();
-  if (e >= before) grow_elements(e);
+  if (e >= before && !coMemoryScope::is_open()) tr_guarded(this, [&] { grow_elements(e); });
+  if (e >= element_count()) grow_elements(e);
   for (int k = before; k <= e && k < element_count(); ++k) element(k).set(0, 0, 0);
   return element(e);
 }
@@ -53,13 +64,14 @@ trElement& trTriBlock::access_element(int e) {
 // Raises the count to hold e; slots that were never written become deleted elements.
 void trTriBlock::grow_elements(int e) {
   const int before = element_count();
-  if (!elements_->expand(e + 1)) return;
+  if (!elements_->expand(e + 1)) throw std::bad_alloc();
   for (int k = before; k <= e; ++k) {
     if ((*elements_)[k][0] == UNSET_ELEMENT) element(k).set(0, 0, 0);
   }
 }
 
 trIntListIT trTriBlock::node_elements(int i) {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, trIntListIT(node(i).elements), [&] { return node_elements(i); });
   reference_elements();
   return trIntListIT(node(i).elements);
 }
@@ -83,6 +95,7 @@ int trTriBlock::valid_elements() const {
 }
 
 void trTriBlock::set_node_data_size(int n) {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, [&] { set_node_data_size(n); });
   normals_built = 0;  // attributes may hold the normals
   if (n != 0) {
     check_out(node_data_feature_);
@@ -97,6 +110,7 @@ void trTriBlock::set_node_data_size(int n) {
 }
 
 void trTriBlock::set_element_colour(int e, int colour) {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, [&] { set_element_colour(e, colour); });
   if (colours_ == nullptr) {
     check_out(colours_feature_);
     colours_ = colours_feature_.data();

@@ -35,6 +35,7 @@ MENDEX_EXPORT giVector3 tr_no_direction();
 /// being built is then marked as not built.
 /// Operations that are const but fill caches edit through self(): never define an object of this class as const.
 /// Numbers handed in are not checked unless an operation says so.
+/// Where memory runs out, an operation ends as if it had been interrupted, after a line that says so; a primitive edit then makes nothing.
 class MENDEX_EXPORT trTriBlock : public trMeshArrays {
  public:
   trTriBlock();
@@ -283,6 +284,7 @@ class MENDEX_EXPORT trTriBlock : public trMeshArrays {
   void unlink_element(int a, int b, int c);
   void write_element(int e, int a, int b, int c);
   void grow_elements(int e);
+  void make_room_for_node(int i);
   double lowest_corner_z() const;
   giVector3 attribute_or_mean_normal(int i, int data_size) const;
   std::vector<int> delete_duplicate_nodes(double tol, intcoPageArr& slots);

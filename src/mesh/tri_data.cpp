@@ -15,6 +15,7 @@ giColour tr_decode_colour(int encoded) {
 }
 
 void trTriDataBlock::set_colour(int i, int c) {
+  if (i >= colours.count() && !colours.get_block(i >> colours.page_shift())) return co_entry_lost();
   if (colours.count() == 0) colours[0] = c;
   for (int k = colours.count(); k < i; ++k) colours[k] = NO_COLOUR;
   colours[i] = c;

@@ -30,6 +30,8 @@ constexpr int file_name_width = 29;
 // Which numbers a walk has met: one bit each.
 class NumberMarks {
  public:
+  /// Makes room for numbers below `count`; false when there is no memory.
+  bool reserve(int count) { return (count >> 6) < words_.count() || words_.get_block(count >> (6 + shift)) != 0; }
   void unmark(int i) { words_[i >> 6] &= ~bit(i); }
   /// Marks a number; returns whether it was not marked before.
   bool mark(int i) {
@@ -41,8 +43,32 @@ class NumberMarks {
 
  private:
   static std::uint64_t bit(int i) { return std::uint64_t{1} << (i & 63); }
-  coPageArr<std::uint64_t> words_{12, page_capacity, page_increment};
+  static constexpr int shift = 12;
+  coPageArr<std::uint64_t> words_{shift, page_capacity, page_increment};
 };
+
+// Never destroyed: a host's global objects may outlive any of ours.
+union MarkStore {
+  constexpr MarkStore() : marks() {}
+  ~MarkStore() {}
+  NumberMarks marks;
+};
+
+NumberMarks& node_marks() {
+  static MarkStore store;
+  return store.marks;
+}
+
+NumberMarks& element_marks() {
+  static MarkStore store;
+  return store.marks;
+}
+
+// Whether there is a page for entry i, or memory for one.
+template <class Array>
+bool has_page(Array& array, int i) {
+  return (i >> array.page_shift()) < array.pages() || array.get_block(i >> array.page_shift()) != 0;
+}
 
 // Swaps the first entry of every number below `count`.
 template <class Entries>
@@ -122,49 +148,63 @@ void trUndo::store_element(int e) {
 }
 
 // What is rare is kept apart, so that storing an entry is a short run of instructions without a call: it is all that
-// the journal adds to an edit. Without memory nothing is stored.
+// the journal adds to an edit. Without memory nothing is stored, and the edit that was to follow is not made.
 void trUndo::store_node_in_new_page(int n) {
-  if (nodes.get_block(nodes.pages())) store_node(n);
+  if (!reserve_marks() || !nodes.get_block(nodes.pages())) return co_entry_lost();
+  store_node(n);
 }
 
 void trUndo::store_element_in_new_page(int e) {
-  if (elements.get_block(elements.pages())) store_element(e);
+  if (!reserve_marks() || !elements.get_block(elements.pages())) return co_entry_lost();
+  store_element(e);
 }
 
+// An entry whose attributes cannot be saved is none.
 void trUndo::save_data(trUndoNode& entry) {
-  entry.save_data(hist);
+  if (!entry.save_data(hist)) {
+    nodes.shrink(nodes.count() - 1, 0);
+    return co_entry_lost();
+  }
   saved_data_end_ = entry.data_index + 1;
 }
 
-void trUndo::apply() {
+// What the exchange needs beside the entries themselves: with it, taking back finds memory where there is none left.
+bool trUndo::reserve_marks() const {
+  constexpr int ahead = 1 << 16;  // numbers that the operation may yet make before it asks again
+  const trTriBlock& block = *hist->triblock;
+  const auto room_for = [](int count) { return std::max(count, 0) + ahead; };
+  return node_marks().reserve(room_for(std::max(node_count, block.node_count()))) &&
+         element_marks().reserve(room_for(std::max(element_count, block.element_count())));
+}
+
+int trUndo::apply() {
   trTriBlock& block = *hist->triblock;
+  if (!reserve_marks()) return 0;
   applied = !applied;
   swap_nodes();
   swap_elements();
   ++block.edit_count_;
   block.reset_derived_state();
   block.alter(1);
+  return 1;
 }
 
 void trUndo::swap_nodes() {
-  static NumberMarks* const marks =
-      new NumberMarks;  // never destroyed: a host's global objects may outlive any of ours
   trTriBlock& block = *hist->triblock;
   const int now = block.node_count();
   const int tuples = hist->saved_data.tuples.count();
   grow_nodes(block, node_count);
-  swap_first_entries(nodes, *marks, block.node_count(), hist);
+  swap_first_entries(nodes, node_marks(), block.node_count(), hist);
   cut_nodes(block, node_count);
   node_count = now;
   if (hist->saved_data.tuples.count() > tuples) saved_data_end_ = hist->saved_data.tuples.count();
 }
 
 void trUndo::swap_elements() {
-  static NumberMarks* const marks = new NumberMarks;
   trTriBlock& block = *hist->triblock;
   const int now = block.element_count();
   grow_elements(block, element_count);
-  swap_first_entries(elements, *marks, block.element_count(), hist);
+  swap_first_entries(elements, element_marks(), block.element_count(), hist);
   cut_elements(block, element_count);
   element_count = now;
 }
@@ -172,8 +212,8 @@ void trUndo::swap_elements() {
 // Without memory the count stays short, and entries beyond it are passed over.
 void trUndo::grow_nodes(trTriBlock& block, int count) {
   for (int i = block.node_count(); i < count; ++i) {
+    if (!has_page(*block.points_, i) || !has_page(*block.nodes_, i)) return;
     block.init_node(i);
-    if (i >= block.node_count()) return;
     make_fresh(block.node(i));
   }
 }
@@ -186,7 +226,7 @@ void trUndo::cut_nodes(trTriBlock& block, int count) {
 
 void trUndo::grow_elements(trTriBlock& block, int count) {
   const int before = block.element_count();
-  block.elements_->expand(count);
+  if (count > before && has_page(*block.elements_, count - 1)) block.elements_->expand(count);
   for (int e = before; e < block.element_count(); ++e) block.element(e).set(0, 0, 0);
 }
 

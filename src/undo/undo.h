@@ -35,7 +35,8 @@ class MENDEX_EXPORT trUndo {
   /// arrays to their counts on that side. Numbers beyond the counts are left as if they had never been used. Element
   /// lists, edges, normals and box are rebuilt on their next use. Never polls for interruption. Cost: O(entries +
   /// difference of the counts).
-  void apply();
+  /// @return 1; 0, and nothing is changed, when there is no memory
+  int apply();
 
   /// Prints the record's line of the listing: name, and in column 36 or one blank behind a longer name the numbers of
   /// entries; with a file also writes `print()` there, which has no line end.
@@ -57,6 +58,7 @@ class MENDEX_EXPORT trUndo {
   [[gnu::noinline]] void store_node_in_new_page(int n);
   [[gnu::noinline]] void store_element_in_new_page(int e);
   [[gnu::noinline]] void save_data(trUndoNode& entry);
+  bool reserve_marks() const;
   void use_full_pages();
   void trim_pages();
   void swap_nodes();

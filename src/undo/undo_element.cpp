@@ -19,6 +19,7 @@ void trUndoElement::swap(trUndoHist* hist) {
 void trUndoElement::give_colour(trTriBlock& block, int e, int colour) {
   if (block.colours_ == nullptr || block.get_element_colour(e) == colour) return;
   coPageArr<int>& colours = block.colours_->colours;
+  if (!colours.get_block(e >> colours.page_shift())) return;
   while (colours.count() < e) colours[colours.count()] = block.default_colour();
   colours[e] = colour;
 }

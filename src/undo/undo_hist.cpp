@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <ostream>
 
+#include "mesh/memory_guard.h"
 #include "mesh/tri_block.h"
 #include "progress/message.h"
 
@@ -18,24 +19,26 @@ void trUndoHist::attach(trUndo& record) {
 }
 
 void trUndoHist::start(const utString& name) {
+  if (!coMemoryScope::is_open()) return tr_guarded(triblock, [&] { start(name); });
   if (!full_history_) reset(utString());
-  last_ = ++current_;
-  if (current_ < records.count()) {
-    trUndo& record = *records[current_];
-    forget_tuples_of(record);
+  const int next = current_ + 1;
+  if (next < records.count()) {
+    trUndo& record = *records[next];
+    forget_tuples_of(record, next);
     record.reset(name);
   } else {
     trUndocoDynArrPrgcoPrg record(new trUndo(this, name));
     records.append(record);
   }
+  last_ = current_ = next;
   attach(*records[current_]);
 }
 
 // Tuples that only dropped records named, this one among them, make room for new ones.
-void trUndoHist::forget_tuples_of(const trUndo& record) {
+void trUndoHist::forget_tuples_of(const trUndo& record, int place) {
   if (record.saved_data_end_ == 0) return;
   int end = 0;
-  for (int i = 0; i < current_; ++i) end = std::max(end, records[i]->saved_data_end_);
+  for (int i = 0; i < place; ++i) end = std::max(end, records[i]->saved_data_end_);
   saved_data.tuples.shrink(end, 0);
 }
 
@@ -49,9 +52,9 @@ int trUndoHist::finish() {
     record.trim_pages();
     return 1;
   }
+  last_ = --current_;
   tr_out() << '\n';
   MessageLine().text("! ").text("Operation had no effect. No undo information stored.").text(" !");
-  last_ = --current_;
   return 0;
 }
 
@@ -63,24 +66,24 @@ void trUndoHist::resume() {
 
 void trUndoHist::undo() {
   if (current_ < 0) return print_message("Nothing to undo.");
-  records[current_]->apply();
+  if (!records[current_]->apply()) return tr_end_without_memory(nullptr);
   --current_;
 }
 
 void trUndoHist::redo() {
   if (current_ == last_) return print_message("Nothing to redo.");
+  if (!records[current_ + 1]->apply()) return tr_end_without_memory(nullptr);
   ++current_;
-  records[current_]->apply();
 }
 
 void trUndoHist::reset(const utString& file) {
   if (!file_name.empty()) {
     MessageLine().text("Undo information for '").raw(file_name.c_str()).text("' has been cancelled.");
   }
-  if (!file.empty()) file_name = file;
   last_ = -1;
   current_ = -1;
   saved_data.tuples.clear(1);
+  if (!file.empty()) tr_guarded(nullptr, [&] { file_name = file; });
 }
 
 void trUndoHist::toggle_undo() {
@@ -90,6 +93,7 @@ void trUndoHist::toggle_undo() {
 
 int trUndoHist::allocate_data() {
   const int i = saved_data.tuples.count();
+  if (!saved_data.tuples.get_block(i >> saved_data.tuples.page_shift())) return -1;
   trNodeDataTuple& tuple = saved_data.data(i);
   tuple = trNodeDataTuple();
   tuple.weight = 0;

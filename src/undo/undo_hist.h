@@ -25,7 +25,8 @@ class MENDEX_EXPORT trUndoHist {
   /// Detaches a record that is still open.
   ~trUndoHist();
 
-  /// Opens a record. Without full history everything before it is forgotten first, as `reset` does.
+  /// Opens a record. Without full history everything before it is forgotten first, as `reset` does. Without memory none is opened,
+  /// and the block's `undo` stays null.
   void start(const utString& name);
   /// Closes the record. One that holds nothing is dropped, with a message.
   /// @return 1 if the record holds anything; 0 if not, or, without any message, if none is open
@@ -43,7 +44,7 @@ class MENDEX_EXPORT trUndoHist {
   /// Switches between full history and one operation only, and forgets all operations.
   void toggle_undo();
 
-  /// Adds a tuple of zeros to the store of saved attributes and returns its place.
+  /// Adds a tuple of zeros to the store of saved attributes and returns its place; -1 when there is no memory.
   int allocate_data();
 
   /// Prints the file and the operations; "-> " stands before the first that could be redone. With a file, writes the
@@ -69,7 +70,7 @@ class MENDEX_EXPORT trUndoHist {
   friend class trControl;
 
   void attach(trUndo& record);
-  void forget_tuples_of(const trUndo& record);
+  void forget_tuples_of(const trUndo& record, int place);
   void print_file_name(std::FILE* f) const;
 
   int last_ = -1;

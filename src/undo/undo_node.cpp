@@ -8,13 +8,15 @@ void trUndoNode::set(trUndoHist* hist, int n) {
   if (hist->triblock->node_data_size() != 0) save_data(hist);
 }
 
-void trUndoNode::save_data(trUndoHist* hist) {
+int trUndoNode::save_data(trUndoHist* hist) {
   data_index = hist->allocate_data();
+  if (data_index < 0) return 0;
   const trNodeDataTuplecoPageArr& tuples = hist->triblock->node_data_->tuples;
-  if (index >= tuples.count()) return;  // never written: all zeros, as the new slot is
+  if (index >= tuples.count()) return 1;  // never written: all zeros, as the new slot is
   trNodeDataTuple& kept = hist->saved_data.data(data_index);
   kept = tuples[index];
   kept.weight = tuples[index].weight;
+  return 1;
 }
 
 // Attributes are exchanged as they stand, weights included, so that a number that is given up reads as it did before it
@@ -38,5 +40,7 @@ void trUndoNode::swap(trUndoHist* hist) {
     if (saved.invalid() && point.invalid()) return;
     data_index = hist->allocate_data();
   }
+  // Without memory the attributes of this side are lost, those of the other stay.
+  if (data_index < 0 || !block.node_data_->tuples.get_block(index >> block.node_data_->tuples.page_shift())) return;
   hist->saved_data.data(data_index).swap(block.node_data(index));
 }

@@ -41,5 +41,5 @@ class MENDEX_EXPORT trUndoNode {
     data_index = -1;
     point = node.invalid ? absent_point() : *node.coords;
   }
-  void save_data(trUndoHist* hist);
+  int save_data(trUndoHist* hist);  // 0 when there is no memory
 };

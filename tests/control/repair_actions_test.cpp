@@ -217,26 +217,3 @@ TEST(RepairActions, DeleteIntersectionsThatWereFoundBefore) {
   host.action_intersecting(7);
   EXPECT_EQ(host.valid_elements(), elements - found);
 }
-
-// An interruption stops the action after its search; the host's bracket takes back what there is.
-TEST(RepairActions, InterruptedAtEveryPoll) {
-  const CapturedOutput output;
-  for (const Case& c : mending) {
-    SCOPED_TRACE(c.name);
-    int stop = 1;
-    for (bool is_stopped = true; is_stopped; ++stop) {
-      Host host(c.shape);
-      const BlockSnapshot before(host.triblock());
-      {
-        const InterruptingHandler handler(stop);
-        host.start_undo("edit");
-        c.act(host);
-        is_stopped = handler.interrupted_flag;
-      }
-      host.finish_undo(0);
-      ASSERT_EQ(host.difference(before), "") << "at poll " << stop;
-      ASSERT_TRUE(is_sound(host.triblock()));
-    }
-    EXPECT_GT(stop, 2);
-  }
-}

@@ -1,11 +1,18 @@
 // All actions of the controller in random order, each in a bracket of its own, with random walks of undo and redo between them: every
-// state that was left must come back to the last bit. Some actions are interrupted, and then taken back by their bracket.
+// state that was left must come back to the last bit. Some actions are interrupted, and then taken back by their bracket; now and then
+// the mesh is written in some format and goes on as it was read back.
+//
+// MENDEX_WALK_STEPS: the actions made, 1500 by default.
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
+#include <cstdlib>
 #include <map>
 
 #include "control/control.h"
+#include "format_input.h"
 #include "support/block_snapshot.h"
 #include "support/captured_output.h"
 #include "support/interrupting_handler.h"
@@ -84,6 +91,31 @@ class ActionWalk {
     }
   }
 
+  // What the format keeps comes back; the history begins anew.
+  void reopen() {
+    constexpr struct {
+      const char* extension;
+      bool is_exact;
+    } formats[] = {{"mnx", true}, {"kvx", true}, {"mes", false}, {"tri", false}, {"stl", false}, {"ast", false}};
+    const auto& format = formats[random_.below(6)];
+    const std::string name = testing::TempDir() + "mendex_walk_" + std::to_string(getpid()) + "." + format.extension;
+    trTriBlock& mesh = control_.triblock();
+    const int elements = mesh.valid_elements();
+    const std::vector<double> corners = corners_of(mesh);
+    random_.one_in(2) ? control_.action_write(utString(name)) : control_.action_rwrite(utString(name));
+    ASSERT_NE(control_.action_read(utString(name)), tr_unknown_file);
+    std::remove(name.c_str());
+    ASSERT_EQ(mesh.valid_elements(), elements) << format.extension;
+    if (format.is_exact) {
+      ASSERT_EQ(corners_of(mesh), corners) << format.extension;
+    }
+    ASSERT_TRUE(is_sound(mesh)) << format.extension;
+    states_.clear();
+    states_.emplace_back(mesh);
+    known_ = {true};
+    ++reopened;
+  }
+
   void return_to_the_start() {
     control_.action_undo(control_.undo_hist().current() + 1);
     ASSERT_EQ(states_[0].difference(BlockSnapshot(control_.triblock())), "");
@@ -91,6 +123,7 @@ class ActionWalk {
 
   static std::map<std::string, int> times;
   static int compared;
+  static int reopened;
   struct NamedAction {
     const char* name;
     void (ActionWalk::*act)();
@@ -159,6 +192,7 @@ class ActionWalk {
 
 std::map<std::string, int> ActionWalk::times;
 int ActionWalk::compared = 0;
+int ActionWalk::reopened = 0;
 
 const ActionWalk::NamedAction ActionWalk::actions[25] = {
     {"undup", &ActionWalk::undup},           {"bundup", &ActionWalk::bundup},
@@ -179,16 +213,22 @@ const ActionWalk::NamedAction ActionWalk::actions[25] = {
 }  // namespace
 
 TEST(ActionWalk, EveryStateComesBack) {
-  const CapturedOutput output;
-  for (std::uint64_t seed = 1; seed <= 60 && !HasFatalFailure(); ++seed) {
+  CapturedOutput output;
+  const char* const wanted = std::getenv("MENDEX_WALK_STEPS");
+  const auto steps = static_cast<std::uint64_t>(wanted == nullptr ? 1500 : std::atoi(wanted));
+  constexpr std::uint64_t length = 25;
+  for (std::uint64_t seed = 1; seed <= steps / length && !HasFatalFailure(); ++seed) {
     SCOPED_TRACE("script " + std::to_string(seed));
     ActionWalk walk(seed);
-    for (int k = 0; k < 25 && !HasFatalFailure(); ++k) {
+    for (std::uint64_t k = 0; k < length && !HasFatalFailure(); ++k) {
       walk.act();
       walk.walk();
+      if (!HasFatalFailure() && (seed + k) % 11 == 0) walk.reopen();
     }
     if (!HasFatalFailure()) walk.return_to_the_start();
+    output.take();
   }
-  EXPECT_GT(ActionWalk::compared, 800);
+  EXPECT_GT(ActionWalk::compared, static_cast<int>(steps / 2));
+  EXPECT_GT(ActionWalk::reopened, static_cast<int>(steps / 20));
   EXPECT_EQ(ActionWalk::times.size(), std::size(ActionWalk::actions));
 }

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/containers/buffer_guard.h"
+#include "platform/containers/memory_scope.h"
 
 template <class T>
 class coDynArrcoIterator;
@@ -57,7 +58,7 @@ class coDynArr {
   /// Entry i; an index at or beyond the count raises the count to i + 1. Without memory the count stays, and a scratch entry is
   /// returned whose value is lost with the next such failure.
   T& operator[](int i) {
-    if (i >= capacity_ && !resize(i)) return scratch();
+    if (i >= capacity_ && !resize(i)) return lost_entry();
     if (i >= count_) count_ = i + 1;
     return data_[i];
   }
@@ -66,7 +67,10 @@ class coDynArr {
 
   /// Makes sure that entries below n exist and raises the count to n if it is lower. 0 when there is no memory.
   int expand(int n) {
-    if (!reserve(n)) return 0;
+    if (!reserve(n)) {
+      co_entry_lost();
+      return 0;
+    }
     count_ = std::max(count_, n);
     return 1;
   }
@@ -117,6 +121,7 @@ class coDynArr {
     T held = std::move(owner);
     if (!resize(count_)) {
       owner = std::move(held);
+      co_entry_lost();
       return -1;
     }
     data_[count_] = std::move(held);
@@ -133,8 +138,10 @@ class coDynArr {
     return 1;
   }
 
-  static T& scratch() {
-    static T* entry = new T();  // never destroyed: a host's global objects may outlive any of ours
+  static T& lost_entry() {
+    co_entry_lost();
+    alignas(T) static unsigned char place[sizeof(T)];
+    static T* entry = new (place) T();  // never destroyed: a host's global objects may outlive any of ours
     *entry = T();
     return *entry;
   }

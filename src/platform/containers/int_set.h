@@ -19,7 +19,7 @@ class intcoSet {
   /// @param log2  log2 of the slots of the fresh table
   /// @param load  percentage of filled slots at which the table doubles
   explicit intcoSet(int log2 = 4, int load = 50) noexcept : slots_(log2, load, coIntSlots::Payload::none) {}
-  intcoSet(std::initializer_list<int> entries) noexcept : intcoSet() {
+  intcoSet(std::initializer_list<int> entries) : intcoSet() {
     for (int v : entries) add(v);
   }
 
@@ -30,7 +30,7 @@ class intcoSet {
   int table_size() const { return 1 << slots_.log2_size(); }
 
   /// 1 when v was added, 0 when it was there already or there is no memory.
-  int add(int v) noexcept {
+  int add(int v) {
     if (member(v) || slots_.insert(v) < 0) return 0;
     hash_ ^= v;
     return 1;

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "platform/containers/cell_pool.h"
+#include "platform/containers/memory_scope.h"
 
 class intcoSListBcoIterator;
 
@@ -26,7 +27,10 @@ class MENDEX_EXPORT intcoSListB {
   /// Inserts v before all others. Without memory the list stays as it is and 0 is returned.
   int insert_front(int v) {
     const Link link = coCellPool::prepend(v, head_);
-    if (link == 0) return 0;
+    if (link == 0) {
+      co_entry_lost();
+      return 0;
+    }
     head_ = link;
     return 1;
   }

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <utility>
 
+#include "platform/containers/memory_scope.h"
 #include "platform/containers/refused_memory.h"
 
 namespace {
@@ -25,12 +26,12 @@ unsigned probe_step(int v) {
 coIntSlots::coIntSlots(int log2, int load, Payload payload) noexcept
     : first_log2_(clamped(log2, 0, max_log2)), log2_(first_log2_), load_(clamped(load, 1, 100)), payload_(payload) {}
 
-coIntSlots::coIntSlots(const coIntSlots& other) noexcept
+coIntSlots::coIntSlots(const coIntSlots& other)
     : first_log2_(other.first_log2_), log2_(other.first_log2_), load_(other.load_), payload_(other.payload_) {
   copy_table(other);
 }
 
-coIntSlots& coIntSlots::operator=(const coIntSlots& other) noexcept {
+coIntSlots& coIntSlots::operator=(const coIntSlots& other) {
   if (this == &other) return *this;
   release();
   first_log2_ = other.first_log2_;
@@ -57,10 +58,13 @@ void coIntSlots::release() noexcept {
 }
 
 // Takes the other's slots over as they stand, so that both are walked in the same order. Without memory the copy is empty.
-void coIntSlots::copy_table(const coIntSlots& other) noexcept {
+void coIntSlots::copy_table(const coIntSlots& other) {
   if (other.count_ == 0) return;
   keys_ = static_cast<int*>(std::malloc(table_bytes(other.log2_)));
-  if (keys_ == nullptr) return report_refused_memory();
+  if (keys_ == nullptr) {
+    report_refused_memory();
+    return co_entry_lost();
+  }
   log2_ = other.log2_;
   std::memcpy(keys_, other.keys_, table_bytes(log2_));
   count_ = other.count_;
@@ -90,11 +94,14 @@ int coIntSlots::free_slot(int v) const noexcept {
   return static_cast<int>(slot);
 }
 
-int coIntSlots::insert(int v) noexcept {
+int coIntSlots::insert(int v) {
   const int filled = count_ + marks_ + 1;
   if (keys_ == nullptr || filled >= size() || overloaded(filled, log2_)) rebuild();
   // Without memory the present table serves on until one empty slot is left.
-  if (keys_ == nullptr || count_ + marks_ + 1 >= size()) return -1;
+  if (keys_ == nullptr || count_ + marks_ + 1 >= size()) {
+    co_entry_lost();
+    return -1;
+  }
   const int slot = free_slot(v);
   if (states()[slot] == removed) --marks_;
   states()[slot] = used;

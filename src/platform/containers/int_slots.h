@@ -19,8 +19,8 @@ class MENDEX_EXPORT coIntSlots {
   /// @param log2  log2 of the slots of the fresh table, held within 0 to 30
   /// @param load  percentage of used slots at which the table is rebuilt, held within 1 to 100
   coIntSlots(int log2, int load, Payload payload) noexcept;
-  coIntSlots(const coIntSlots& other) noexcept;
-  coIntSlots& operator=(const coIntSlots& other) noexcept;
+  coIntSlots(const coIntSlots& other);
+  coIntSlots& operator=(const coIntSlots& other);
   ~coIntSlots() { release(); }
 
   int count() const { return count_; }
@@ -30,7 +30,7 @@ class MENDEX_EXPORT coIntSlots {
   int find(int v) const noexcept;
 
   /// Inserts v, which must be absent, and returns its slot; -1 when there is no memory.
-  int insert(int v) noexcept;
+  int insert(int v);
 
   /// Empties the slot, which must hold an entry.
   void remove_at(int slot) noexcept;
@@ -54,7 +54,7 @@ class MENDEX_EXPORT coIntSlots {
   std::size_t table_bytes(int log2) const;
   bool overloaded(int entries, int log2) const;
   void release() noexcept;
-  void copy_table(const coIntSlots& other) noexcept;
+  void copy_table(const coIntSlots& other);
   int free_slot(int v) const noexcept;
   int wanted_log2() const;
   void rebuild() noexcept;

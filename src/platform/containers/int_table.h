@@ -19,7 +19,7 @@ class intintcoTable {
   int count() const { return slots_.count(); }
 
   /// Maps `key` to `value`, in place of an earlier value. 1 when the key is new, 0 when it was there or there is no memory.
-  int set(int key, int value) noexcept {
+  int set(int key, int value) {
     int slot = slots_.find(key);
     const int fresh = slot < 0;
     if (fresh && (slot = slots_.insert(key)) < 0) return 0;

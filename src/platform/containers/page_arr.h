@@ -5,6 +5,7 @@
 #include <new>
 #include <utility>
 
+#include "platform/containers/memory_scope.h"
 #include "platform/containers/page_heap.h"
 #include "platform/containers/page_pointers.h"
 #include "platform/utilities/ut_copy.h"
@@ -55,7 +56,7 @@ class coPageArr {
 
   /// Entry i; an index at or beyond the count grows the array to hold it. Without memory a scratch entry is returned.
   T& operator[](int i) {
-    if (i >= count_ && !grow_to(i)) return scratch();
+    if (i >= count_ && !grow_to(i)) return lost_entry();
     return at(i);
   }
   /// Entry i without growth; i must be below the count.
@@ -75,7 +76,10 @@ class coPageArr {
 
   /// Makes sure that entries below n exist and raises the count to n. 0 when there is no memory.
   int expand(int n) {
-    if (n > 0 && !get_block((n - 1) >> page_shift_)) return 0;
+    if (n > 0 && !get_block((n - 1) >> page_shift_)) {
+      co_entry_lost();
+      return 0;
+    }
     count_ = std::max(count_, n);
     return 1;
   }
@@ -144,7 +148,8 @@ class coPageArr {
   /// source's count, not by what follows src: entries beyond the source's pages read as default-constructed.
   void copy(const coPageArr& other, int n, int dst, int src) {
     n = std::min(n, other.count_);
-    if (n <= 0 || !reserve_entries(dst + n)) return;
+    if (n <= 0) return;
+    if (!reserve_entries(dst + n)) return co_entry_lost();
     if (this == &other && src < dst && dst < src + n) {
       for (int k = n - 1; k >= 0; --k) (*this)[dst + k] = other.entry_or_default(src + k);
       return;
@@ -182,6 +187,15 @@ class coPageArr {
     }
   }
 
+  /// Count 0 and every entry default-constructed, with no more pages than the first: what takes no memory.
+  void start_anew() {
+    shrink(0, 0);
+    free_pages_from(std::min(pages_allocated_, 1));
+    if (pages_allocated_ == 0) return;
+    std::destroy_n(page(0), page_size_);
+    for (int k = 0; k < page_size_; ++k) new (page(0) + k) T();
+  }
+
   void reverse() {
     using std::swap;
     for (int k = 0; k < count_ / 2; ++k) swap(at(k), at(count_ - 1 - k));
@@ -206,7 +220,8 @@ class coPageArr {
 
   T entry_or_default(int i) const { return (i >> page_shift_) < pages_allocated_ ? T(at(i)) : T(); }
 
-  static T& scratch() {
+  static T& lost_entry() {
+    co_entry_lost();
     static T entry;
     return entry;
   }
@@ -235,8 +250,7 @@ class coPageArr {
     if (fresh == nullptr) return 0;
     for (int k = 0; k < count_; ++k) fresh[k] = std::move(at(k));
     free_pages_from(0);
-    pages_.clear();
-    pages_.reserve(1);
+    pages_.restart();
     pages_.set(pages_allocated_++, fresh);
     page_shift_ = shift;
     page_size_ = 1 << shift;

@@ -60,15 +60,30 @@ SlabTable& table() {
   return *instance;
 }
 
+// Makes room at once for all that giving pages back will need; false, and the slab is gone, when there is no memory for that.
+bool enter_slab(char* base, std::size_t bytes, std::vector<char*>& open) {
+  SlabTable& all = table();
+  try {
+    Slab& slab = all.slabs[base];
+    slab.page_bytes = bytes;
+    slab.freed.reserve(static_cast<std::size_t>(slab.page_total()));
+    if (open.capacity() < all.slabs.size()) open.reserve(2 * all.slabs.size());
+  } catch (const std::bad_alloc&) {
+    all.slabs.erase(base);
+    coPageHeap::release_slab(base);
+    return false;
+  }
+  open.push_back(base);
+  return true;
+}
+
 char* open_slab(std::size_t bytes) {
   SlabTable& all = table();
   std::vector<char*>& open = all.open[bytes];
   if (!open.empty()) return open.back();
   char* base = static_cast<char*>(coPageHeap::allocate_slab(true));
   if (base == nullptr) return nullptr;
-  all.slabs[base].page_bytes = bytes;
-  open.push_back(base);
-  return base;
+  return enter_slab(base, bytes, open) ? base : nullptr;
 }
 
 void* take_from_slab(std::size_t bytes) {
@@ -125,11 +140,7 @@ void coPageHeap::release(void* page, std::size_t bytes, int ordinal) noexcept {
     ::operator delete(page, std::align_val_t{page_alignment});
     return;
   }
-  try {
-    give_to_slab(static_cast<char*>(page), bytes);
-  } catch (const std::bad_alloc&) {
-    // The page stays unused until its slab goes; nothing else is lost.
-  }
+  give_to_slab(static_cast<char*>(page), bytes);
 }
 
 namespace {

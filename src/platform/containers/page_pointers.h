@@ -41,6 +41,9 @@ class utAnycoPageArrINTERNALcoDynArr {
     capacity_ = 0;
   }
 
+  /// As `clear` and then `reserve(1)`, but without giving the storage up, which has room for a pointer.
+  void restart() noexcept { capacity_ = increment_; }
+
   /// Reallocates exactly `n` pointers when fewer than before are needed.
   void shrink(int n) noexcept {
     if (n <= 0) return clear();

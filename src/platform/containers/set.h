@@ -6,6 +6,7 @@
 
 #include "platform/containers/base_set.h"
 #include "platform/containers/hash.h"
+#include "platform/containers/memory_scope.h"
 #include "platform/utilities/ut_copy.h"
 
 template <class T>
@@ -51,7 +52,8 @@ class coSet : public basecoSet, private coHash, private coArrInterface, private 
     free_table();
     max_load_ = other.max_load_;
     log2_size_ = other.log2_size_;
-    if (other.count_ == 0 || !make_table()) return;
+    if (other.count_ == 0) return;
+    if (!make_table()) return co_entry_lost();
     for (int k = 0; k < table_size(); ++k) table_[k] = other.table_[k];
     coHash::copy_marks(other);
     count_ = other.count_;
@@ -62,9 +64,13 @@ class coSet : public basecoSet, private coHash, private coArrInterface, private 
   const T& add(const T& entry) {
     const int found = find_index(&entry);
     if (found >= 0) return table_[found];
-    if (!make_table()) return nil();
-    if (count_ + 1 >= table_size()) update_size(count_ + 1);
-    if (count_ + 1 < table_size()) enter(entry);
+    const bool has_table = make_table();
+    if (has_table && count_ + 1 >= table_size()) update_size(count_ + 1);
+    if (has_table && count_ + 1 < table_size()) {
+      enter(entry);
+    } else {
+      co_entry_lost();
+    }
     return nil();
   }
 
@@ -120,7 +126,8 @@ class coSet : public basecoSet, private coHash, private coArrInterface, private 
 
   /// The entry that stands for none.
   static const T& nil() {
-    static const T* entry = new T();  // never destroyed: a host's global sets may outlive any of ours
+    alignas(T) static unsigned char place[sizeof(T)];
+    static const T* entry = new (place) T();  // never destroyed: a host's global sets may outlive any of ours
     return *entry;
   }
 

@@ -182,6 +182,7 @@ bool PointIndex::better(int position, int than) const {
     complete_order();
     return order_.precedes(key(position), key(than));
   } catch (const std::bad_alloc&) {
+    co_entry_lost();
     return position < than;
   }
 }
@@ -195,6 +196,7 @@ bool PointIndex::cut_off(int position, double x) const {
     complete_order();
     return !order_.reachable(key(position), x, tol_);
   } catch (const std::bad_alloc&) {
+    co_entry_lost();
     return false;
   }
 }
@@ -209,7 +211,7 @@ void PointIndex::keep(const giPoint3& p, int number, Probe probe) {
   const bool in_class = kind_ == Reach::everything && !has_nan(p);
   if (!in_grid && !in_class && winner_ != Winner::tree_order) return;
   const int position = records_.count();
-  if ((in_grid && !grow(entered_ + 1)) || !records_.expand(position + 1)) return;
+  if ((in_grid && !grow(entered_ + 1)) || !records_.expand(position + 1)) return co_entry_lost();
   records_.at(position) = Record{p.x, p.y, p.z, number};
   if (in_grid) enter(probe.home, static_cast<std::uint32_t>(position) + 1);
   if (in_class) keep_class(p, position);
