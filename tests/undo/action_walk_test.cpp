@@ -36,7 +36,7 @@ class ActionWalk {
   void act() {
     const NamedAction& action = actions[static_cast<std::size_t>(random_.below(static_cast<int>(std::size(actions))))];
     const bool brackets_itself = std::string(action.name) == "cap_ext";
-    const int before = control_.undo_hist().current(), nodes = control_.triblock().node_count();
+    const int before = control_.undo_hist().current(), slots = slot_count();
     const int stop_at = random_.one_in(6) ? random_.between(1, 60) : 0;
     bool is_interrupted = false;
     if (!brackets_itself) control_.start_undo(action.name);
@@ -58,7 +58,7 @@ class ActionWalk {
       known_.push_back(k == made);
     }
     BlockSnapshot& here = states_[static_cast<std::size_t>(before) + 1];
-    if (made == 0 && only_cuts(action.name, nodes)) here = now;
+    if (made == 0 && only_cuts(action.name, slots)) here = now;
     if (made == 0 && known_[static_cast<std::size_t>(before) + 1]) {
       ASSERT_EQ(here.difference(now), "") << action.name << " without a record";
     }
@@ -122,7 +122,8 @@ class ActionWalk {
 
  private:
   // Renumbering that only cuts deleted numbers off the end leaves no record.
-  bool only_cuts(const std::string& name, int nodes) { return name == "renumber" && control_.triblock().node_count() < nodes; }
+  bool only_cuts(const std::string& name, int slots) const { return name == "renumber" && slot_count() < slots; }
+  int slot_count() const { return control_.triblock().node_count() + control_.triblock().element_count(); }
   double jitter() { return 0.02 * (random_.unit() - 0.5); }
   double tolerance() { return random_.one_in(2) ? 1e-6 : 0.1 * random_.unit(); }
   void select() {
