@@ -15,6 +15,9 @@ namespace {
 constexpr int far_ahead = 24;
 constexpr int near_ahead = 12;
 
+// Polls now and then, in loops whose steps are so short that a poll at each would be most of their time.
+bool interrupted_at(int step) { return step % 1024 == 0 && tr_interrupt(); }
+
 // Calls f(node) for each corner of a valid element that names a node of the block.
 template <class F>
 void for_each_corner(const trTriBlock& block, int e, F f) {
@@ -32,10 +35,11 @@ struct Replacement {
   bool names_deleted;  // a corner's node is deleted, whether or not there is a survivor
 };
 
-// Which nodes of a block are deleted, a byte each, so that very many corners can be asked without a node record each.
+// Which nodes of a block are deleted, a byte each, so that very many corners can be asked without a node record each. Good for nothing
+// when interrupted.
 std::vector<char> deleted_nodes(const trTriBlock& block) {
   std::vector<char> deleted(static_cast<std::size_t>(block.node_count()));
-  for (int i = 0; i < block.node_count(); ++i) deleted[static_cast<std::size_t>(i)] = block.node(i).invalid != 0;
+  for (int i = 0; i < block.node_count() && !interrupted_at(i); ++i) deleted[static_cast<std::size_t>(i)] = block.node(i).invalid != 0;
   return deleted;
 }
 
@@ -109,6 +113,7 @@ void trTriBlock::reference_elements() const {
   ElementListBatch lists(*this, nullptr);
   const int last = element_count() - 1;
   for (int e = 1; e <= last; ++e) {
+    if (interrupted_at(e)) return;
     for_each_corner(*this, std::min(e + far_ahead, last), [&](int i) { lists.prefetch_counter(i); });
     for_each_corner(*this, e, [&](int i) { lists.announce(i); });
   }
@@ -119,8 +124,7 @@ void trTriBlock::reference_elements() const {
     for_each_corner(*this, std::min(e + near_ahead, last), [&](int i) { lists.prefetch_place(i); });
     for_each_corner(*this, e, [&](int i) { lists.insert(i, e); });
   }
-  lists.close();
-  elements_referenced = e > last;
+  elements_referenced = e > last && lists.close();
 }
 
 void trTriBlock::reference_new_nodes(const intcoPageArr& map) {
@@ -132,8 +136,10 @@ void trTriBlock::replace_nodes(const SurvivorMap& map) {
   const std::vector<char> deleted = deleted_nodes(*this);
   ElementListBatch lists(*this, map.numbers());
   if (elements_referenced) announce_replacements(map, deleted, lists);
+  if (tr_interrupt()) return;
   ReplacementWindow window(*this, map, deleted);
-  for (int e = 1; e <= window.last() && !tr_interrupt(); ++e) {
+  int e = 1;
+  for (; e <= window.last() && !tr_interrupt(); ++e) {
     const Replacement& far = window.advance(e);
     if (elements_referenced) {
       for_each_survivor(far, [&](int slot) { lists.prefetch_cursor(slot); });
@@ -146,12 +152,13 @@ void trTriBlock::replace_nodes(const SurvivorMap& map) {
       if (r.slot[k] != 0) element(e)[k] = elements_referenced ? lists.insert(r.slot[k], e) : map.number(r.slot[k]);
     }
   }
-  lists.close();
+  if (elements_referenced) elements_referenced = e > window.last() && lists.close();
 }
 
 void trTriBlock::announce_replacements(const SurvivorMap& map, const std::vector<char>& deleted, ElementListBatch& lists) const {
   ReplacementWindow window(*this, map, deleted);
   for (int e = 1; e <= window.last(); ++e) {
+    if (interrupted_at(e)) return;
     for_each_survivor(window.advance(e), [&](int slot) { lists.prefetch_counter(slot); });
     for_each_survivor(window.at(e), [&](int slot) { lists.announce(slot); });
   }

@@ -1,6 +1,7 @@
 #include "mesh/list_batch.h"
 
 #include "mesh/tri_block.h"
+#include "progress/progress.h"
 
 ElementListBatch::ElementListBatch(const trTriBlock& block, const std::vector<int>* numbers)
     : block_(block), numbers_(numbers),
@@ -29,14 +30,16 @@ int ElementListBatch::insert_directly(int slot, int value) {
   return node;
 }
 
-void ElementListBatch::close() {
-  if (values_.size() == 0) return;
+bool ElementListBatch::close() {
+  if (values_.size() == 0) return true;
   std::uint32_t end = 0;
   for (int slot = 0; slot < static_cast<int>(counts_.size()); ++slot) {
+    if (slot % 1024 == 0 && tr_interrupt()) return false;
     end += static_cast<std::uint32_t>(announced(slot));
     const Cursor& cursor = cursors_[static_cast<std::size_t>(slot)];
     if (cursor.place == end) continue;
     trIntList& list = block_.node(cursor.node).elements;
     for (std::uint32_t at = end; at-- > cursor.place;) list.insert_front(values_[at]);
   }
+  return true;
 }

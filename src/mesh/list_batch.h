@@ -51,8 +51,8 @@ class ElementListBatch {
     if (values_.size() != 0) co_prefetch_for_writing(&values_[cursors_[static_cast<std::size_t>(slot)].place - 1]);
   }
 
-  /// Makes the lists of what was inserted.
-  void close();
+  /// Makes the lists of what was inserted; false when interrupted, and then some lack it.
+  bool close();
 
  private:
   struct Cursor {

@@ -45,7 +45,7 @@ class ActionWalk {
     const bool brackets_itself = std::string(action.name) == "cap_ext";
     // The new nodes of a cap drop all attributes for good.
     if (has_attributes_ && std::string(action.name).rfind("cap", 0) == 0) return;
-    const int before = control_.undo_hist().current();
+    const int before = control_.undo_hist().current(), slots = slot_count();
     const int stop_at = random_.one_in(6) ? random_.between(1, 60) : 0;
     bool is_interrupted = false;
     if (!brackets_itself) control_.start_undo(action.name);
@@ -67,8 +67,7 @@ class ActionWalk {
       known_.push_back(k == made);
     }
     BlockSnapshot& here = states_[static_cast<std::size_t>(before) + 1];
-    // Renumbering that only cuts deleted numbers off the end leaves no record.
-    if (made == 0 && std::string(action.name) == "renumber") here = now;
+    if (made == 0 && only_cuts(action.name, slots)) here = now;
     if (made == 0 && known_[static_cast<std::size_t>(before) + 1]) {
       ASSERT_EQ(here.difference(now), "") << action.name << " without a record";
     }
@@ -131,6 +130,9 @@ class ActionWalk {
   static const NamedAction actions[25];
 
  private:
+  // Renumbering that only cuts deleted numbers off the end leaves no record.
+  bool only_cuts(const std::string& name, int slots) const { return name == "renumber" && slot_count() < slots; }
+  int slot_count() const { return control_.triblock().node_count() + control_.triblock().element_count(); }
   double jitter() { return 0.02 * (random_.unit() - 0.5); }
   double tolerance() { return random_.one_in(2) ? 1e-6 : 0.1 * random_.unit(); }
   void select() {
