@@ -43,7 +43,8 @@ struct MemoryFile {
   std::FILE* open(const char* mode) { return fopencookie(this, mode, {read, write, seek, close}); }
 };
 
-Written write_with(const Format& format, const trTriBlock& mesh, int flag, double scale, std::size_t room, std::size_t buffer) {
+Written write_with(const Format& format, const trTriBlock& mesh, int flag, double scale, std::size_t room,
+                   std::size_t buffer) {
   MemoryFile file;
   file.room = room;
   std::vector<char> space(buffer);
@@ -73,7 +74,8 @@ const Format kvx_format{"KVX", [](trTriRead& in, const ReadOptions&) { return in
                         [](trTriWrite& out, int) { return out.write_kvx(); }};
 const Format stl_format{"STL", [](trTriRead& in, const ReadOptions& of) { return in.read_stl(of.start, of.stop); },
                         [](trTriWrite& out, int positive) { return out.write_stl(positive); }};
-const Format ascii_stl_format{"ASCII STL", [](trTriRead& in, const ReadOptions& of) { return in.read_ast(of.start, of.stop); },
+const Format ascii_stl_format{"ASCII STL",
+                              [](trTriRead& in, const ReadOptions& of) { return in.read_ast(of.start, of.stop); },
                               [](trTriWrite& out, int positive) { return out.write_ast(positive); }};
 
 const Format* const formats[5] = {&native_format, &flat_triangle_format, &smooth_triangle_format, &mesh_format,

@@ -53,7 +53,8 @@ extern const Format* const all_formats[7];
 ReadOutcome read_format(const Format& format, trTriBlock& mesh, const std::string& bytes, const ReadOptions& options = {});
 Written write_format(const Format& format, const trTriBlock& mesh, int flag = 0, double scale = 1.0);
 
-/// Writes through a buffer of that size, 0 for none, to a stream that takes so many bytes and then no more. Checked like reading.
+/// Writes through a buffer of that size, 0 for none, to a stream that takes so many bytes and then no more. Checked
+/// like reading.
 Written write_to_full_disk(const Format& format, const trTriBlock& mesh, std::size_t room, std::size_t buffer = 4096);
 
 inline ReadOutcome read_binary(trTriBlock& mesh, const std::string& bytes, const ReadOptions& options = {}) {
@@ -90,8 +91,8 @@ struct MeshPlan {
 };
 void fill(trTriBlock& mesh, const MeshPlan& plan, Random& random);
 
-/// The corners of facet number k of the files made here: a triangle of its own for every k, with coordinates that single
-/// precision holds.
+/// The corners of facet number k of the files made here: a triangle of its own for every k, with coordinates that
+/// single precision holds.
 std::vector<giPoint3> sample_corners(int k);
 
 /// A binary file with sample facets 1 to `facets` and `count` in the field for their number.

@@ -54,8 +54,8 @@ TEST(FormatInterruption, AReaderKeepsWhatItHasRead) {
   }
 }
 
-// What was written is the beginning of the whole file, except that triangle and binary STL files begin with counts, which may have been
-// stopped and read 0 then, and that a KVX file is marked as unfinished until its end.
+// What was written is the beginning of the whole file, except that triangle and binary STL files begin with counts,
+// which may have been stopped and read 0 then, and that a KVX file is marked as unfinished until its end.
 TEST(FormatInterruption, AWriterLeavesAFileCutShort) {
   trTriBlock mesh;
   fill_small(mesh);

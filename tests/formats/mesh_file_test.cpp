@@ -158,7 +158,8 @@ TEST(MeshFileRead, ReportsAtEveryThousandth) {
   trTriBlock again;
   const MarkingHook hook;
   InterruptingHandler handler;
-  EXPECT_EQ(read_format(mesh_format, again, text + "ELEMENTS,TYPE=EN4Q   \n").out, "< Ignoring non standard elements type '4Q   <'\n");
+  EXPECT_EQ(read_format(mesh_format, again, text + "ELEMENTS,TYPE=EN4Q   \n").out,
+            "< Ignoring non standard elements type '4Q   <'\n");
   EXPECT_EQ(handler.messages, (std::vector<std::string>{"<Reading Mesh file...", "<Nodes read:  1000", "<Triangles read:  1000",
                                                         "<Triangles read:  2000", "<Finished reading Mesh file..."}));
   EXPECT_EQ(handler.percents, (std::vector<double>{0.0, -1.0, -1.0, -1.0, 100.0}));

@@ -208,7 +208,8 @@ TEST(NativeRead, AppendingAFileWithoutAttributesDeletesThoseOfTheMesh) {
   for (const auto& c : cases) {
     BlockOf mesh(flat_sheet(1, 1));
     mesh.set_node_data_size(c.attributes);
-    EXPECT_EQ(read_format(native_format, mesh, header(c.header) + body() + c.blocks, {1, 0, 1, 0}).out, " " + c.header + "\n" + c.out);
+    EXPECT_EQ(read_format(native_format, mesh, header(c.header) + body() + c.blocks, {1, 0, 1, 0}).out,
+              " " + c.header + "\n" + c.out);
   }
 }
 

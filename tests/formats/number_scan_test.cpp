@@ -178,7 +178,8 @@ TEST(NumberScan, RoundsHalfWayCasesToEven) {
 
 // The buffer's end may fall on any character of a number.
 TEST(NumberScan, NumbersMayLieAcrossTheEndOfTheBuffer) {
-  const std::string tokens[] = {"-123.456e-07,", "0x1.8p-3,", "-infinity,", "nan(abc),", "1" + std::string(100, '0') + "e-100,"};
+  const std::string tokens[] = {"-123.456e-07,", "0x1.8p-3,", "-infinity,", "nan(abc),",
+                                "1" + std::string(100, '0') + "e-100,"};
   for (const std::string& token : tokens) {
     const Conversion expected = literally_scanned(token);
     ASSERT_EQ(expected.next, ',');
@@ -189,7 +190,8 @@ TEST(NumberScan, NumbersMayLieAcrossTheEndOfTheBuffer) {
   }
 }
 
-// Of a word of 100 characters or more the 100th is lost, and the next word begins behind it. When the 100th is a blank, that is lost.
+// Of a word of 100 characters or more the 100th is lost, and the next word begins behind it. When the 100th is a blank,
+// that is lost.
 TEST(WordScanner, CutsWordsAt99CharactersAndLosesThe100th) {
   struct Case {
     std::string text;
@@ -214,6 +216,8 @@ TEST(WordScanner, WordsMayLieAcrossTheEndOfTheBuffer) {
   const int capacity = static_cast<int>(CharStream::capacity);
   for (int before = capacity - 130; before <= capacity + 5; ++before) {
     const std::string blanks(static_cast<std::size_t>(before), ' ');
-    ASSERT_EQ(words_of(blanks + letters(99) + "xfacet vertex"), (std::vector<std::string>{letters(99), "facet", "vertex"})) << before;
+    ASSERT_EQ(words_of(blanks + letters(99) + "xfacet vertex"),
+              (std::vector<std::string>{letters(99), "facet", "vertex"}))
+        << before;
   }
 }

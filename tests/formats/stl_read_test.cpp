@@ -1,4 +1,5 @@
-// Reading STL: the readers against the literal ones, on files that are cut, spoilt and read in part; and what a host sees of a read.
+// Reading STL: the readers against the literal ones, on files that are cut, spoilt and read in part; and what a host
+// sees of a read.
 
 #include <gtest/gtest.h>
 
@@ -13,7 +14,8 @@ namespace {
 
 // Everything that a host can see of a read.
 template <class Reader>
-std::string account_of(int (Reader::*member)(int, int), const std::string& bytes, const ReadOptions& options, int stop_at) {
+std::string account_of(int (Reader::*member)(int, int), const std::string& bytes, const ReadOptions& options,
+                       int stop_at) {
   trTriBlock mesh;
   if (options.append) mesh.set_node(2, giPoint3(1, 2, 3));
   const CapturedOutput out;
@@ -56,9 +58,10 @@ ReadOptions random_options(Random& random) {
 
 // Text made of the words that matter, mostly in the order that makes facets.
 std::string random_text(Random& random) {
-  static const char* const sentence[] = {"facet", "vertex", "1 2 3", "vertex", "-4.5e1 5 .6", "vertex", "7 8 9", "endfacet"};
-  static const char* const words[] = {"facet", "vertex", "endfacet", "solid", "FACET", "eNdFaCeT", "endloop", "12", "1e",
-                                      "nan", "-inf", "0x1p3", "\v3", "facetendfacet", "."};
+  static const char* const sentence[] = {"facet",       "vertex", "1 2 3", "vertex",
+                                         "-4.5e1 5 .6", "vertex", "7 8 9", "endfacet"};
+  static const char* const words[] = {"facet", "vertex", "endfacet", "solid", "FACET", "eNdFaCeT",      "endloop", "12",
+                                      "1e",    "nan",    "-inf",     "0x1p3", "\v3",   "facetendfacet", "."};
   static const char* const gaps[] = {" ", "\n", "\r\n", "\t", "  ", "\v", "", ",", "\f"};
   std::string text;
   for (int k = random.between(5, 40), at = 0; k > 0; --k) {
@@ -80,8 +83,8 @@ class OpenReader : public trTriRead {
 
 }  // namespace
 
-// Up to the count nothing is touched; behind it the facets that are whole are stored, and of the one that is cut the corners that are
-// whole, as nodes without an element.
+// Up to the count nothing is touched; behind it the facets that are whole are stored, and of the one that is cut the
+// corners that are whole, as nodes without an element.
 TEST(StlOracle, CutAtEveryByte) {
   const std::string bytes = binary_stl(3);
   for (std::size_t length = 0; length <= bytes.size(); ++length) {
@@ -170,7 +173,8 @@ TEST(NodeDataSize, IsReconciledWithTheFile) {
       {0, 0, 2, 3, 2, " Ignoring node atrributes.\n"},
   };
   for (const Case& c : cases) {
-    SCOPED_TRACE(testing::Message() << "append " << c.append << " wanted " << c.wanted << " mesh " << c.in_mesh << " file " << c.in_file);
+    SCOPED_TRACE(testing::Message() << "append " << c.append << " wanted " << c.wanted << " mesh " << c.in_mesh
+                                    << " file " << c.in_file);
     trTriBlock mesh;
     mesh.set_node_data_size(c.in_mesh);
     const CapturedOutput out;
@@ -241,7 +245,8 @@ TEST(StlRead, EveryTextIsTranslated) {
   handler.messages.clear();
   EXPECT_EQ(read_ascii(mesh, "facet facet").out,
             "<*** Error: expected 'vertex<' but found 'facet<' ***\n<*** Error: problem reading facet 1< ***\n");
-  EXPECT_EQ(read_ascii(mesh, "facet").out, "<*** Error: <unexpected end of file< ***\n<*** Error: problem reading facet 1< ***\n");
+  EXPECT_EQ(read_ascii(mesh, "facet").out,
+            "<*** Error: <unexpected end of file< ***\n<*** Error: problem reading facet 1< ***\n");
   EXPECT_EQ(read_ascii(mesh, "facet vertex 1 x").out,
             "<*** Error: <problem reading vertex coordinates< ***\n<*** Error: problem reading facet 1< ***\n");
   EXPECT_EQ(handler.messages.front(), "<Reading ASCII STL file ...");

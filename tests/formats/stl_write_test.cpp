@@ -112,10 +112,12 @@ TEST(StlWrite, PositiveMovesTheModelByRoundAmounts) {
   EXPECT_EQ(moved, (std::vector<float>{0.5f, 0, 10, 2.5f, 0, 10, 0.5f, 2, 10}));
   EXPECT_NE(written_ascii(mesh, 1).bytes.find("      vertex   5.000000e-01 0.000000e+00 1.000000e+01\n"), std::string::npos);
   EXPECT_EQ(mesh.point(4).z, -7.0);
-  EXPECT_NEAR(positive_offset(mesh).length(), std::sqrt(100.25), 1e-12) << "no length from before the components changed";
+  EXPECT_NEAR(positive_offset(mesh).length(), std::sqrt(100.25), 1e-12)
+      << "no length from before the components changed";
 }
 
-// The steps are 1, 2 and 5 times powers of ten. A value that is a step of 2 or 5 goes to the next one; a power of ten stays.
+// The steps are 1, 2 and 5 times powers of ten. A value that is a step of 2 or 5 goes to the next one; a power of ten
+// stays.
 TEST(Offset, IsRoundedUpToTheNextStep) {
   const std::pair<double, double> cases[] = {{0.3, 0.5}, {7, 10}, {12, 20}, {1, 1}, {10, 10}, {5, 10}, {2, 5},
                                              {0.5, 1}, {0.1, 0.2}, {20, 50}, {4.9, 5}, {999, 1000}, {1e-3, 2e-3}};
@@ -177,8 +179,9 @@ TEST(StlWrite, ReportsProgressAtEveryElementNumberInTranslatedTexts) {
   EXPECT_EQ(handler.percents.back(), 100.0);
 }
 
-// Without a buffer the failure is told where the first byte found no room. Behind a buffer it shows at the facet that overflows it:
-// 84 bytes and 80 facets are 4084 bytes, the 81st passes 4096. What still fits is told as the buffer is emptied, at the last facet.
+// Without a buffer the failure is told where the first byte found no room. Behind a buffer it shows at the facet that
+// overflows it: 84 bytes and 80 facets are 4084 bytes, the 81st passes 4096. What still fits is told as the buffer is
+// emptied, at the last facet.
 TEST(StlWrite, AFullDiskIsToldAtTheFacetThatFoundNoRoom) {
   trTriBlock mesh;
   read_binary(mesh, binary_stl(200));
@@ -209,8 +212,8 @@ TEST(StlWrite, AFullDiskIsToldAtTheFacetThatFoundNoRoom) {
   EXPECT_EQ(write_to_full_disk(ascii_stl_format, mesh, 100).result, 1) << "text is written blindly";
 }
 
-// What was read from a file that this library wrote is written as the same bytes again. Only the first file's normals may differ:
-// they come from coordinates in double precision. Single precision is carried over without loss.
+// What was read from a file that this library wrote is written as the same bytes again. Only the first file's normals
+// may differ: they come from coordinates in double precision. Single precision is carried over without loss.
 TEST(StlRoundTrip, WrittenReadAndWrittenAgainTheBytesAreTheSame) {
   Random random(71);
   const Shape soup = single_precision_soup(random, 400);

@@ -1,5 +1,5 @@
-// Numbers in files. In binary ones: layout of every type, what a short transfer leaves behind. In text: written as printf writes them,
-// read as sscanf reads them, line by line as fgets gives them.
+// Numbers in files. In binary ones: layout of every type, what a short transfer leaves behind. In text: written as
+// printf writes them, read as sscanf reads them.
 
 #include <gtest/gtest.h>
 
@@ -50,7 +50,9 @@ TEST(BinValues, ComeBackAsTheyWereWritten) {
     EXPECT_EQ(out.b_write("abc", 2), 0);
     EXPECT_EQ(out.error, 0);
   });
-  EXPECT_EQ(bytes, std::string("\x81\xdc\xfe\xfe\xff\xff\xff\x98\xba\xdc\xfe\0\0\xc0\xbf\0\0\0\0\0\0\xf8\xbf" "ab", 25));
+  EXPECT_EQ(bytes, std::string("\x81\xdc\xfe\xfe\xff\xff\xff\x98\xba\xdc\xfe\0\0\xc0\xbf\0\0\0\0\0\0\xf8\xbf"
+                               "ab",
+                               25));
   std::FILE* file = stream_on(bytes);
   trBinRead in(file);
   EXPECT_EQ(in.read_char(), '\x81');

@@ -81,7 +81,8 @@ class Model {
     check_volume(step);
   }
 
-  // The volume is the flux of z, whatever the boundary; where there is none, it is the volume. Rounding depends on what it is summed of.
+  // The volume is the flux of z, whatever the boundary; where there is none, it is the volume. Rounding depends on what
+  // it is summed of.
   void check_volume(double step) {
     double amount = 0.0;
     for (int e = 1; e < block_.element_count(); ++e) {

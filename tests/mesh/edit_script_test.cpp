@@ -26,8 +26,8 @@ struct ScriptSetting {
 
 std::ostream& operator<<(std::ostream& out, const ScriptSetting& setting) { return out << setting.name; }
 
-// A small block, its literal twin, and random edits on both, results of which are compared: nodes lie on a coarse grid, so that
-// edges meet, triangles repeat and nodes coincide.
+// A small block, its literal twin, and random edits on both, results of which are compared: nodes lie on a coarse grid,
+// so that edges meet, triangles repeat and nodes coincide.
 class EditScript {
  public:
   EditScript(const ScriptSetting& setting, std::uint64_t seed) : random(seed), setting_(setting) {
@@ -347,7 +347,8 @@ TEST_P(EditScriptTest, KeepsEveryListAndReportsEveryChange) {
       const char* edit = script.step();
       if (edit == nullptr) continue;
       ++done[edit];
-      ASSERT_EQ(difference(script.block, script.literal), "") << "after " << edit << ", step " << k << " of script " << seed;
+      ASSERT_EQ(difference(script.block, script.literal), "")
+          << "after " << edit << ", step " << k << " of script " << seed;
       ASSERT_TRUE(is_sound(script.block, script.excuses))
           << "after " << edit << ", step " << k << " of script " << seed;
       ASSERT_TRUE(journal.reports() == JournalRecorder::sorted(script.literal.reports))

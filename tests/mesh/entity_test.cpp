@@ -164,8 +164,8 @@ trEdgeConnection edge(int a, int b, std::initializer_list<int> triangles = {}) {
   return made;
 }
 
-// Ends alone decide equality, but only edges whose triangles agree in number and in the exclusive or of their numbers can meet:
-// {1, 2} and {4, 7} do, {1, 2} and {1, 3} do not.
+// Ends alone decide equality, but only edges whose triangles agree in number and in the exclusive or of their numbers
+// can meet: {1, 2} and {4, 7} do, {1, 2} and {1, 3} do not.
 TEST(EdgeSet, EdgesMeetOnlyWhenTheirTrianglesHashAlike) {
   trEdgeConnectioncoSet set;
   EXPECT_EQ(set.add(edge(3, 9, {1, 2})), trEdgeConnectioncoSet::nil());

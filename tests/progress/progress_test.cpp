@@ -134,8 +134,8 @@ TEST(Progress, GoesToTheCurrentHandler) {
   EXPECT_EQ(handler.default_feedback_message, utString(""));
 }
 
-// Every thousandth number and the last; the total comes first in the text, the format of which is translated. A total of
-// -1 stands for "unknown".
+// Every thousandth number and the last; the total comes first in the text, the format of which is translated. A total
+// of -1 stands for "unknown".
 TEST(Progress, LoopsReportEveryThousandthItemAndTheLast) {
   struct Case {
     int i, n;
