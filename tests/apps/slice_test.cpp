@@ -153,7 +153,8 @@ TEST(MendexSection, RefusesWhatItCannotDo) {
   const struct {
     std::string in, at, out;
     int exit_code;
-  } cases[] = {{in, "0.5,", "out.svg", 2}, {in, "0.5", "out.stl", 2}, {in, "0.5,0.6", "out.pic", 2}, {none, "0.5", "out.svg", 3}, {in, "0.5", "none/out.svg", 4}};
+  } cases[] = {{in, "0.5,", "out.svg", 2}, {in, "0.5", "out.stl", 2}, {in, "0.5,0.6", "out.pic", 2}, {none, "0.5", "out.svg", 3},
+               {in, "0.5", "none/out.svg", 4}};
   for (const auto& c : cases) expect_refused({"section", c.in, "--at", c.at, "-o", folder.path(c.out)}, {}, c.exit_code);
   EXPECT_EQ(folder.names(), Arguments{"in.stl"});
   ProcessSetup small = mendex_setup({"section", in, "--at", "0.5", "-o", folder.write("out.svg", "as it was")});

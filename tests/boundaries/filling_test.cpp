@@ -494,3 +494,27 @@ TEST(HoleSubdivision, WithoutAnArcNothingIsMade) {
   EXPECT_EQ(block.node_count(), nodes);
   EXPECT_EQ(set.cycles[0].subrange_nodes.count(), 0);
 }
+
+// A fifth of what is left of a hole's progress for the surface, and the rest stays set, also when there is none.
+TEST(HoleProgress, TheSurfaceTakesAFifth) {
+  struct OpenedSet : trCycleArray {
+    using trCycleArray::disable_curvature_adjust;
+    using trCycleArray::enable_curvature_adjust;
+    using trCycleArray::trCycleArray;
+  };
+  for (bool is_star : {false, true}) {
+    BlockOf block(is_star ? sphere(8) : loose_triangles(1));
+    if (is_star) open_star(block, 50);
+    OpenedSet set(&block);
+    set.num_boundaries();
+    InterruptingHandler handler;
+    EXPECT_EQ(set.enable_curvature_adjust(set.cycles[0], 40.0, 90.0), is_star);
+    EXPECT_EQ(handler.percent_inf_range(), 50.0);
+    EXPECT_EQ(handler.percent_sup_range(), 90.0);
+    EXPECT_LE(handler.last_percent_reported(), 50.0);
+    EXPECT_EQ(block.curvature_adjust, is_star);
+    set.disable_curvature_adjust();
+    EXPECT_EQ(block.curvature_adjust, 0);
+    EXPECT_EQ(block.surface, nullptr);
+  }
+}

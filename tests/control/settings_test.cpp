@@ -91,6 +91,8 @@ TEST_F(ControlSettings, EveryTextPassesTheTranslation) {
   EXPECT_EQ(output.take(),
             "System info...\n  Verbose printing is OFF\n  Full undo history is ON\n  Preserve is OFF\n  Trismooth is ON\n"
             "  Formats: .mnx .mes .tri .stl .ast .kvx\n");
+  EXPECT_EQ(made_before_main.isect_elems().limit(), 1000);
+  EXPECT_EQ(made_before_main.overhang_elems().up_vector(), giUnitVec3(gi_z_axis));
   const MarkingHook hook;
   host.action_stlrange(3, 9);
   EXPECT_EQ(output.take(), "<Reading STL files: <triangles 3< to 9< will be read.\n");
