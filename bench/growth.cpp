@@ -15,7 +15,7 @@
 namespace {
 
 // Actions that would take longer at a size, going by the last one, are left out there.
-constexpr double patience_seconds = 15.0;
+constexpr double patience_seconds = 30.0;
 constexpr double patience_for_rounds = 0.5;
 constexpr std::size_t largest_small_size = 1'000'000;
 // Times below it are those of the clock and of calls, and say nothing of growth.
@@ -67,7 +67,8 @@ void Growth::run_size(const GrowthInput& input, std::size_t facets) {
   for (int round = 0; round < rounds; ++round) {
     std::fprintf(stderr, "growth, %s, %zu triangles, round %d of %d\n", input.name, facets, round + 1, rounds);
     for (const ControlAction& action : control_actions()) {
-      if (is_asked_for(action.name, options_.only) && is_asked_for(input.name, action.inputs) && is_within_patience({action.name, input.name}, facets)) {
+      if (is_asked_for(action.name, options_.only) && is_asked_for(input.name, action.inputs) &&
+          is_within_patience({action.name, input.name}, facets)) {
         run_action(action, input, facets, scale);
       }
     }
