@@ -60,10 +60,13 @@ void read_file(Subject& s) {
 
 constexpr char mnx[] = ".mnx", mes[] = ".mes", tri[] = ".tri", stl[] = ".stl", ast[] = ".ast", kvx[] = ".kvx";
 
+// Files hold numbers, whatever the shape: few and many triangles at a node, and nodes of their own.
+constexpr const char* file_inputs = "bumpy,soup,hub";
+
 template <const char* extension>
 void add_format(std::vector<ControlAction>& list, const char* read_name, const char* write_name) {
-  list.push_back({write_name, Records::none, write_file<extension>});
-  list.push_back({read_name, Records::none, read_file<extension>, write_file<extension>});
+  list.push_back({write_name, Records::none, write_file<extension>, nullptr, file_inputs});
+  list.push_back({read_name, Records::none, read_file<extension>, write_file<extension>, file_inputs});
 }
 
 void add_repairs(std::vector<ControlAction>& list) {
@@ -141,7 +144,7 @@ void add_exchange(std::vector<ControlAction>& list) {
   add_format<stl>(list, "read_stl", "write_stl");
   add_format<ast>(list, "read_ast", "write_ast");
   add_format<kvx>(list, "read_kvx", "write_kvx");
-  list.push_back({"rwrite_mnx", Records::none, rewrite_file<mnx>});
+  list.push_back({"rwrite_mnx", Records::none, rewrite_file<mnx>, nullptr, file_inputs});
 }
 
 }  // namespace

@@ -31,6 +31,7 @@ struct ControlAction {
   Records records;
   void (*run)(Subject&);
   void (*prepare)(Subject&) = nullptr;  ///< what is not to be counted
+  const char* inputs = "";              ///< names of growth inputs, commas between; empty: all
 };
 
 /// All of them.

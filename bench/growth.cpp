@@ -15,8 +15,8 @@
 namespace {
 
 // Actions that would take longer at a size, going by the last one, are left out there.
-constexpr double patience_seconds = 20.0;
-constexpr double patience_for_rounds = 1.0;
+constexpr double patience_seconds = 30.0;
+constexpr double patience_for_rounds = 0.5;
 constexpr std::size_t largest_small_size = 1'000'000;
 // Times below it are those of the clock and of calls, and say nothing of growth.
 constexpr double least_seconds = 1e-3;
@@ -51,10 +51,9 @@ void Growth::run() {
   }
 }
 
-// Small sizes vary more from run to run. Those below the start of growth are there to foresee the time at the next.
+// What is quick runs twice, since a single run may be disturbed. Sizes below the start of growth are there to foresee the time at the next.
 int Growth::rounds_at(const GrowthInput& input, std::size_t facets) const {
-  if (facets == options_.largest_size || facets > growth_start) return 1;
-  return input.is_small || facets == growth_start ? 3 : 1;
+  return options_.largest_size == model_sizes[0] || (!input.is_small && facets < growth_start) ? 1 : 2;
 }
 
 void Growth::run_size(const GrowthInput& input, std::size_t facets) {
@@ -68,7 +67,8 @@ void Growth::run_size(const GrowthInput& input, std::size_t facets) {
   for (int round = 0; round < rounds; ++round) {
     std::fprintf(stderr, "growth, %s, %zu triangles, round %d of %d\n", input.name, facets, round + 1, rounds);
     for (const ControlAction& action : control_actions()) {
-      if (is_asked_for(action.name, options_.only) && is_within_patience({action.name, input.name}, facets)) {
+      if (is_asked_for(action.name, options_.only) && is_asked_for(input.name, action.inputs) &&
+          is_within_patience({action.name, input.name}, facets)) {
         run_action(action, input, facets, scale);
       }
     }

@@ -102,7 +102,7 @@ class Summary {
     for (int round = 0; round < rounds; ++round) {
       std::fprintf(stderr, "%zu triangles, round %d of %d\n", facets, round + 1, rounds);
       for (const Measure& measure : measures_) {
-        if (spent[measure.name] > options_.patience) continue;
+        if (spent[measure.name] > options_.patience || (measure.is_peer() && facets > largest_judged_size)) continue;
         const double start = seconds_on_the_clock();
         for (const auto& model : models) facts_.results.add(measure.name, facets, model->order(), measure.run(*model));
         spent[measure.name] += seconds_on_the_clock() - start;

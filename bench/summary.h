@@ -6,7 +6,7 @@
 struct SummaryOptions {
   std::size_t largest_size = 4'000'000;  ///< sizes above it are left out
   int rounds = 0;           ///< repetitions of each measure; 0: more of the small sizes than of the large
-  double patience = 6.0;    ///< seconds after which a measure takes part in no further round of a size
+  double patience = 3.0;    ///< seconds after which a measure takes part in no further round of a size
   std::string only;         ///< measures whose name holds one of these texts (commas between), and their yardsticks; empty: all
   std::string inputs;       ///< growth inputs whose name holds one of these texts (commas between); empty: all
   std::string parts;        ///< of "times", "memory" and "growth" those that are named (commas between); empty: all

@@ -53,16 +53,20 @@ void print_times(const RunFacts& facts, const std::vector<Measure>& measures) {
 void print_peers(const RunFacts& facts, const std::vector<Measure>& measures) {
   if (std::none_of(measures.begin(), measures.end(), [](const Measure& m) { return m.is_peer(); })) return;
   std::printf("\n### Peers\nNanoseconds a triangle that the peer takes, and the time of ours over it; bytes a triangle as above.\n\n| operation and peer | order |");
-  for (const std::size_t facets : facts.sizes) std::printf(" %zu | ratio |", facets);
+  std::vector<std::size_t> sizes;
+  for (const std::size_t facets : facts.sizes) {
+    if (facets <= facts.judged_size) sizes.push_back(facets);
+  }
+  for (const std::size_t facets : sizes) std::printf(" %zu | ratio |", facets);
   std::printf(" growth | bytes more | ours |\n|---|---|");
-  for (std::size_t k = 0; k < 2 * facts.sizes.size() + 3; ++k) std::printf("--:|");
+  for (std::size_t k = 0; k < 2 * sizes.size() + 3; ++k) std::printf("--:|");
   std::printf("\n");
   const Results& results = facts.results;
   for (const Measure& peer : measures) {
     for (const FacetOrder order : orders) {
       if (!peer.is_peer()) continue;
       std::printf("| %s | %s |", peer.name.c_str(), name_of(order));
-      for (const std::size_t facets : facts.sizes) {
+      for (const std::size_t facets : sizes) {
         std::printf(" %.1f | %.2f |", results.seconds(peer.name, facets, order) * 1e9 / static_cast<double>(facets),
                     results.ratio(peer.peer_of, peer.name, facets, order));
       }
