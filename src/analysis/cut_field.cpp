@@ -37,7 +37,8 @@ CutField::CutField(const trTriBlock& block, double tol) : block_(block), tol_(to
   Gathered gathered;
   gather(gathered);
   if (tr_interrupt() || !gathered.any_normal) return;
-  std::vector<int> order = morton_order(gathered.boxes);
+  const std::vector<int> order = morton_order(gathered.boxes);
+  if (tr_interrupt()) return;
   number_hubs(gathered, order);
   take(grouped(gathered, order), gathered);
 }
@@ -115,6 +116,11 @@ void CutField::take(const std::vector<int>& order, const Gathered& gathered) {
   triangles_.resize(order.size());
   elements_.resize(order.size());
   for (std::size_t i = 0; i < order.size(); ++i) {
+    if (i % 1024 == 0 && tr_interrupt()) {
+      triangles_.clear();
+      elements_.clear();
+      return;
+    }
     if (i + elements_ahead < order.size()) {
       co_prefetch_for_reading(&block_.element(number(i + elements_ahead)));
     }

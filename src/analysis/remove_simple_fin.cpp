@@ -3,6 +3,7 @@
 #include "mesh/memory_guard.h"
 #include "platform/digitiser/delete_triangles.h"
 #include "platform/digitiser/tri_utils.h"
+#include "progress/progress.h"
 
 namespace {
 
@@ -106,6 +107,7 @@ int trTriBlock::cure_sick_fins() {
   if (!coMemoryScope::is_open()) return tr_guarded(this, 0, [&] { return cure_sick_fins(); });
   trEdgeConnectioncoPageArr edges;
   find_sick(edges, 0);
+  if (tr_interrupt()) return 0;
   const int removed = trRemoveSimpleFin(edges, this).remove_fins(nullptr, nullptr);
   if (removed) alter(0);
   return removed;

@@ -5,6 +5,7 @@
 
 #include "analysis/element_box.h"
 #include "analysis/octants.h"
+#include "progress/progress.h"
 
 namespace {
 
@@ -24,11 +25,13 @@ std::vector<int> VisitOrder::elements_of(std::vector<CutPair> pairs) {
   std::sort(pairs_.begin(), pairs_.end());
   if (pairs_.empty()) return {};
   number_elements();
+  if (tr_interrupt()) return {};
   cell_counts_ = cells_.element_counts(field_.block());
   if (cell_counts_.empty()) return {};
   read_front();
+  if (tr_interrupt()) return {};
   find_last_places();
-  return cleaned();
+  return tr_interrupt() ? std::vector<int>() : cleaned();
 }
 
 void VisitOrder::number_elements() {
@@ -72,7 +75,7 @@ void VisitOrder::read_front() {
     return front_.size() < elements_.size();
   };
   std::vector<int> here;
-  for (int cell = 0; cell < cells_.count() && front_.size() < elements_.size(); ++cell) {
+  for (int cell = 0; cell < cells_.count() && front_.size() < elements_.size() && !tr_interrupt(); ++cell) {
     here.clear();
     for (int p = heads[static_cast<std::size_t>(cell)]; p >= 0; p = waiting[static_cast<std::size_t>(p)].next) {
       here.push_back(p);
@@ -111,6 +114,7 @@ void VisitOrder::find_last_places() {
   for (std::size_t k = 0; k < visits.size(); ++k) {
     here.push_back(visits[k].second);
     if (k + 1 < visits.size() && visits[k + 1].first == visits[k].first) continue;
+    if (tr_interrupt()) return;
     visit_cell(visits[k].first, here, Report::last_time, [&](int p) {
       for (const int e : {pairs_[static_cast<std::size_t>(p)].first, pairs_[static_cast<std::size_t>(p)].second}) {
         ++place;

@@ -25,8 +25,8 @@
 /// A host makes one controller and keeps it. It brackets each edit with `start_undo` and `finish_undo`; an edit outside a bracket
 /// cannot be taken back, and neither can the edits before it from then on: call `undo_hist().reset("")` after one. Results go to the output stream
 /// (`tr_out`) as lines of text and, as commands, to files that the host hands in and the controller closes.
-/// Wrong arguments change nothing; nearly all actions print why, as a line. Nothing throws but the constructor, for want of memory: an
-/// action then ends as if interrupted, and says so. Several controllers may be used in turn; only one of them has its boundaries detected.
+/// Wrong arguments change nothing; nearly all actions print why, as a line. Nothing throws.
+/// Several controllers may be used in turn, from one thread; only one of them has its boundaries detected at a time.
 /// Operations that are const but search or edit do so through self(): never define an object of this class as const.
 class MENDEX_EXPORT trControl {
  public:
