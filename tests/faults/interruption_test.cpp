@@ -20,12 +20,12 @@ int number_from(const char* variable, int otherwise) {
 
 class Interruption : public testing::TestWithParam<FaultCase> {
  protected:
-  // The polls of a run that nothing stops, which must have changed something.
-  int polls_of(const Shape& model) {
+  // The polls of a run that nothing stops. It must have changed something, save where it may refuse the model.
+  int polls_of(const Shape& model, bool may_refuse) {
     FaultHost host(model, GetParam());
     InterruptingHandler handler;
     host.act();
-    EXPECT_NE(host.difference(), "") << "the action had nothing to do";
+    EXPECT_TRUE(may_refuse || host.difference() != "") << "the action had nothing to do";
     return handler.polls;
   }
 
@@ -47,14 +47,15 @@ std::string name_of(const testing::TestParamInfo<FaultCase>& info) { return info
 
 TEST_P(Interruption, AtEveryPollOfASmallModel) {
   const Shape model = messy_model(60);
-  const int polls = polls_of(model);
+  const int polls = polls_of(model, false);
   EXPECT_GT(polls, 10);
   for (int poll = 1; poll <= polls && !HasFatalFailure(); ++poll) stop_at(model, poll);
 }
 
 TEST_P(Interruption, AtRandomPollsOfALargeModel) {
   const Shape model = messy_model(number_from("MENDEX_FAULT_TRIANGLES", 3000));
-  const int polls = polls_of(model);
+  const bool needs_surface = std::string(GetParam().name).find("curved") != std::string::npos;  // which not every hole takes
+  const int polls = polls_of(model, needs_surface);
   Random random(static_cast<std::uint64_t>(polls));
   for (int k = number_from("MENDEX_FAULT_POLLS", 3); k > 0 && !HasFatalFailure(); --k) stop_at(model, random.between(1, polls));
 }
