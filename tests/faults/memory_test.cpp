@@ -43,6 +43,8 @@ struct Format {
   int (*write)(trTriWrite&);
 };
 
+void PrintTo(const Format& format, std::ostream* out) { *out << format.name; }
+
 const Format formats[] = {
     {"native", [](trTriRead& in) { return in.read_native(); }, [](trTriWrite& out) { return out.write_native(0); }},
     {"mesh", [](trTriRead& in) { return in.read_mes(); }, [](trTriWrite& out) { return out.write_mes(1); }},
