@@ -122,6 +122,18 @@ TEST(DynArr, AppendOfAnOwnEntry) {
   EXPECT_EQ(Counted::alive, 0);
 }
 
+TEST(DynArr, IteratorMeetsEveryEntryAndStartsAgain) {
+  intcoDynArr array;
+  intcoDynArrcoIterator it(array);
+  EXPECT_EQ(++it, 0);
+  for (int v = 0; v < 30; ++v) array[v] = v;
+  for (int pass = 0; pass < 2; ++pass) {
+    int seen = 0;
+    while (++it) ASSERT_EQ(it(), seen++);
+    EXPECT_EQ(seen, 30);
+  }
+}
+
 TEST(OwningPointer, DeletesExactlyOnce) {
   {
     coPrg<Counted> owner(new Counted(1));

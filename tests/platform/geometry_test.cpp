@@ -342,6 +342,18 @@ TEST(Xform3, ThenAppliesInOrder) {
   EXPECT_EQ(move.then(turn).apply(giVector3(0, 1, 0)), giVector3(0, -1, 0));
 }
 
+TEST(Xform3, InverseLeadsBack) {
+  const giXform3 x = giXform3::translation(giVector3(3, -4, 5))
+                         .then(giXform3::rotation(giVector3(1, 2, 3), giVector3(-2, 1, 0)))
+                         .then(giXform3::half_turn_x())
+                         .then(giXform3::translation(giVector3(0.5, 7, 1)));
+  const giPoint3 p(11, 12, -13);
+  EXPECT_LE(x.inverse().apply(x.apply(p)).distance(p), 1e-13);
+  EXPECT_LE(x.then(x.inverse()).apply(p).distance(p), 1e-13);
+  EXPECT_LE(apart(x.inverse().apply(x.apply(giVector3(1, 2, 3))), giVector3(1, 2, 3)), 1e-14);
+  EXPECT_GT(x.apply(p).distance(p), 1.0);
+}
+
 // x of the plane runs along world y, z along world x, so y runs along world z.
 TEST(Workplane3, PointsMoveAndTurnVectorsOnlyTurn) {
   const giWorkplane3 plane(giPoint3(10, 20, 30), giUnitVec3(gi_y_axis), giUnitVec3(gi_x_axis));

@@ -150,6 +150,33 @@ TEST(PageArr, RawRunsCrossPages) {
   for (int i = 0; i < 100; ++i) EXPECT_EQ(back[i], i < 10 || i >= 50 ? -1 : i + 12) << i;
 }
 
+TEST(PageArr, IteratorMeetsEveryEntryOnceAndStartsAgain) {
+  for (int count : {0, 1, 7, 8, 9, 64}) {
+    intcoPageArr array(3, 5, 10);
+    for (int i = 0; i < count; ++i) array[i] = i;
+    intcoPageArrcoIterator it(array);
+    for (int pass = 0; pass < 2; ++pass) {
+      int seen = 0;
+      while (++it) ASSERT_EQ(it(), seen++);
+      EXPECT_EQ(seen, count);
+    }
+    EXPECT_EQ(it.do_first(), count > 0);
+  }
+}
+
+TEST(PageArr, SortsAcrossPages) {
+  std::mt19937 random(5);
+  for (int count : {0, 1, 2, 255, 256, 5000}) {
+    intcoPageArr array;
+    std::vector<int> expected;
+    for (int i = 0; i < count; ++i) expected.push_back(array[i] = static_cast<int>(random()) % 1000);
+    std::sort(expected.begin(), expected.end());
+    co_sort(array);
+    ASSERT_EQ(array.count(), count);
+    for (int i = 0; i < count; ++i) ASSERT_EQ(array[i], expected[i]);
+  }
+}
+
 // Entries that own something: pages are built and destroyed whole.
 TEST(PageArr, PagesConstructAndDestroyEveryEntry) {
   static int alive = 0;

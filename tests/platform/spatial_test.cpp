@@ -193,6 +193,20 @@ TEST(PointIndex, TreeOrderNamesWhatTheTreeFindsFirst) {
   EXPECT_GT(cut_off, 50);
 }
 
+// All points in a plane of constant x: the tree is one long branch, and most searches find several matches.
+TEST(PointIndex, TreeOrderInAPlaneOfConstantX) {
+  std::mt19937 random(47);
+  PointIndex index(1.0, Winner::tree_order);
+  PointTreeLiteral tree(1.0, true);
+  BruteForce brute(1.0);
+  for (int k = 0; k < 4000; ++k) {
+    const giPoint3 p(2.0 + (k % 7 == 0 ? 1e-9 * static_cast<int>(random() % 9) : 0.0), (random() % 4000) * 0.01, (random() % 4000) * 0.01);
+    brute.find_or_add(p, k);
+    ASSERT_EQ(index.find_or_add(p, k), tree.add(p, k)) << k;
+  }
+  EXPECT_GT(brute.matches, 3500);
+}
+
 // A batch whose points all miss the table grows it under the probes already prepared.
 TEST(PointIndex, ProbesOutliveGrowth) {
   std::mt19937 random(53);
