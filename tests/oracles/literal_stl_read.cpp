@@ -1,5 +1,6 @@
 #include "oracles/literal_stl_read.h"
 
+#include <cstdint>
 #include <ostream>
 #include <string>
 
@@ -125,7 +126,7 @@ int LiteralStlRead::read_ast(int start, int stop) {
   bool failed = false;
   for (;;) {
     if (tr_interrupt()) return 0;
-    if (skipping && k == start - 1) skipping = false;
+    if (skipping && k == std::int64_t{start} - 1) skipping = false;
     tr_report_triangles(k, -1, 0.0, 100.0);
     if (!search(facet)) {
       failed = !ended_;
