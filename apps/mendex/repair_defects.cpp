@@ -15,8 +15,9 @@ class DefectList {
 
   void add(LeftDefect defect) {
     ++account_.defect_count;
-    if (account_.defects.size() < most_listed) account_.defects.push_back(std::move(defect));
+    if (has_room()) account_.defects.push_back(std::move(defect));
   }
+  bool has_room() const { return account_.defects.size() < most_listed; }
 
  private:
   RepairAccount& account_;
@@ -58,7 +59,9 @@ void Repairer::list_defects() {
       const auto found = fates.find(key_of_rim(rim));
       const HoleFate* const fate = found != fates.end() && found->second->hole.nodes == rim.nodes ? found->second : nullptr;
       if (fate != nullptr && fate->kind == HoleFate::Kind::kept) continue;
-      list.add({"boundary", rim.nodes, rim.at, rim.length, fate == nullptr ? reason_for_rim(mesh_, rim, settings_) : fate->reason});
+      // Many rims may begin at one hub, where each look takes its time: only those that are listed get one.
+      const std::string reason = fate != nullptr ? fate->reason : list.has_room() ? reason_for_rim(mesh_, rim, settings_) : "";
+      list.add({"boundary", rim.nodes, rim.at, rim.length, reason});
     }
     Interruption::check();
   }

@@ -88,6 +88,19 @@ TEST(MendexInfo, TakesFilesOfAnyName) {
   EXPECT_EQ(run_process(setup).exit_code, 0);
 }
 
+// Units are printed behind what is in them; nothing is converted.
+TEST(MendexInfo, NamesTheUnits) {
+  const std::string file = sample("bracket_soup.stl");
+  const std::string plain = run_mendex({"info", file}).output, named = run_mendex({"info", file, "--units", "mm"}).output;
+  std::string without = named;
+  for (const std::string unit : {" mm^2", " mm^3", " mm"}) {
+    ASSERT_NE(without.find(unit), std::string::npos) << named;
+    for (std::size_t at; (at = without.find(unit + "\n")) != std::string::npos;) without.erase(at, unit.size());
+  }
+  EXPECT_EQ(without, plain);
+  EXPECT_EQ(run_mendex({"info", file, "--units", "m m"}).exit_code, 2);
+}
+
 TEST(MendexInfo, RefusesWhatIsNoMesh) {
   const TestFolder folder;
   const std::string text(2000, 'x');

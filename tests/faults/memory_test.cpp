@@ -33,7 +33,15 @@ void for_each_allocation(long last, Try try_one) {
   }
 }
 
-class MemoryFailure : public testing::TestWithParam<FaultCase> {};
+class MemoryFailure : public testing::TestWithParam<FaultCase> {
+ protected:
+  static long allocations_of(const Shape& model, void (FaultHost::*edit)()) {
+    FaultHost host(model, GetParam());
+    FailingMemory::start(0);
+    (host.*edit)();
+    return FailingMemory::stop();
+  }
+};
 
 std::string name_of(const testing::TestParamInfo<FaultCase>& info) { return info.param.name; }
 
@@ -104,13 +112,7 @@ std::string name_of_format(const testing::TestParamInfo<Format>& info) { return 
 
 TEST_P(MemoryFailure, LeavesAValidMeshThatCanBeTakenBack) {
   const Shape model = messy_model(60);
-  long last = 0;
-  {
-    FaultHost host(model, GetParam());
-    FailingMemory::start(0);
-    host.act();
-    last = FailingMemory::stop();
-  }
+  const long last = allocations_of(model, &FaultHost::act);
   ASSERT_GT(last, 3);
   for_each_allocation(last, [&](long k, Mode mode) {
     SCOPED_TRACE((mode == Mode::once ? "without allocation " : "without memory from allocation ") + std::to_string(k));
@@ -137,13 +139,7 @@ TEST_P(MemoryFailure, LeavesAValidMeshThatCanBeTakenBack) {
 TEST_P(MemoryFailure, LeavesAValidMeshThatCanBeEdited) {
   constexpr Excuses half_done{false, true};
   const Shape model = messy_model(60);
-  long last = 0;
-  {
-    FaultHost host(model, GetParam());
-    FailingMemory::start(0);
-    host.run();
-    last = FailingMemory::stop();
-  }
+  const long last = allocations_of(model, &FaultHost::run);
   for_each_allocation(last, [&](long k, Mode mode) {
     SCOPED_TRACE(k);
     FaultHost host(model, GetParam());

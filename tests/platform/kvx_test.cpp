@@ -183,6 +183,7 @@ TEST(Kvx, FilesThatLie) {
       {"more triangles than bytes", file_of("", 1, block(3, INT_MAX, 0, one_triangle + plain)), 0, 0, 0, 0},
       {"negative triangles", file_of("", 1, block(3, INT_MIN, 0, one_triangle + plain)), 0, 0, 0, 0},
       {"odd normals", file_of("", 1, block(3, 1, 2, one_triangle + one_triangle + plain)), 0, 0, 0, 0},
+      {"odd normals that are there", file_of("", 1, block(3, 1, 2, chunk(1, 3, std::string(72, '\0')) + plain)), 0, 0, 0, 0},
       {"fewer nodes than promised", file_of("", 1, block(4, 1, 0, one_triangle + plain)), 0, 3, 0, 0},
       {"empty chunk", file_of("", 1, block(3, 1, 0, chunk(1, 0, "") + one_triangle + plain)), 0, 0, 0, 0},
       {"chunk beyond the block", file_of("", 1, block(2, 0, 0, one_triangle)), 0, 0, 0, 0},
