@@ -34,8 +34,8 @@ class Growth {
   using Times = std::map<std::size_t, double>;      // by size, least seconds
 
   void run_size(const GrowthInput& input, std::size_t facets);
-  int rounds_at(const GrowthInput& input, std::size_t facets) const;
-  void run_action(const ControlAction& action, const GrowthInput& input, std::size_t facets, const GrowthScale& scale);
+  /// The seconds that the action took.
+  double run_action(const ControlAction& action, const GrowthInput& input, std::size_t facets, const GrowthScale& scale);
   bool is_within_patience(const Key& key, std::size_t facets) const;
   void add(const Key& key, std::size_t facets, double seconds);
   double exponent(const Key& key) const;
@@ -46,4 +46,5 @@ class Growth {
   GrowthOptions options_;
   std::filesystem::path folder_;
   std::map<Key, Times> times_;
+  std::map<Key, double> bytes_a_facet_;
 };

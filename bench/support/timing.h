@@ -15,6 +15,10 @@ void steady_allocator();
 /// new process would.
 void release_free_memory();
 
+/// Has the system fetch as much memory and give it back, so that what runs next does not wait for the host of a virtual machine, which
+/// takes unused memory away and is slow to return it.
+void warm_memory(double bytes);
+
 /// Processor time of this process so far, in seconds. What is measured has one thread and its files in memory, so this
 /// is the time it takes, less what a neighbour takes of the core.
 double processor_seconds();
