@@ -70,9 +70,18 @@ class HubElements {
   const Entry& entry(int k) const { return entries_[static_cast<std::size_t>(k)]; }
   bool is_valid(int k) const { return block_.element(entry(k).element).valid(); }
 
+  // Where the search for a pair starts. Neighbours round a hub mostly have numbers near each other, and so come to lie in the same two
+  // lines of the cache.
+  static std::size_t first_slot(CornerPair pair) {
+    constexpr int shift = 4;
+    const auto next = static_cast<std::uint32_t>(pair.next), prev = static_cast<std::uint32_t>(pair.prev);
+    const std::uint64_t block = mix_hash((std::uint64_t{next >> shift} << 32) | (prev >> shift));
+    return (block << (shift + 1)) | ((2 * next + 13 * prev) & ((2u << shift) - 1));
+  }
+
   int& head_of(CornerPair pair) {
     const std::size_t mask = heads_.size() - 1;
-    std::size_t slot = mix_hash((std::uint64_t{static_cast<std::uint32_t>(pair.next)} << 32) | static_cast<std::uint32_t>(pair.prev)) & mask;
+    std::size_t slot = first_slot(pair) & mask;
     while (heads_[slot] >= 0 && !(entry(heads_[slot]).pair == pair)) slot = (slot + 1) & mask;
     return heads_[slot];
   }
