@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -144,12 +145,7 @@ const char* fault_of_run(std::vector<std::string> words) {
   Session session;
   CommandLine line;
   add_verbs(line);
-  try {
-    line.parse(static_cast<int>(words.size()), argv.data());
-  } catch (const CLI::ParseError& error) {
-    line.explain(error);
-    return nullptr;
-  }
+  if (line.parse(static_cast<int>(words.size()), argv.data())) return nullptr;
   try {
     const int code = static_cast<int>(line.run(session));
     return code >= 0 && code <= 7 ? nullptr : "an exit code that there is not";

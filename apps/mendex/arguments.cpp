@@ -32,40 +32,39 @@ std::string direction_problem(const std::string& text) {
   return is_direction ? "" : "'" + text + "' is not a direction such as 0,0,1";
 }
 
-void add_limit(CLI::App* verb, const char* name, double& limit, const char* unit, const char* text) {
-  verb->add_option(name, limit, text)->check(CLI::Validator(tolerance_problem, ""))->type_name(unit)->capture_default_str();
+void add_limit(VerbOptions verb, const char* name, double& limit, const char* unit, const char* text) {
+  verb.add_option(name, limit, text).check(tolerance_problem).type_name(unit).show_default();
 }
 
-CLI::Option* add_length(CLI::App* verb, const char* name, LengthArgument& length, const char* text) {
-  return verb->add_option_function<std::string>(
-                 name, [&length](const std::string& given) { length = *LengthArgument::parse(given); }, text)
-      ->check(CLI::Validator(LengthArgument::problem, ""))
-      ->type_name("LENGTH");
+VerbOption add_length(VerbOptions verb, const char* name, LengthArgument& length, const char* text) {
+  return verb.add_option(name, [&length](const std::string& given) { length = *LengthArgument::parse(given); }, text)
+      .check(LengthArgument::problem)
+      .type_name("LENGTH");
 }
 
-CLI::Option* add_count(CLI::App* verb, const char* name, int& count, int least, const char* text) {
+VerbOption add_count(VerbOptions verb, const char* name, int& count, int least, const char* text) {
   const auto problem = [least](const std::string& given) {
     const auto numbers = numbers_in(given);
     const bool is_good = numbers && numbers->size() == 1 && numbers->front() >= least && numbers->front() <= 2147483647.0 &&
                          numbers->front() == std::floor(numbers->front());
     return is_good ? "" : "'" + given + "' is not a whole number from " + std::to_string(least) + " up";
   };
-  return verb->add_option(name, count, text)->check(CLI::Validator(problem, ""))->type_name("N");
+  return verb.add_option(name, count, text).check(problem).type_name("N");
 }
 
-void add_input(CLI::App* verb, std::string& path) {
-  verb->add_option("IN", path, "File to read")->required()->type_name("PATH");
+void add_input(VerbOptions verb, std::string& path) {
+  verb.add_option("IN", path, "File to read").required().type_name("PATH");
 }
 
-void add_output(CLI::App* verb, std::string& path) {
-  verb->add_option("-o,--output", path, "File to write, in the format of its name; it may be IN itself")->required()->type_name("PATH");
+void add_output(VerbOptions verb, std::string& path) {
+  verb.add_option("-o,--output", path, "File to write, in the format of its name; it may be IN itself").required().type_name("PATH");
 }
 
-void add_axis(CLI::App* verb, char& axis) {
-  verb->add_option("--axis", axis, "Axis across which the plane lies")
-      ->check(CLI::IsMember({"x", "y", "z"}))
-      ->type_name("x|y|z")
-      ->capture_default_str();
+void add_axis(VerbOptions verb, char& axis) {
+  verb.add_option("--axis", axis, "Axis across which the plane lies")
+      .one_of({"x", "y", "z"})
+      .type_name("x|y|z")
+      .show_default();
 }
 
 gi_Axis axis_of(char name) { return name == 'x' ? gi_x_axis : (name == 'y' ? gi_y_axis : gi_z_axis); }

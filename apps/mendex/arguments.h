@@ -1,6 +1,5 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <mendexlib.h>
 
 #include <optional>
@@ -8,6 +7,7 @@
 #include <vector>
 
 #include "length_argument.h"
+#include "verb_options.h"
 
 // Arguments that several verbs take. Each function that is named for a problem returns what is wrong with a text, or nothing.
 
@@ -21,20 +21,20 @@ std::optional<std::vector<double>> numbers_in(const std::string& text);
 std::string direction_problem(const std::string& text);
 
 /// Adds an option that takes a number from 0 up and shows its default.
-void add_limit(CLI::App* verb, const char* name, double& limit, const char* unit, const char* text);
+void add_limit(VerbOptions verb, const char* name, double& limit, const char* unit, const char* text);
 
 /// Adds an option that takes a length. `length` must live as long as the verb.
-CLI::Option* add_length(CLI::App* verb, const char* name, LengthArgument& length, const char* text);
+VerbOption add_length(VerbOptions verb, const char* name, LengthArgument& length, const char* text);
 
 /// Adds an option that takes a whole number from `least` up.
-CLI::Option* add_count(CLI::App* verb, const char* name, int& count, int least, const char* text);
+VerbOption add_count(VerbOptions verb, const char* name, int& count, int least, const char* text);
 
 /// Adds the file to be read.
-void add_input(CLI::App* verb, std::string& path);
+void add_input(VerbOptions verb, std::string& path);
 /// Adds -o with the file to be written.
-void add_output(CLI::App* verb, std::string& path);
+void add_output(VerbOptions verb, std::string& path);
 /// Adds --axis with x, y or z.
-void add_axis(CLI::App* verb, char& axis);
+void add_axis(VerbOptions verb, char& axis);
 
 /// The axis of that name.
 gi_Axis axis_of(char name);

@@ -286,35 +286,31 @@ bool BatchArguments::is_batch() const {
   return files.inputs[0][0] == '@' || std::filesystem::is_directory(files.inputs[0], ignored);
 }
 
-void add_batch_arguments(CLI::App* verb, BatchArguments& arguments) {
-  verb->add_option("--out-dir", arguments.files.output_folder, "Folder for the results, which is made where it is missing")->type_name("PATH")->group(option_group);
-  verb->add_option("--suffix", arguments.files.suffix, "What the names of results have before the extension, such as _fixed")->type_name("TEXT")->group(option_group);
-  verb->add_flag("--recursive", arguments.files.is_recursive, "Take folders within folders too")->group(option_group);
+void add_batch_arguments(VerbOptions verb, BatchArguments& arguments) {
+  verb.add_option("--out-dir", arguments.files.output_folder, "Folder for the results, which is made where it is missing").type_name("PATH").group(option_group);
+  verb.add_option("--suffix", arguments.files.suffix, "What the names of results have before the extension, such as _fixed").type_name("TEXT").group(option_group);
+  verb.add_flag("--recursive", arguments.files.is_recursive, "Take folders within folders too").group(option_group);
   add_count(verb, "--jobs", arguments.jobs, 0, "Files worked on at a time, each in a process of its own; 0: one for each\nprocessor")
-      ->capture_default_str()
-      ->group(option_group);
-  verb->add_flag("--keep-going", arguments.keeps_going, "Start further files even where the folder takes no more results")->group(option_group);
-  verb->add_option("--timeout", arguments.timeout_seconds, "Stop work on a file after so long, with code 6")
-      ->check(CLI::Validator(seconds_problem, ""))
-      ->type_name("SECONDS")
-      ->group(option_group);
+      .show_default()
+      .group(option_group);
+  verb.add_flag("--keep-going", arguments.keeps_going, "Start further files even where the folder takes no more results").group(option_group);
+  verb.add_option("--timeout", arguments.timeout_seconds, "Stop work on a file after so long, with code 6")
+      .check(seconds_problem)
+      .type_name("SECONDS")
+      .group(option_group);
 }
 
 ExitCode run_batch(Session& session, const BatchArguments& arguments, const BatchPlan& plan) { return Batch(session, arguments, plan).run(); }
 
-std::vector<std::string> own_command(const CLI::App& verb, const std::set<std::string>& but) {
-  std::vector<std::string> words = {"/proc/self/exe", verb.get_name()};
-  const auto add = [&words](const CLI::Option* option) {
-    const bool is_flag = option->get_items_expected_max() == 0;
-    for (const std::string& value : option->results()) words.push_back(option->get_name() + (is_flag ? "" : "=" + value));
+std::vector<std::string> own_command(VerbOptions verb, const std::set<std::string>& but) {
+  std::vector<std::string> words = {"/proc/self/exe", verb.name()};
+  const auto add = [&words](VerbOption option) {
+    for (const std::string& word : option.words()) words.push_back(word);
   };
-  for (const char* name : {"--verbose", "--units"}) {
-    const CLI::Option* const option = verb.get_parent() == nullptr ? nullptr : verb.get_parent()->get_option_no_throw(name);
-    if (option != nullptr && option->count() > 0) add(option);
-  }
-  for (const CLI::Option* option : verb.get_options()) {
-    const bool is_its_own = option->get_positional() || option->get_group() == option_group || but.count(option->get_name()) != 0;
-    if (option->count() > 0 && !is_its_own) add(option);
+  for (const char* name : {"--verbose", "--units"}) add(verb.option_of_program(name));
+  for (const VerbOption option : verb.options()) {
+    const bool is_its_own = option.is_positional() || option.group() == option_group || but.count(option.name()) != 0;
+    if (!is_its_own) add(option);
   }
   return words;
 }

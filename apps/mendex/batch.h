@@ -1,7 +1,5 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
-
 #include <functional>
 #include <set>
 #include <string>
@@ -10,6 +8,7 @@
 #include "batch_inputs.h"
 #include "failure.h"
 #include "session.h"
+#include "verb_options.h"
 
 /// What a verb takes beside its own options in order to do its work on many files.
 struct BatchArguments {
@@ -23,7 +22,7 @@ struct BatchArguments {
 };
 
 /// Adds the options for these; the inputs are the verb's own affair.
-void add_batch_arguments(CLI::App* verb, BatchArguments& arguments);
+void add_batch_arguments(VerbOptions verb, BatchArguments& arguments);
 
 /// How a batch is done.
 struct BatchPlan {
@@ -44,4 +43,4 @@ ExitCode run_batch(Session& session, const BatchArguments& arguments, const Batc
 
 /// This program and the options that the verb was given, without positional ones, those of `add_batch_arguments` and those of the names in
 /// `but` (as "--json"): the start of a command that does the same to another file.
-std::vector<std::string> own_command(const CLI::App& verb, const std::set<std::string>& but);
+std::vector<std::string> own_command(VerbOptions verb, const std::set<std::string>& but);

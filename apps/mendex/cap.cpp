@@ -22,17 +22,17 @@ std::string spacing_problem(const std::string& text) {
 
 void add_cap_verb(CommandLine& line) {
   const auto arguments = std::make_shared<CapArguments>();
-  CLI::App* verb = line.add_verb("cap", "Close holes with good triangles, flat or following the surface", [arguments](Session& session) {
+  const VerbOptions verb = line.add_verb("cap", "Close holes with good triangles, flat or following the surface", [arguments](Session& session) {
     const LengthArgument spacing = arguments->spacing == "auto" ? LengthArgument() : *LengthArgument::parse(arguments->spacing);
     return run_closing(session, *arguments, arguments->is_curved ? HoleMethod::curved : HoleMethod::flat, spacing);
   });
   add_hole_arguments(verb, *arguments);
-  verb->add_option("--spacing", arguments->spacing,
-                   "Distance between new nodes; auto is the mean edge length of each hole")
-      ->check(CLI::Validator(spacing_problem, ""))
-      ->type_name("LENGTH|auto")
-      ->capture_default_str();
-  verb->add_flag("--curved", arguments->is_curved, "Put the new nodes on a smooth surface fitted to the mesh round the hole");
+  verb.add_option("--spacing", arguments->spacing,
+                  "Distance between new nodes; auto is the mean edge length of each hole")
+      .check(spacing_problem)
+      .type_name("LENGTH|auto")
+      .show_default();
+  verb.add_flag("--curved", arguments->is_curved, "Put the new nodes on a smooth surface fitted to the mesh round the hole");
   line.set_notes(verb,
                  "A hole that cannot be capped stays as it was, and the reason is told. Exit code 1 when a hole stays open.",
                  "mendex cap part.stl -o closed.stl --hole 0,2 --curved");

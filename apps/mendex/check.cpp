@@ -54,23 +54,23 @@ ExitCode run_check(Session& session, const CheckArguments& arguments) {
 void add_check_verb(CommandLine& line) {
   const auto arguments = std::make_shared<CheckArguments>();
   CheckLimits& limits = arguments->limits;
-  CLI::App* verb = line.add_verb("check", "Tell what is wrong with mesh files",
-                                 [arguments](Session& session) { return run_check(session, *arguments); });
-  verb->add_option("FILE", arguments->files, "Files to check; none is changed")->required()->type_name("PATH");
-  verb->add_flag("--json", arguments->is_json,
-                 "One JSON object a file, each on one line: counts, and numbers and places of all that was found");
+  const VerbOptions verb = line.add_verb("check", "Tell what is wrong with mesh files",
+                                         [arguments](Session& session) { return run_check(session, *arguments); });
+  verb.add_option("FILE", arguments->files, "Files to check; none is changed").required().type_name("PATH");
+  verb.add_flag("--json", arguments->is_json,
+                "One JSON object a file, each on one line: counts, and numbers and places of all that was found");
   add_limit(verb, "--thin", limits.thin, "RATIO", "Triangles are thin below this ratio of height to longest edge");
-  add_length(verb, "--small", arguments->small, "Triangles are small below this height over their longest edge")->default_str("0.0001");
+  add_length(verb, "--small", arguments->small, "Triangles are small below this height over their longest edge").show_default("0.0001");
   add_limit(verb, "--overlap", limits.overlap_deg, "DEG",
             "Neighbours overlap when the angle between them, 180 degrees\nwhere they are flat, is below this");
-  verb->add_option("--up", arguments->up, "Triangles that face away from this direction overhang; they are no defect")
-      ->check(CLI::Validator(direction_problem, ""))
-      ->type_name("X,Y,Z")
-      ->default_str("0,0,1");
-  verb->add_option("--weld", arguments->weld, "Merge nodes up to this far apart before the search; without it\n"
-                   "only exact copies merge; none leaves all triangles loose")
-      ->check(CLI::Validator(weld_problem, ""))
-      ->type_name("LENGTH|none");
+  verb.add_option("--up", arguments->up, "Triangles that face away from this direction overhang; they are no defect")
+      .check(direction_problem)
+      .type_name("X,Y,Z")
+      .show_default("0,0,1");
+  verb.add_option("--weld", arguments->weld, "Merge nodes up to this far apart before the search; without it\n"
+                  "only exact copies merge; none leaves all triangles loose")
+      .check(weld_problem)
+      .type_name("LENGTH|none");
   line.set_notes(verb,
                  "A triangle's number is its place in the file. Lengths up to 1e-5 are as good as zero in the search for\n"
                  "intersections. Exit code 1 when a file has defects or is damaged.",

@@ -1,4 +1,5 @@
 #include <memory>
+#include <optional>
 
 #include "arguments.h"
 #include "command_line.h"
@@ -14,7 +15,7 @@ struct CleanArguments : EditArguments {
   bool deletes_sick = false;
   bool keeps_two = false;
   LengthArgument small;
-  CLI::Option* small_given = nullptr;
+  std::optional<VerbOption> small_given;
   double thin = -1.0;  // below 0: they stay
 };
 
@@ -52,20 +53,20 @@ class Cleaner {
 
 void add_clean_verb(CommandLine& line) {
   const auto arguments = std::make_shared<CleanArguments>();
-  CLI::App* verb = line.add_verb("clean", "Delete triangles that should not be there", [arguments](Session& session) {
+  const VerbOptions verb = line.add_verb("clean", "Delete triangles that should not be there", [arguments](Session& session) {
     return run_edit(session, *arguments, "cleaning", [&](trControl& control) { return Cleaner(control).clean(*arguments); });
   });
   add_edit_arguments(verb, *arguments, true);
-  verb->add_flag("--keep-cancelling", arguments->keeps_cancelling, "Leave triangles that lie back to back with another");
-  verb->add_flag("--keep-repeated", arguments->keeps_repeated, "Leave copies of triangles");
-  verb->add_flag("--keep-fins", arguments->keeps_fins, "Leave loose flaps on edges of more than two triangles");
+  verb.add_flag("--keep-cancelling", arguments->keeps_cancelling, "Leave triangles that lie back to back with another");
+  verb.add_flag("--keep-repeated", arguments->keeps_repeated, "Leave copies of triangles");
+  verb.add_flag("--keep-fins", arguments->keeps_fins, "Leave loose flaps on edges of more than two triangles");
   arguments->small_given =
       add_length(verb, "--small", arguments->small, "Delete triangles of less than this height over their longest edge too");
-  verb->add_option("--thin", arguments->thin, "Delete triangles below this ratio of height to longest edge too")
-      ->check(CLI::Validator(tolerance_problem, ""))
-      ->type_name("RATIO");
-  CLI::Option* sick = verb->add_flag("--sick", arguments->deletes_sick, "Delete all triangles on edges that more than two share too");
-  verb->add_flag("--sick-but-two", arguments->keeps_two, "Of these delete all but the two largest of each edge")->excludes(sick);
+  verb.add_option("--thin", arguments->thin, "Delete triangles below this ratio of height to longest edge too")
+      .check(tolerance_problem)
+      .type_name("RATIO");
+  const VerbOption sick = verb.add_flag("--sick", arguments->deletes_sick, "Delete all triangles on edges that more than two share too");
+  verb.add_flag("--sick-but-two", arguments->keeps_two, "Of these delete all but the two largest of each edge").excludes(sick);
   line.set_notes(verb,
                  "In this order: cancelling, repeated, small, thin, fins, sick. What is deleted may leave holes: see mendex fill.",
                  "mendex clean part.stl -o clean.stl --small 0.001");

@@ -1,5 +1,6 @@
 #include "command_line.h"
 
+#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <utility>
 
@@ -18,38 +19,47 @@ constexpr const char* exit_codes_help =
 }  // namespace
 
 CommandLine::CommandLine()
-    : app_("Repair triangle meshes: read a broken STL file, tell what is wrong with it, make it sound, write it back.", "mendex") {
-  app_.require_subcommand(1);
-  app_.fallthrough();
-  app_.set_version_flag("--version", std::string("mendex ") + MENDEX_VERSION);
-  app_.add_flag("-q,--quiet", is_quiet_, "No progress bar and no summary; warnings and errors remain");
-  app_.add_flag("-v,--verbose", is_verbose_, "Show on standard error all that the library has to say");
-  app_.add_option("--max-memory", max_memory_, "End with code 7 rather than take more memory than this, such as 500M or 4G; of\nseveral files for each")
-      ->check(CLI::Validator(MemoryLimit::problem, ""))
-      ->type_name("SIZE");
-  app_.add_option("--units", units_, "What lengths are in, such as mm: printed behind them, and behind areas and volumes")
-      ->check(CLI::Validator(Units::problem, ""))
-      ->type_name("NAME");
-  app_.footer(std::string("Files: told by their content; written as their name says: ") + writable_extensions() + ".\n" + lengths_help + exit_codes_help +
-              "\n\nFor example:\n  mendex repair part.stl -o sound.stl\n  mendex check part.stl\n  mendex weld part.stl -o fixed.stl --tol 0.001\n"
-              "  mendex convert part.stl part.ast");
+    : app_(std::make_unique<CLI::App>(
+          "Repair triangle meshes: read a broken STL file, tell what is wrong with it, make it sound, write it back.", "mendex")) {
+  app_->require_subcommand(1);
+  app_->fallthrough();
+  app_->set_version_flag("--version", std::string("mendex ") + MENDEX_VERSION);
+  const VerbOptions options(app_.get());
+  options.add_flag("-q,--quiet", is_quiet_, "No progress bar and no summary; warnings and errors remain");
+  options.add_flag("-v,--verbose", is_verbose_, "Show on standard error all that the library has to say");
+  options.add_option("--max-memory", max_memory_, "End with code 7 rather than take more memory than this, such as 500M or 4G; of\nseveral files for each")
+      .check(MemoryLimit::problem)
+      .type_name("SIZE");
+  options.add_option("--units", units_, "What lengths are in, such as mm: printed behind them, and behind areas and volumes")
+      .check(Units::problem)
+      .type_name("NAME");
+  options.set_footer(std::string("Files: told by their content; written as their name says: ") + writable_extensions() + ".\n" + lengths_help + exit_codes_help +
+                     "\n\nFor example:\n  mendex repair part.stl -o sound.stl\n  mendex check part.stl\n  mendex weld part.stl -o fixed.stl --tol 0.001\n"
+                     "  mendex convert part.stl part.ast");
 }
 
-CLI::App* CommandLine::add_verb(const char* name, const char* summary, Run run) {
-  verbs_.push_back({app_.add_subcommand(name, summary), std::move(run)});
-  return verbs_.back().app;
+CommandLine::~CommandLine() = default;
+
+VerbOptions CommandLine::add_verb(const char* name, const char* summary, Run run) {
+  verbs_.push_back({app_->add_subcommand(name, summary), std::move(run)});
+  return VerbOptions(verbs_.back().app);
 }
 
-void CommandLine::set_notes(CLI::App* verb, const std::string& notes, const std::string& example) {
-  verb->footer(notes + (notes.empty() ? "" : "\n") + "For example:\n  " + example);
+void CommandLine::set_notes(VerbOptions verb, const std::string& notes, const std::string& example) {
+  verb.set_footer(notes + (notes.empty() ? "" : "\n") + "For example:\n  " + example);
 }
 
-ExitCode CommandLine::explain(const CLI::ParseError& error) {
-  if (error.get_exit_code() != 0 && app_.get_subcommands().empty()) {
+std::optional<ExitCode> CommandLine::parse(int argc, char** argv) {
+  try {
+    app_->parse(argc, argv);
+    return std::nullopt;
+  } catch (const CLI::ParseError& error) {
+    if (error.get_exit_code() == 0 || !app_->get_subcommands().empty()) {
+      return app_->exit(error) == 0 ? ExitCode::done : ExitCode::wrong_usage;
+    }
     explain_missing_verb();
     return ExitCode::wrong_usage;
   }
-  return app_.exit(error) == 0 ? ExitCode::done : ExitCode::wrong_usage;
 }
 
 ExitCode CommandLine::run(Session& session) const {
@@ -73,9 +83,9 @@ std::string CommandLine::verb_names() const {
 }
 
 void CommandLine::explain_missing_verb() const {
-  const std::vector<std::string> words = app_.remaining();
+  const std::vector<std::string> words = app_->remaining();
   if (words.empty()) {
-    std::fputs(app_.help().c_str(), stderr);
+    std::fputs(app_->help().c_str(), stderr);
   } else {
     std::fprintf(stderr, "mendex: '%s' is none of %s\nRun with --help for more information.\n", printable(words.front()).c_str(),
                  verb_names().c_str());

@@ -1,13 +1,14 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
-
 #include <functional>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "failure.h"
 #include "session.h"
+#include "verb_options.h"
 
 /// The command line: which verbs there are, and the one that was given.
 class CommandLine {
@@ -15,17 +16,16 @@ class CommandLine {
   using Run = std::function<ExitCode(Session&)>;
 
   CommandLine();
+  ~CommandLine();
 
   /// Adds a verb, whose options its caller adds to what is returned. `run` is called when the verb was given and its options hold good.
-  CLI::App* add_verb(const char* name, const char* summary, Run run);
+  VerbOptions add_verb(const char* name, const char* summary, Run run);
 
   /// What the help of a verb ends with: notes, which may be empty, and an example, a whole command.
-  static void set_notes(CLI::App* verb, const std::string& notes, const std::string& example);
+  static void set_notes(VerbOptions verb, const std::string& notes, const std::string& example);
 
-  /// Throws what CLI11 throws.
-  void parse(int argc, char** argv) { app_.parse(argc, argv); }
-  /// Shows help, version or what was wrong.
-  ExitCode explain(const CLI::ParseError& error);
+  /// Nothing when there is a verb to be run. Else shows help, version or what was wrong, and returns the code to end with.
+  std::optional<ExitCode> parse(int argc, char** argv);
   /// Does what the verb that was given stands for.
   ExitCode run(Session& session) const;
 
@@ -38,7 +38,7 @@ class CommandLine {
   void explain_missing_verb() const;
   std::string verb_names() const;
 
-  CLI::App app_;
+  std::unique_ptr<CLI::App> app_;
   bool is_quiet_ = false;
   bool is_verbose_ = false;
   std::string max_memory_;

@@ -86,29 +86,29 @@ ExitCode run_formats() {
 
 void add_convert_verb(CommandLine& line) {
   const auto options = std::make_shared<ConvertOptions>();
-  CLI::App* verb = line.add_verb("convert", "Convert between mesh formats; see mendex formats",
-                                 [options](Session& session) { return run_convert(session, *options); });
-  verb->add_option("IN", options->input, "File to read")->required()->type_name("PATH");
-  verb->add_option("OUT", options->output, "File to write, in the format of its name")->required()->type_name("PATH");
-  verb->add_option("--append", options->appended, "A further file to add to the mesh; may be given again")->type_name("PATH");
-  verb->add_flag("--renumber", options->is_renumbered, "Number nodes and elements anew, without gaps (.mnx, .mes)");
-  verb->add_flag("--preserve", options->keeps_attributes, "Keep the node attributes that files have");
-  verb->add_option("--smooth", options->smooth, "Triangle files: shared vertices with averaged normals, or three vertices\n"
-                   "a triangle with its own normal")
-      ->check(CLI::IsMember({"on", "off"}))
-      ->type_name("on|off")
-      ->default_str("on");
-  verb->add_option("--stl-range", options->stl_range, "Of IN, an STL file, only the triangles A to B, counted from 1;\n"
-                   "B may be left out")
-      ->check(CLI::Validator(range_problem, ""))
-      ->type_name("A:B");
-  verb->add_flag("--positive", options->is_positive, "STL: move the model, by round amounts, to where no coordinate is negative");
+  const VerbOptions verb = line.add_verb("convert", "Convert between mesh formats; see mendex formats",
+                                         [options](Session& session) { return run_convert(session, *options); });
+  verb.add_option("IN", options->input, "File to read").required().type_name("PATH");
+  verb.add_option("OUT", options->output, "File to write, in the format of its name").required().type_name("PATH");
+  verb.add_option("--append", options->appended, "A further file to add to the mesh; may be given again").type_name("PATH");
+  verb.add_flag("--renumber", options->is_renumbered, "Number nodes and elements anew, without gaps (.mnx, .mes)");
+  verb.add_flag("--preserve", options->keeps_attributes, "Keep the node attributes that files have");
+  verb.add_option("--smooth", options->smooth, "Triangle files: shared vertices with averaged normals, or three vertices\n"
+                  "a triangle with its own normal")
+      .one_of({"on", "off"})
+      .type_name("on|off")
+      .show_default("on");
+  verb.add_option("--stl-range", options->stl_range, "Of IN, an STL file, only the triangles A to B, counted from 1;\n"
+                  "B may be left out")
+      .check(range_problem)
+      .type_name("A:B");
+  verb.add_flag("--positive", options->is_positive, "STL: move the model, by round amounts, to where no coordinate is negative");
   line.set_notes(verb,
                  "What a format cannot hold is lost: mendex formats tells what each keeps.",
                  "mendex convert part.stl part.mnx");
 }
 
 void add_formats_verb(CommandLine& line) {
-  CLI::App* verb = line.add_verb("formats", "Tell what can be read and written", [](Session&) { return run_formats(); });
+  const VerbOptions verb = line.add_verb("formats", "Tell what can be read and written", [](Session&) { return run_formats(); });
   line.set_notes(verb, "", "mendex formats");
 }

@@ -82,14 +82,14 @@ std::string json_of(const Session& session, const EditArguments& arguments, cons
 
 }  // namespace
 
-void add_edit_arguments(CLI::App* verb, EditArguments& arguments, bool welds) {
+void add_edit_arguments(VerbOptions verb, EditArguments& arguments, bool welds) {
   add_input(verb, arguments.input);
   add_output(verb, arguments.output);
   if (welds) {
     arguments.tolerance = exact_copies;
     add_length(verb, "--weld", *arguments.tolerance, "Merge nodes up to this far apart first; without it only exact copies");
   }
-  verb->add_flag("--json", arguments.is_json, "Print one JSON object with what was done");
+  verb.add_flag("--json", arguments.is_json, "Print one JSON object with what was done");
 }
 
 ExitCode run_edit(Session& session, const EditArguments& arguments, const std::string& name,

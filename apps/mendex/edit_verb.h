@@ -1,7 +1,5 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
-
 #include <functional>
 #include <optional>
 #include <string>
@@ -10,6 +8,7 @@
 #include "failure.h"
 #include "length_argument.h"
 #include "session.h"
+#include "verb_options.h"
 
 /// What every verb takes that changes a mesh: a file, where the result goes, how it is told.
 struct EditArguments {
@@ -27,7 +26,7 @@ struct EditResult {
 };
 
 /// Adds the options for these. With `welds` nodes are merged first, by default exact copies; there is an option for more.
-void add_edit_arguments(CLI::App* verb, EditArguments& arguments, bool welds);
+void add_edit_arguments(VerbOptions verb, EditArguments& arguments, bool welds);
 
 /// Reads, merges, edits in an undo bracket, writes, and tells what the mesh was like before and after and what was done.
 /// Throws on interruption, and then nothing is written.

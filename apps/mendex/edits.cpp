@@ -123,12 +123,12 @@ std::vector<EditResult> transform(trControl& control, const TransformArguments& 
 
 void add_orient_verb(CommandLine& line) {
   const auto arguments = std::make_shared<OrientArguments>();
-  CLI::App* verb = line.add_verb("orient", "Turn triangles over until neighbours agree and the top faces up", [arguments](Session& session) {
+  const VerbOptions verb = line.add_verb("orient", "Turn triangles over until neighbours agree and the top faces up", [arguments](Session& session) {
     return run_edit(session, *arguments, arguments->reverses ? "reversing" : "orienting",
                     [&](trControl&) { return orient(session, arguments->reverses); });
   });
   add_edit_arguments(verb, *arguments, true);
-  verb->add_flag("--reverse", arguments->reverses, "Turn every triangle over instead, for a model that is inside out");
+  verb.add_flag("--reverse", arguments->reverses, "Turn every triangle over instead, for a model that is inside out");
   line.set_notes(verb,
                  "Each piece is oriented after its majority, then the whole model by its topmost triangle.",
                  "mendex orient part.stl -o oriented.stl");
@@ -136,18 +136,18 @@ void add_orient_verb(CommandLine& line) {
 
 void add_swap_verb(CommandLine& line) {
   const auto arguments = std::make_shared<SwapArguments>();
-  CLI::App* verb = line.add_verb("swap", "Swap edges of thin triangles where the other diagonal is better", [arguments](Session& session) {
+  const VerbOptions verb = line.add_verb("swap", "Swap edges of thin triangles where the other diagonal is better", [arguments](Session& session) {
     return run_edit(session, *arguments, "swapping", [&](trControl& control) { return swap(control, *arguments); });
   });
   add_edit_arguments(verb, *arguments, true);
   add_limit(verb, "--aspect", arguments->aspect, "RATIO", "Triangles are thin below this ratio of height to longest edge");
-  add_count(verb, "--passes", arguments->passes, 1, "Passes at most")->capture_default_str();
+  add_count(verb, "--passes", arguments->passes, 1, "Passes at most").show_default();
   line.set_notes(verb, "", "mendex swap part.stl -o better.stl --aspect 0.05");
 }
 
 void add_renumber_verb(CommandLine& line) {
   const auto arguments = std::make_shared<EditArguments>();
-  CLI::App* verb = line.add_verb("renumber", "Close the gaps in the numbers of nodes and triangles", [arguments](Session& session) {
+  const VerbOptions verb = line.add_verb("renumber", "Close the gaps in the numbers of nodes and triangles", [arguments](Session& session) {
     return run_edit(session, *arguments, "renumbering", [](trControl& control) { return renumber(control); });
   });
   add_edit_arguments(verb, *arguments, false);
@@ -156,12 +156,12 @@ void add_renumber_verb(CommandLine& line) {
 
 void add_transform_verb(CommandLine& line) {
   const auto arguments = std::make_shared<TransformArguments>();
-  CLI::App* verb = line.add_verb("transform", "Scale, turn and move a model", [arguments](Session& session) {
+  const VerbOptions verb = line.add_verb("transform", "Scale, turn and move a model", [arguments](Session& session) {
     return run_edit(session, *arguments, "transforming", [&](trControl& control) { return transform(control, *arguments); });
   });
   add_edit_arguments(verb, *arguments, false);
   const auto add = [&](const char* name, std::string& text, std::string (*problem)(const std::string&), const char* unit, const char* help) {
-    verb->add_option(name, text, help)->check(CLI::Validator(problem, ""))->type_name(unit);
+    verb.add_option(name, text, help).check(problem).type_name(unit);
   };
   add("--scale", arguments->scale, scale_problem, "F|X,Y,Z", "First: stretch, all ways or along each axis; 25.4 makes millimetres of inches");
   add("--turn", arguments->turn, turn_problem, "X,Y,Z,DEG", "Then: turn about an axis through the origin, counter-clockwise as seen\nfrom its tip");

@@ -6,7 +6,7 @@
 
 void add_fill_verb(CommandLine& line) {
   const auto arguments = std::make_shared<HoleArguments>();
-  CLI::App* verb = line.add_verb("fill", "Close holes by a triangle, two, or a fan round a new node", [arguments](Session& session) {
+  const VerbOptions verb = line.add_verb("fill", "Close holes by a triangle, two, or a fan round a new node", [arguments](Session& session) {
     return run_closing(session, *arguments, HoleMethod::fan, LengthArgument());
   });
   add_hole_arguments(verb, *arguments);

@@ -39,20 +39,20 @@ std::string between_problem(const std::string& text) {
 
 HoleChoice HoleArguments::choice() const { return {whole_numbers_in(numbers), most_edges, whole_numbers_in(between)}; }
 
-void add_hole_arguments(CLI::App* verb, HoleArguments& arguments) {
+void add_hole_arguments(VerbOptions verb, HoleArguments& arguments) {
   add_input(verb, arguments.input);
   add_output(verb, arguments.output);
-  verb->add_option("--hole", arguments.numbers, "Only these boundaries, by the numbers that mendex check lists")
-      ->check(CLI::Validator(holes_problem, ""))
-      ->type_name("N[,N...]");
+  verb.add_option("--hole", arguments.numbers, "Only these boundaries, by the numbers that mendex check lists")
+      .check(holes_problem)
+      .type_name("N[,N...]");
   add_count(verb, "--max-edges", arguments.most_edges, 1, "Only boundaries of at most so many edges");
-  verb->add_option("--between", arguments.between,
-                   "Of one boundary only the part from one node to another: the shorter\n"
-                   "one, or the one with the third node; mendex check --json lists nodes")
-      ->check(CLI::Validator(between_problem, ""))
-      ->type_name("N1,N2[,N3]");
+  verb.add_option("--between", arguments.between,
+                  "Of one boundary only the part from one node to another: the shorter\n"
+                  "one, or the one with the third node; mendex check --json lists nodes")
+      .check(between_problem)
+      .type_name("N1,N2[,N3]");
   add_length(verb, "--weld", arguments.tolerance, "Merge nodes up to this far apart first; without it only exact copies");
-  verb->add_flag("--json", arguments.is_json, "Print one JSON object with what became of each hole");
+  verb.add_flag("--json", arguments.is_json, "Print one JSON object with what became of each hole");
 }
 
 ExitCode run_closing(Session& session, const HoleArguments& arguments, HoleMethod method, const LengthArgument& spacing) {

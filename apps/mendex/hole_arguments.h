@@ -1,13 +1,12 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
-
 #include <string>
 
 #include "failure.h"
 #include "holes.h"
 #include "length_argument.h"
 #include "report.h"
+#include "verb_options.h"
 
 /// What `fill` and `cap` take: a file, which of its holes, where the result goes.
 struct HoleArguments {
@@ -23,7 +22,7 @@ struct HoleArguments {
 };
 
 /// Adds the options for these to a verb.
-void add_hole_arguments(CLI::App* verb, HoleArguments& arguments);
+void add_hole_arguments(VerbOptions verb, HoleArguments& arguments);
 
 /// Reads, merges, closes, writes and reports. A spacing of 0 is each hole's own.
 ExitCode run_closing(Session& session, const HoleArguments& arguments, HoleMethod method, const LengthArgument& spacing);

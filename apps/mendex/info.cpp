@@ -28,10 +28,10 @@ ExitCode run_info(Session& session, const InfoOptions& options) {
 
 void add_info_verb(CommandLine& line) {
   const auto options = std::make_shared<InfoOptions>();
-  CLI::App* verb = line.add_verb("info", "Statistics and mass properties of mesh files",
-                                 [options](Session& session) { return run_info(session, *options); });
-  verb->add_option("FILE", options->files, "Files to report on")->required()->type_name("PATH");
-  verb->add_flag("--json", options->is_json, "One JSON object a file, each on one line");
+  const VerbOptions verb = line.add_verb("info", "Statistics and mass properties of mesh files",
+                                         [options](Session& session) { return run_info(session, *options); });
+  verb.add_option("FILE", options->files, "Files to report on").required().type_name("PATH");
+  verb.add_flag("--json", options->is_json, "One JSON object a file, each on one line");
   line.set_notes(verb,
                  "Nothing is merged: an STL file has three nodes a triangle. Numbers that are not finite are null in JSON.",
                  "mendex info part.stl --json");

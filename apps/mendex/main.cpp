@@ -17,11 +17,7 @@ namespace {
 ExitCode run(int argc, char** argv, Session& session) {
   CommandLine line;
   add_verbs(line);
-  try {
-    line.parse(argc, argv);
-  } catch (const CLI::ParseError& error) {
-    return line.explain(error);
-  }
+  if (const std::optional<ExitCode> code = line.parse(argc, argv)) return *code;
   try {
     return line.run(session);
   } catch (const Failure& failure) {

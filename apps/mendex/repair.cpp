@@ -104,40 +104,39 @@ RepairRequest request_of(const RepairArguments& arguments, bool has_json) {
   return request;
 }
 
-void add_allowance(CLI::App* verb, const char* name, std::string& value, const char* text) {
-  verb->add_option(name, value, text)->check(CLI::Validator(Allowance::problem, ""))->type_name("AMOUNT|SHARE%");
+VerbOption add_allowance(VerbOptions verb, const char* name, std::string& value, const char* text) {
+  return verb.add_option(name, value, text).check(Allowance::problem).type_name("AMOUNT|SHARE%");
 }
 
-void add_limits(CLI::App* verb, RepairArguments& arguments) {
-  verb->add_option("--max-move", arguments.max_move, "Write nothing when a corner moved, or may have moved, farther")
-      ->check(CLI::Validator(LengthArgument::problem, ""))
-      ->type_name("LENGTH")
-      ->group("Limits");
-  add_allowance(verb, "--max-removed-area", arguments.max_removed_area, "Write nothing when more area was deleted");
-  add_allowance(verb, "--max-new-area", arguments.max_new_area, "Write nothing when more area was added");
-  add_allowance(verb, "--max-volume-change", arguments.max_volume_change, "Write nothing when the volume changed more");
-  for (const char* name : {"--max-removed-area", "--max-new-area", "--max-volume-change"}) verb->get_option(name)->group("Limits");
+void add_limits(VerbOptions verb, RepairArguments& arguments) {
+  verb.add_option("--max-move", arguments.max_move, "Write nothing when a corner moved, or may have moved, farther")
+      .check(LengthArgument::problem)
+      .type_name("LENGTH")
+      .group("Limits");
+  add_allowance(verb, "--max-removed-area", arguments.max_removed_area, "Write nothing when more area was deleted").group("Limits");
+  add_allowance(verb, "--max-new-area", arguments.max_new_area, "Write nothing when more area was added").group("Limits");
+  add_allowance(verb, "--max-volume-change", arguments.max_volume_change, "Write nothing when the volume changed more").group("Limits");
 }
 
-void add_steps(CLI::App* verb, RepairArguments& arguments) {
-  verb->add_option("--only", arguments.only, "Take only these steps: " + names_of_steps())->check(CLI::Validator(steps_problem, ""))->type_name("STEP,...");
-  verb->add_option("--skip", arguments.skip, "Leave these steps out")->check(CLI::Validator(steps_problem, ""))->type_name("STEP,...");
-  verb->add_option("--tol", arguments.tolerance,
-                   "How far apart boundaries may be that are joined, or the least and the most;\n"
-                   "by default what single precision resolves up to a tenth of the median edge")
-      ->check(CLI::Validator(range_problem, ""))
-      ->type_name("LENGTH|A..B");
-  verb->add_option("--spacing", arguments.spacing, "Distance between new nodes; by default the mean edge length of each hole")
-      ->check(CLI::Validator(spacing_problem, ""))
-      ->type_name("LENGTH");
+void add_steps(VerbOptions verb, RepairArguments& arguments) {
+  verb.add_option("--only", arguments.only, "Take only these steps: " + names_of_steps()).check(steps_problem).type_name("STEP,...");
+  verb.add_option("--skip", arguments.skip, "Leave these steps out").check(steps_problem).type_name("STEP,...");
+  verb.add_option("--tol", arguments.tolerance,
+                  "How far apart boundaries may be that are joined, or the least and the most;\n"
+                  "by default what single precision resolves up to a tenth of the median edge")
+      .check(range_problem)
+      .type_name("LENGTH|A..B");
+  verb.add_option("--spacing", arguments.spacing, "Distance between new nodes; by default the mean edge length of each hole")
+      .check(spacing_problem)
+      .type_name("LENGTH");
   add_count(verb, "--small-hole", arguments.request.settings.small_hole, 0, "Holes of at most so many edges are closed without nodes inside")
-      ->capture_default_str();
-  verb->add_flag("--close-sheets", arguments.request.settings.closes_sheets, "Close the outer rims of open sheets, too");
+      .show_default();
+  verb.add_flag("--close-sheets", arguments.request.settings.closes_sheets, "Close the outer rims of open sheets, too");
   add_allowance(verb, "--drop-specks", arguments.specks, "Delete shells of less than this area; without it none is deleted");
 }
 
 // The command of a child that repairs one file of many as this one is called to.
-std::vector<std::string> command_of(const CLI::App& verb, const RepairRequest& request, const BatchJob& job) {
+std::vector<std::string> command_of(VerbOptions verb, const RepairRequest& request, const BatchJob& job) {
   std::vector<std::string> words = own_command(verb, {"--json", "--output"});
   words.emplace_back("--json");
   if (!job.output.empty() && !request.is_in_place) words.push_back("--output=" + job.output);
@@ -145,7 +144,7 @@ std::vector<std::string> command_of(const CLI::App& verb, const RepairRequest& r
   return words;
 }
 
-ExitCode repair_many(Session& session, const RepairArguments& arguments, const CLI::App& verb) {
+ExitCode repair_many(Session& session, const RepairArguments& arguments, VerbOptions verb) {
   const RepairRequest& request = arguments.request;
   if (!request.output.empty()) throw Failure(ExitCode::wrong_usage, "--output is for one file; several take --out-dir or --suffix");
   BatchPlan plan;
@@ -156,7 +155,7 @@ ExitCode repair_many(Session& session, const RepairArguments& arguments, const C
   return run_batch(session, arguments.batch, plan);
 }
 
-ExitCode run_repair(Session& session, RepairArguments& arguments, const CLI::App& verb) {
+ExitCode run_repair(Session& session, RepairArguments& arguments, VerbOptions verb) {
   if (arguments.batch.is_batch()) return repair_many(session, arguments, verb);
   arguments.request.input = arguments.batch.files.inputs.front();
   if (arguments.batch.timeout_seconds > 0.0) Interruption::set_timeout(arguments.batch.timeout_seconds);
@@ -167,26 +166,27 @@ ExitCode run_repair(Session& session, RepairArguments& arguments, const CLI::App
 
 void add_repair_verb(CommandLine& line) {
   const auto arguments = std::make_shared<RepairArguments>();
-  const auto verb_of_line = std::make_shared<CLI::App*>(nullptr);
-  CLI::App* verb = line.add_verb("repair", "Make a broken mesh sound, and tell what was done", [arguments, verb_of_line](Session& session) {
+  const auto verb_of_line = std::make_shared<std::optional<VerbOptions>>();
+  const VerbOptions verb = line.add_verb("repair", "Make a broken mesh sound, and tell what was done", [arguments, verb_of_line](Session& session) {
     return run_repair(session, *arguments, **verb_of_line);
   });
   *verb_of_line = verb;
   RepairRequest& request = arguments->request;
-  verb->add_option("IN", arguments->batch.files.inputs, "File to repair; or many, folders of them, and @ before the name of a list of them")
-      ->required()
-      ->type_name("PATH");
-  CLI::Option* output = verb->add_option("-o,--output", request.output, "File to be written")->type_name("PATH");
-  CLI::Option* in_place = verb->add_flag("-i,--in-place", request.is_in_place, "Replace the input; its old contents stay as FILE~")->excludes(output);
-  CLI::Option* dry_run = verb->add_flag("-n,--dry-run", request.is_dry_run, "Do and tell everything, but write nothing");
-  verb->add_flag("-f,--force", request.is_forced, "Replace an output file that is there");
-  verb->add_flag("--json{" + std::string(json_to_output) + "}", arguments->json,
-                 "Write a JSON report to standard output, or as --json=FILE to a file");
+  verb.add_option("IN", arguments->batch.files.inputs, "File to repair; or many, folders of them, and @ before the name of a list of them")
+      .required()
+      .type_name("PATH");
+  const VerbOption output = verb.add_option("-o,--output", request.output, "File to be written").type_name("PATH");
+  const VerbOption in_place = verb.add_flag("-i,--in-place", request.is_in_place, "Replace the input; its old contents stay as FILE~").excludes(output);
+  const VerbOption dry_run = verb.add_flag("-n,--dry-run", request.is_dry_run, "Do and tell everything, but write nothing");
+  verb.add_flag("-f,--force", request.is_forced, "Replace an output file that is there");
+  verb.add_flag("--json{" + std::string(json_to_output) + "}", arguments->json,
+                "Write a JSON report to standard output, or as --json=FILE to a file");
   add_steps(verb, *arguments);
   add_limits(verb, *arguments);
   add_batch_arguments(verb, arguments->batch);
-  verb->final_callback([output, in_place, dry_run, arguments] {
-    if (output->count() + in_place->count() + dry_run->count() == 0 && !arguments->batch.is_batch()) throw CLI::RequiredError("--output, --in-place or --dry-run");
+  verb.require([output, in_place, dry_run, arguments] {
+    const bool says_where = output.count() + in_place.count() + dry_run.count() > 0 || arguments->batch.is_batch();
+    return says_where ? "" : "--output, --in-place or --dry-run";
   });
   CommandLine::set_notes(verb,
                          "What leaves the mesh worse is taken back, and told as refused. Closed shells without defects are not touched.\n"

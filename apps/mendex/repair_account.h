@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "holes.h"
-#include "json_values.h"
 #include "repair_settings.h"
 #include "shells.h"
 

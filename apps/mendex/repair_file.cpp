@@ -124,7 +124,7 @@ class FileRepair {
   void tell() {
     session_.progress.erase();
     if (request_.json) {
-      const std::string line = line_of(json_of_repair(session_, report_)) + "\n";
+      const std::string line = json_of_repair(session_, report_) + "\n";
       has_told_ = true;  // where memory runs out before, the last words are a shorter report
       if (request_.json->empty()) {
         std::fputs(line.c_str(), stdout);

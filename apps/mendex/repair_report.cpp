@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "json_values.h"
 #include "messages.h"
 #include "text.h"
 
@@ -164,30 +165,30 @@ std::string text_of_repair(const Session& session, const RepairReport& report) {
   return text;
 }
 
-Json json_of_repair(const Session& session, const RepairReport& report) {
+std::string json_of_repair(const Session& session, const RepairReport& report) {
   const bool has_account = report.account.has_value();
   const Json nothing(nullptr);
-  return {{"schema", "mendex.report/1"},
-          {"tool", {{"name", "mendex"}, {"version", MENDEX_VERSION}}},
-          {"input",
-           {{"path", report.input},
-            {"format", report.read ? Json(name_of(report.read->format)) : nothing},
-            {"bytes", report.input_bytes ? Json(*report.input_bytes) : nothing},
-            {"complete", report.read ? Json(report.read->is_complete) : nothing}}},
-          {"units", session.units.name().empty() ? nothing : Json(session.units.name())},
-          {"before", has_account ? json_of(report.account->before) : nothing},
-          {"steps", has_account ? list_of(report.account->steps) : Json::array()},
-          {"holes", has_account ? list_of(report.account->holes) : Json::array()},
-          {"defects", has_account ? list_of(report.account->defects) : Json::array()},
-          {"defect_count", has_account ? Json(report.account->defect_count) : nothing},
-          {"budget", has_account ? json_of(report.account->budget) : nothing},
-          {"after", has_account ? json_of(report.account->after) : nothing},
-          {"output",
-           {{"path", report.output.empty() ? nothing : Json(report.output)},
-            {"format", report.written ? Json(name_of(*report.written)) : nothing},
-            {"verified", report.written.has_value()},
-            {"backup", report.backup.empty() ? nothing : Json(report.backup)}}},
-          {"warnings", session.messages.warnings()},
-          {"error", report.error.empty() ? nothing : Json(report.error)},
-          {"exit", static_cast<int>(report.exit)}};
+  return line_of({{"schema", "mendex.report/1"},
+                  {"tool", {{"name", "mendex"}, {"version", MENDEX_VERSION}}},
+                  {"input",
+                   {{"path", report.input},
+                    {"format", report.read ? Json(name_of(report.read->format)) : nothing},
+                    {"bytes", report.input_bytes ? Json(*report.input_bytes) : nothing},
+                    {"complete", report.read ? Json(report.read->is_complete) : nothing}}},
+                  {"units", session.units.name().empty() ? nothing : Json(session.units.name())},
+                  {"before", has_account ? json_of(report.account->before) : nothing},
+                  {"steps", has_account ? list_of(report.account->steps) : Json::array()},
+                  {"holes", has_account ? list_of(report.account->holes) : Json::array()},
+                  {"defects", has_account ? list_of(report.account->defects) : Json::array()},
+                  {"defect_count", has_account ? Json(report.account->defect_count) : nothing},
+                  {"budget", has_account ? json_of(report.account->budget) : nothing},
+                  {"after", has_account ? json_of(report.account->after) : nothing},
+                  {"output",
+                   {{"path", report.output.empty() ? nothing : Json(report.output)},
+                    {"format", report.written ? Json(name_of(*report.written)) : nothing},
+                    {"verified", report.written.has_value()},
+                    {"backup", report.backup.empty() ? nothing : Json(report.backup)}}},
+                  {"warnings", session.messages.warnings()},
+                  {"error", report.error.empty() ? nothing : Json(report.error)},
+                  {"exit", static_cast<int>(report.exit)}});
 }

@@ -25,5 +25,5 @@ struct RepairReport {
 
 /// For people: several lines, each ended.
 std::string text_of_repair(const Session& session, const RepairReport& report);
-/// One object of the schema mendex.report/1, see docs/report.schema.json.
-Json json_of_repair(const Session& session, const RepairReport& report);
+/// One object of the schema mendex.report/1, see docs/report.schema.json, on one line without its end.
+std::string json_of_repair(const Session& session, const RepairReport& report);

@@ -89,10 +89,10 @@ ExitCode run_script(CommandShell& shell, const std::string& path) {
 
 void add_run_verb(CommandLine& line) {
   const auto arguments = std::make_shared<RunArguments>();
-  CLI::App* verb =
+  const VerbOptions verb =
       line.add_verb("run", "Do what a script of the shell says", [arguments](Session& session) { return run(session, *arguments); });
-  verb->add_option("SCRIPT", arguments->script, "File with a command a line, - for standard input")->required()->type_name("PATH");
-  verb->add_flag("--keep-going", arguments->keeps_going, "Go on after an error; the exit code is the highest of all");
+  verb.add_option("SCRIPT", arguments->script, "File with a command a line, - for standard input").required().type_name("PATH");
+  verb.add_flag("--keep-going", arguments->keeps_going, "Go on after an error; the exit code is the highest of all");
   line.set_notes(verb,
                  "mendex shell lists the commands with help. An error is told as SCRIPT:LINE: text, and ends the run: 1 an action failed,\n"
                  "2 an unknown command or wrong arguments, 3 cannot read, 4 cannot write, 6 interrupted. What had been written stays.",

@@ -83,19 +83,19 @@ ExitCode run_section(Session& session, const SectionArguments& arguments) {
 
 void add_section_verb(CommandLine& line) {
   const auto arguments = std::make_shared<SectionArguments>();
-  CLI::App* verb = line.add_verb("section", "Outlines of the cuts with planes across an axis",
-                                 [arguments](Session& session) { return run_section(session, *arguments); });
+  const VerbOptions verb = line.add_verb("section", "Outlines of the cuts with planes across an axis",
+                                         [arguments](Session& session) { return run_section(session, *arguments); });
   add_input(verb, arguments->input);
-  verb->add_option("-o,--output", arguments->output,
-                   "File for the outlines: .svg to look at, .json with all points, or .pic,\n"
-                   "commands that draw one cut; without it they are only counted")
-      ->type_name("PATH");
+  verb.add_option("-o,--output", arguments->output,
+                  "File for the outlines: .svg to look at, .json with all points, or .pic,\n"
+                  "commands that draw one cut; without it they are only counted")
+      .type_name("PATH");
   add_axis(verb, arguments->axis);
-  verb->add_option("--at", arguments->at, "Where the planes meet the axis, in the units of the model")
-      ->required()
-      ->check(CLI::Validator(places_problem, ""))
-      ->type_name("LENGTH[,LENGTH...]");
-  verb->add_flag("--json", arguments->is_json, "Print one JSON object with the number of points and the length of each outline");
+  verb.add_option("--at", arguments->at, "Where the planes meet the axis, in the units of the model")
+      .required()
+      .check(places_problem)
+      .type_name("LENGTH[,LENGTH...]");
+  verb.add_flag("--json", arguments->is_json, "Print one JSON object with the number of points and the length of each outline");
   line.set_notes(verb,
                  "Where the mesh is closed, outlines are. Nothing is merged first: ends of outlines within 1e-5 of each other are one.",
                  "mendex section part.stl --axis z --at 0.5,5,9.5 -o part.svg");

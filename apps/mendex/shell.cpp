@@ -119,9 +119,9 @@ ExitCode run_shell(Session& session, const std::string& file) {
 
 void add_shell_verb(CommandLine& line) {
   const auto file = std::make_shared<std::string>();
-  CLI::App* verb =
+  const VerbOptions verb =
       line.add_verb("shell", "Work on a mesh command by command, with undo", [file](Session& session) { return run_shell(session, *file); });
-  verb->add_option("FILE", *file, "File to read first")->type_name("PATH");
+  verb.add_option("FILE", *file, "File to read first").type_name("PATH");
   line.set_notes(verb,
                  "help lists the commands. Each edit can be undone; Ctrl-C stops the running one and takes it back. From a pipe the commands\n"
                  "are read as mendex run reads a script.",

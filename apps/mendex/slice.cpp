@@ -60,19 +60,19 @@ ExitCode run_slice(Session& session, const SliceArguments& arguments) {
 
 void add_slice_verb(CommandLine& line) {
   const auto arguments = std::make_shared<SliceArguments>();
-  CLI::App* verb = line.add_verb("slice", "Cut with a plane across an axis and keep one side",
-                                 [arguments](Session& session) { return run_slice(session, *arguments); });
+  const VerbOptions verb = line.add_verb("slice", "Cut with a plane across an axis and keep one side",
+                                         [arguments](Session& session) { return run_slice(session, *arguments); });
   add_edit_arguments(verb, *arguments, true);
   add_axis(verb, arguments->axis);
-  verb->add_option("--at", arguments->at, "Where the plane meets the axis, in the units of the model")
-      ->required()
-      ->check(CLI::Validator(place_problem, ""))
-      ->type_name("LENGTH");
-  verb->add_option("--keep", arguments->keep, "Which side stays: what has larger coordinates, or smaller ones")
-      ->required()
-      ->check(CLI::IsMember({"above", "below"}))
-      ->type_name("above|below");
-  verb->add_flag("--cap", arguments->caps, "Close the cut with flat triangles; a loop inside another one stays a hole of the area");
+  verb.add_option("--at", arguments->at, "Where the plane meets the axis, in the units of the model")
+      .required()
+      .check(place_problem)
+      .type_name("LENGTH");
+  verb.add_option("--keep", arguments->keep, "Which side stays: what has larger coordinates, or smaller ones")
+      .required()
+      .one_of({"above", "below"})
+      .type_name("above|below");
+  verb.add_flag("--cap", arguments->caps, "Close the cut with flat triangles; a loop inside another one stays a hole of the area");
   line.set_notes(verb,
                  "Exit code 1 when the cut was to be closed and stays open, 2 when no triangle is left.",
                  "mendex slice part.stl --axis z --at 12.5 --keep below --cap -o lower.stl");

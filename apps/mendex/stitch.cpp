@@ -159,23 +159,23 @@ ExitCode run_stitch(Session& session, const StitchArguments& arguments) {
 
 void add_stitch_verb(CommandLine& line) {
   const auto arguments = std::make_shared<StitchArguments>();
-  CLI::App* verb = line.add_verb("stitch", "Join boundaries that lie along each other",
-                                 [arguments](Session& session) { return run_stitch(session, *arguments); });
+  const VerbOptions verb = line.add_verb("stitch", "Join boundaries that lie along each other",
+                                         [arguments](Session& session) { return run_stitch(session, *arguments); });
   add_input(verb, arguments->input);
   add_output(verb, arguments->output);
-  verb->add_option("--tol", arguments->tolerance,
-                   "How far apart boundaries may be, or a ladder of such tolerances from\n"
-                   "A to B, climbed until no boundary is left")
-      ->required()
-      ->check(CLI::Validator(ladder_problem, ""))
-      ->type_name("LENGTH|A..B/STEP");
-  add_count(verb, "--passes", arguments->passes, 1, "Passes at each tolerance at most")->capture_default_str();
-  add_count(verb, "--target", arguments->target, 0, "Boundaries to be left, where some belong to the model")->capture_default_str();
-  verb->add_flag("--merge", arguments->merges_first, "Merge all nodes within the first tolerance, not only those of boundaries");
-  verb->add_flag("--orient", arguments->orients, "Turn triangles over so that neighbours agree, at each tolerance");
-  verb->add_flag("--slivers", arguments->makes_slivers,
-                 "At the end join nodes to edges in line with them by thin triangles");
-  verb->add_flag("--json", arguments->is_json, "Print one JSON object with the boundaries before and after");
+  verb.add_option("--tol", arguments->tolerance,
+                  "How far apart boundaries may be, or a ladder of such tolerances from\n"
+                  "A to B, climbed until no boundary is left")
+      .required()
+      .check(ladder_problem)
+      .type_name("LENGTH|A..B/STEP");
+  add_count(verb, "--passes", arguments->passes, 1, "Passes at each tolerance at most").show_default();
+  add_count(verb, "--target", arguments->target, 0, "Boundaries to be left, where some belong to the model").show_default();
+  verb.add_flag("--merge", arguments->merges_first, "Merge all nodes within the first tolerance, not only those of boundaries");
+  verb.add_flag("--orient", arguments->orients, "Turn triangles over so that neighbours agree, at each tolerance");
+  verb.add_flag("--slivers", arguments->makes_slivers,
+                "At the end join nodes to edges in line with them by thin triangles");
+  verb.add_flag("--json", arguments->is_json, "Print one JSON object with the boundaries before and after");
   line.set_notes(verb,
                  "At each tolerance nodes of boundaries are merged, triangles back to back and repeated ones deleted, and edges\n"
                  "split where nodes of another boundary lie on them.",

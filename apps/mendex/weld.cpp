@@ -53,13 +53,13 @@ ExitCode run_weld(Session& session, const WeldOptions& options) {
 
 void add_weld_verb(CommandLine& line) {
   const auto options = std::make_shared<WeldOptions>();
-  CLI::App* verb = line.add_verb("weld", "Merge coincident nodes, drop triangles that collapse, write the result",
-                                 [options](Session& session) { return run_weld(session, *options); });
+  const VerbOptions verb = line.add_verb("weld", "Merge coincident nodes, drop triangles that collapse, write the result",
+                                         [options](Session& session) { return run_weld(session, *options); });
   add_input(verb, options->input);
   add_output(verb, options->output);
   add_length(verb, "--tol", options->tolerance, "Merge nodes up to this far apart. Without it only exact copies merge;\n0 merges nothing");
-  verb->add_flag("--positive", options->is_positive, "Move the model, by round amounts, to where no coordinate is negative");
-  verb->add_flag("--json", options->is_json, "Print one JSON object with the statistics before and after");
+  verb.add_flag("--positive", options->is_positive, "Move the model, by round amounts, to where no coordinate is negative");
+  verb.add_flag("--json", options->is_json, "Print one JSON object with the statistics before and after");
   line.set_notes(verb,
                  "OUT is replaced only when the new file is complete; on any failure, and on Ctrl-C, it stays as it was.",
                  "mendex weld part.stl -o fixed.stl --tol 0.001");

@@ -3,6 +3,7 @@
 
 #include <unistd.h>
 
+#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <new>
 
@@ -59,7 +60,7 @@ int main(int argc, char** argv) {
   Session session;
   ProbeArguments arguments;
   CLI::App app;
-  add_batch_arguments(&app, arguments);
+  add_batch_arguments(VerbOptions(&app), arguments);
   app.add_option("IN", arguments.files.inputs);
   app.add_option("--program", arguments.program);
   app.add_option("--verb", arguments.verb);
