@@ -16,7 +16,8 @@ using Reading = int (trTriRead::*)();
 using Writing = int (*)(trTriWrite& writer);
 
 int write_native(trTriWrite& writer) { return writer.write_native(0); }
-int write_mes(trTriWrite& writer) { return writer.write_mes(0); }
+// Numbered anew: the file has eight columns for a number, and merging leaves gaps.
+int write_mes(trTriWrite& writer) { return writer.write_mes(1); }
 int write_flat_tri(trTriWrite& writer) { return writer.write_tri(); }
 int write_smooth_tri(trTriWrite& writer) { return writer.write_smooth_tri(); }
 int write_kvx(trTriWrite& writer) { return writer.write_kvx(); }
