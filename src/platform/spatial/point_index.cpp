@@ -80,16 +80,33 @@ PointIndex::CellRange PointIndex::cells_near(double x) const {
   return {cell(std::max(x - reach_, -grid_last_)), cell(std::min(x + reach_, grid_last_))};
 }
 
+// Visits the tags of the cells that the ball round p touches, save the one that p is in.
+template <class Visit>
+void PointIndex::for_neighbours(const giPoint3& p, Probe probe, Visit visit) const {
+  const CellRange x = cells_near(p.x), y = cells_near(p.y), z = cells_near(p.z);
+  for (std::uint64_t i = x.first; i <= x.last; ++i) {
+    for (std::uint64_t j = y.first; j <= y.last; ++j) {
+      for (std::uint64_t k = z.first; k <= z.last; ++k) {
+        const std::uint32_t tag = tag_of(i * x_factor + j * y_factor + k * z_factor);
+        if (tag != probe.home) visit(tag);
+      }
+    }
+  }
+}
+
 PointIndex::Probe PointIndex::probe(const giPoint3& p) const {
   return {tag_of(cell(p.x) * x_factor + cell(p.y) * y_factor + cell(p.z) * z_factor)};
 }
 
-void PointIndex::prefetch_record(Probe probe) const {
+void PointIndex::prefetch_record(const giPoint3& p, Probe probe) const {
   const std::size_t mask = size() - 1;
   for (std::size_t k = probe.home >> shift_; slots_[k].position != 0; k = (k + 1) & mask) {
     if (slots_[k].tag != probe.home) continue;
     co_prefetch_for_reading(&records_.at(static_cast<int>(slots_[k].position - 1)));
     return;
+  }
+  if (kind_ == Reach::near_points && finite(p)) {
+    for_neighbours(p, probe, [this](std::uint32_t tag) { co_prefetch_for_reading(&slots_[tag >> shift_]); });
   }
 }
 
@@ -112,21 +129,12 @@ void PointIndex::keep(const giPoint3& p, int number) {
 int PointIndex::search(const giPoint3& p, Probe probe) const {
   if (kind_ != Reach::near_points) return kind_ == Reach::nothing ? -1 : search_classes(p);
   Search search{p};
-  if (!search_cell(probe.home, search) && finite(p)) search_neighbours(search, probe);
+  if (!search_cell(probe.home, search) && finite(p)) {
+    for_neighbours(p, probe, [&](std::uint32_t tag) { search_cell(tag, search); });
+  }
   return search.best;
 }
 
-void PointIndex::search_neighbours(Search& search, Probe probe) const {
-  const CellRange x = cells_near(search.p.x), y = cells_near(search.p.y), z = cells_near(search.p.z);
-  for (std::uint64_t i = x.first; i <= x.last; ++i) {
-    for (std::uint64_t j = y.first; j <= y.last; ++j) {
-      for (std::uint64_t k = z.first; k <= z.last; ++k) {
-        const std::uint32_t tag = tag_of(i * x_factor + j * y_factor + k * z_factor);
-        if (tag != probe.home) search_cell(tag, search);
-      }
-    }
-  }
-}
 
 // Looks at all records whose cell has this tag; other cells may share it, but the distance decides. True when a record at p itself
 // makes looking further needless, since no other can match.

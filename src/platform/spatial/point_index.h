@@ -66,7 +66,7 @@ class PointIndex {
   /// for memory overlap. A probe stays good while other points are added.
   Probe probe(const giPoint3& p) const;
   void prefetch(Probe probe) const { co_prefetch_for_reading(&slots_[probe.home >> shift_]); }
-  void prefetch_record(Probe probe) const;
+  void prefetch_record(const giPoint3& p, Probe probe) const;
 
   /// The same as `find_or_add`, but names the position of the point found.
   int find_or_add_position(const giPoint3& p, int number, Probe probe);
@@ -93,7 +93,8 @@ class PointIndex {
   std::uint64_t cell(double x) const;
   CellRange cells_near(double x) const;
   int search(const giPoint3& p, Probe probe) const;
-  void search_neighbours(Search& search, Probe probe) const;
+  template <class Visit>
+  void for_neighbours(const giPoint3& p, Probe probe, Visit visit) const;
   bool search_cell(std::uint32_t tag, Search& search) const;
   int search_classes(const giPoint3& p) const;
   void consider(int position, Search& search) const;

@@ -16,7 +16,7 @@ class ProbeWindow {
   PointIndex::Probe advance(int i) {
     const PointIndex::Probe probe = ring_[i & ring_mask];
     if (i + ahead < count_) look_up(i + ahead);
-    if (i + ahead / 2 < count_) index_.prefetch_record(ring_[(i + ahead / 2) & ring_mask]);
+    if (i + ahead / 2 < count_) index_.prefetch_record(point_at_(i + ahead / 2), ring_[(i + ahead / 2) & ring_mask]);
     return probe;
   }
 
