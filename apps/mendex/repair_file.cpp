@@ -163,6 +163,6 @@ class FileRepair {
 
 // Not destroyed, as the session is not: a report may be asked for as long as the program runs.
 ExitCode repair_file(Session& session, RepairRequest request) {
-  static FileRepair& repair = *new FileRepair(session, std::move(request));
-  return repair.run();
+  auto* const repair = new FileRepair(session, std::move(request));
+  return repair->run();
 }

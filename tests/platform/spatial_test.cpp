@@ -217,9 +217,9 @@ TEST(PointIndex, ProbesOutliveGrowth) {
     std::vector<PointIndex::Probe> probes;
     for (int k = 0; k < 100; ++k) points.emplace_back((random() % 100) * 0.05, (random() % 100) * 0.05, (random() % 3) * 0.005);
     for (const giPoint3& p : points) probes.push_back(batched.probe(p));
-    for (PointIndex::Probe probe : probes) {
-      batched.prefetch(probe);
-      batched.prefetch_record(probe);
+    for (std::size_t k = 0; k < points.size(); ++k) {
+      batched.prefetch(probes[k]);
+      batched.prefetch_record(points[k], probes[k]);
     }
     for (int k = 0; k < 100; ++k) {
       const int expected = single.find_or_add(points[k], batch * 100 + k);
