@@ -231,7 +231,7 @@ TEST(Memory, IsAllGivenBack) {
   const long bytes = FailingMemory::live_bytes();
   const auto files = open_files();
   for (int k = 0; k < 100; ++k) cycle(k);
-  EXPECT_EQ(FailingMemory::live_bytes(), bytes);
+  EXPECT_LE(FailingMemory::live_bytes(), bytes);  // the C library may have given something back, too
   EXPECT_EQ(open_files(), files);
   std::filesystem::remove_all(folder);
 }
