@@ -78,7 +78,7 @@ class Judge {
   void growth(double limit) {
     std::vector<GoalLine> found;
     for (const Measure& measure : all_measures()) {
-      if (measure.is_floor() || measure.is_peer()) continue;
+      if (measure.is_floor() || measure.is_peer() || measure.is_scattered) continue;
       const double exponent = facts_.results.growth(measure.name, growth_start, FacetOrder::ordered);
       if (!std::isnan(exponent)) found.push_back({"growth exponent, " + measure.name + ", ordered", limit, false, exponent});
     }

@@ -13,6 +13,7 @@ struct Measure {
   std::string yardstick;                     ///< the measure that it is compared with; empty for floors and peers
   std::function<Cost(const Model&)> run;     ///< prepares, runs once, checks the result; the cost of the run alone
   std::string peer_of = {};                  ///< the operation of ours that this program or library of others is beside
+  bool is_scattered = false;                 ///< whether the input comes in no order, whatever the order of the facets
 
   bool is_peer() const { return !peer_of.empty(); }
   bool is_floor() const { return yardstick.empty() && !is_peer(); }

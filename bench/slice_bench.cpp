@@ -80,6 +80,6 @@ Cost time_loose_comb(const Model& model) { return time_comb(model, false); }
 void add_slice_measures(std::vector<Measure>& list) {
   list.push_back({"slice", "flat_parse", time_slice});
   list.push_back({"section", "flat_parse", time_section});
-  list.push_back({"section_joined_comb", "flat_parse", time_joined_comb});
-  list.push_back({"section_loose_comb", "flat_parse", time_loose_comb});
+  list.push_back({"section_joined_comb", "flat_parse", time_joined_comb, "", true});
+  list.push_back({"section_loose_comb", "flat_parse", time_loose_comb, "", true});
 }

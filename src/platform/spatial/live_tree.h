@@ -15,32 +15,40 @@ inline const giBox3& live_box(const giBox3& box) { return box; }
 /// Points or boxes of fixed places that can be taken out one by one, for searches that may also end early.
 ///
 /// Items with a coordinate that is not a number are out from the start, and so are empty boxes.
-/// Method: the items are sorted along a Morton curve, eight by eight, and bounded by a binary tree of boxes that counts
-/// what is left below each. Nothing recurses. Cost: O(n) to build, O(log n) a removal; 40 bytes a point, 64 a box.
+/// Method: the items are sorted along a Morton curve, eight by eight, and bounded by a tree of boxes, four below each, that counts
+/// what is left below each. The four lie side by side, so that a search waits for memory once a level. Nothing recurses.
+/// Cost: O(n) to build, O(log n) a removal; 50 bytes a point, 74 a box.
 template <class Item>
 class LiveTree {
  public:
-  explicit LiveTree(const std::vector<Item>& items) : places_(items.size()), leaf_count_((items.size() + width - 1) / width) {
+  explicit LiveTree(const std::vector<Item>& items) : places_(items.size()) {
     sort(items);
-    nodes_.resize(2 * std::max<std::size_t>(leaf_count_, 1));
-    for (std::size_t at = 0; at < entries_.size(); ++at) add(nodes_[leaf_count_ + at / width], entries_[at]);
-    for (std::size_t n = leaf_count_; n-- > 1;) {
-      for (const Node& child : {nodes_[2 * n], nodes_[2 * n + 1]}) {
-        nodes_[n].box.merge(child.box);
-        nodes_[n].left += child.left;
+    for (std::size_t count = (items.size() + width - 1) / width; count > 0; count = (count + arity - 1) / arity) {
+      levels_.push_back({nodes_.size(), count});
+      nodes_.resize(nodes_.size() + count);
+      if (count == 1) break;
+    }
+    for (std::size_t at = 0; at < entries_.size(); ++at) add(nodes_[at / width], entries_[at]);
+    for (std::size_t level = 1; level < levels_.size(); ++level) {
+      for (std::size_t k = 0; k < levels_[level - 1].count; ++k) {
+        const Node& child = node(level - 1, k);
+        Node& parent = node(level, k / arity);
+        parent.box.merge(child.box);
+        parent.left += child.left;
       }
     }
   }
 
   /// Items that are left.
-  int left() const { return leaf_count_ == 0 ? 0 : nodes_[1].left; }
+  int left() const { return nodes_.empty() ? 0 : nodes_.back().left; }
 
   /// Takes out item i, counted from 0 as they were given; out already, it stays so.
   void remove(int i) {
     const std::size_t at = places_[static_cast<std::size_t>(i)];
     if (entries_[at].number < 0) return;
     entries_[at].number = -1;
-    for (std::size_t n = leaf_count_ + at / width; n >= 1; n /= 2) --nodes_[n].left;
+    std::size_t k = at / width;
+    for (std::size_t level = 0; level < levels_.size(); ++level, k /= arity) --node(level, k).left;
   }
 
   /// Calls visit(i) for the items that are left, in no stated order, until it returns false. Those in a box, or whose
@@ -48,17 +56,19 @@ class LiveTree {
   /// @return whether it came to the end
   template <class Rejects, class Visit>
   bool visit(Rejects rejects, Visit visit) const {
-    std::size_t stack[max_depth];
+    if (nodes_.empty() || is_out(nodes_.back(), rejects)) return true;
+    Place stack[max_pending];
     int pending = 0;
-    if (leaf_count_ > 0) stack[pending++] = 1;
+    stack[pending++] = {levels_.size() - 1, 0};
     while (pending > 0) {
-      const std::size_t n = stack[--pending];
-      if (nodes_[n].left == 0 || rejects(nodes_[n].box)) continue;
-      if (n < leaf_count_) {
-        stack[pending++] = 2 * n + 1;
-        stack[pending++] = 2 * n;
-      } else if (!visit_leaf((n - leaf_count_) * width, rejects, visit)) {
-        return false;
+      const Place at = stack[--pending];
+      if (at.level == 0) {
+        if (!visit_leaf(at.k * width, rejects, visit)) return false;
+        continue;
+      }
+      const std::size_t first = at.k * arity;
+      for (std::size_t k = std::min(first + arity, levels_[at.level - 1].count); k-- > first;) {
+        if (!is_out(node(at.level - 1, k), rejects)) stack[pending++] = {at.level - 1, k};
       }
     }
     return true;
@@ -66,7 +76,8 @@ class LiveTree {
 
  private:
   static constexpr std::size_t width = 8;
-  static constexpr int max_depth = 80;  // one for each level of the tree and one more
+  static constexpr std::size_t arity = 4;
+  static constexpr int max_pending = 128;  // three for each of up to 32 levels, and one more
   struct Entry {
     Item item;
     int number;  // -1: out
@@ -75,6 +86,21 @@ class LiveTree {
     giBox3 box;
     int left = 0;
   };
+  struct Level {
+    std::size_t first, count;  // of its nodes
+  };
+  // A node by its level, from the leaves up, and its place there. Its children have the places from arity * k on.
+  struct Place {
+    std::size_t level, k;
+  };
+
+  Node& node(std::size_t level, std::size_t k) { return nodes_[levels_[level].first + k]; }
+  const Node& node(std::size_t level, std::size_t k) const { return nodes_[levels_[level].first + k]; }
+
+  template <class Rejects>
+  static bool is_out(const Node& node, Rejects& rejects) {
+    return node.left == 0 || rejects(node.box);
+  }
 
   void sort(const std::vector<Item>& items) {
     std::vector<giPoint3> sample;
@@ -111,6 +137,6 @@ class LiveTree {
 
   std::vector<Entry> entries_;        // along the curve
   std::vector<std::size_t> places_;   // of each item in entries_
-  std::size_t leaf_count_;
-  std::vector<Node> nodes_;  // leaf k is node leaf_count_ + k, the children of n are 2n and 2n + 1, the root is 1
+  std::vector<Node> nodes_;           // the leaves first, the root last
+  std::vector<Level> levels_;
 };
