@@ -44,6 +44,8 @@ void MemoryLimit::install(std::function<void()> words) {
 
 void MemoryLimit::add_last_words(std::function<void()> words) { last_words().push_back(std::move(words)); }
 
+void MemoryLimit::remove_last_words() { last_words().pop_back(); }
+
 void MemoryLimit::set(std::uint64_t bytes) {
 #ifndef __SANITIZE_ADDRESS__
   rlimit limit = limit_of_memory();

@@ -15,6 +15,8 @@ class MemoryLimit {
   static void install(std::function<void()> last_words);
   /// Adds to what is told, before all that was added earlier. For a report that is to be written in any case; it must not touch the mesh.
   static void add_last_words(std::function<void()> words);
+  /// Takes back what was added last.
+  static void remove_last_words();
 
   /// Limits the address space of this process and of those that it starts. No effect where memory is checked by a sanitizer, whose
   /// shadow alone is beyond any limit.

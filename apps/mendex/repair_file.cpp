@@ -61,10 +61,25 @@ class FileRepair {
     report_.input = request_.input;
     report_.output = request_.output;
     report_.limits = request_.settings.limits;
+    MemoryLimit::add_last_words([this] { tell_last(); });
   }
+  FileRepair(const FileRepair&) = delete;
+  FileRepair& operator=(const FileRepair&) = delete;
+  ~FileRepair() { MemoryLimit::remove_last_words(); }
 
   ExitCode run() {
-    MemoryLimit::add_last_words([this] { tell_last(); });
+    try {
+      work_and_tell();
+    } catch (const std::bad_alloc&) {
+      MemoryLimit::end_program();
+    } catch (const std::length_error&) {
+      MemoryLimit::end_program();
+    }
+    return report_.exit;
+  }
+
+ private:
+  void work_and_tell() {
     try {
       work();
     } catch (const Failure& failure) {
@@ -72,16 +87,10 @@ class FileRepair {
       report_.exit = failure.code();
       tell();
       throw;
-    } catch (const std::bad_alloc&) {
-      MemoryLimit::end_program();
-    } catch (const std::length_error&) {
-      MemoryLimit::end_program();
     }
     tell();
-    return report_.exit;
   }
 
- private:
   void work() {
     if (!request_.output.empty()) request_.settings.target = output_format(request_.output);
     if (!request_.output.empty() && !request_.is_in_place && !request_.is_forced && exists(request_.output)) {
@@ -161,8 +170,6 @@ class FileRepair {
 
 }  // namespace
 
-// Not destroyed, as the session is not: a report may be asked for as long as the program runs.
 ExitCode repair_file(Session& session, RepairRequest request) {
-  auto* const repair = new FileRepair(session, std::move(request));
-  return repair->run();
+  return FileRepair(session, std::move(request)).run();
 }
