@@ -67,12 +67,12 @@ void Growth::run_size(const GrowthInput& input, std::size_t facets) {
   for (const ControlAction& action : control_actions()) {
     if (!is_asked_for(action.name, options_.only) || !is_asked_for(input.name, action.inputs)) continue;
     if (!is_within_patience({action.name, input.name}, facets)) continue;
-    double last = run_action(action, input, facets, scale);
-    double taken = last;
-    for (int runs = 1; is_judged && runs < most_runs && (runs == 1 ? last <= too_long_to_repeat : taken + last <= seconds_for_repeats); ++runs) {
-      last = run_action(action, input, facets, scale);
-      taken += last;
-    }
+    double taken = 0.0;
+    int runs = 0;
+    do {
+      taken += run_action(action, input, facets, scale);
+      ++runs;
+    } while (is_judged && runs < most_runs && taken <= (runs == 1 ? too_long_to_repeat : seconds_for_repeats));
   }
 }
 
