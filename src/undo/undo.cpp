@@ -22,6 +22,8 @@ constexpr int first_ordinal(int shift) {
   const int page_bytes = static_cast<int>(sizeof(Entry)) << shift;
   return static_cast<int>(coPageHeap::plain_bytes) / page_bytes + 1 - plain_pages;
 }
+constexpr int first_node_ordinal = first_ordinal<trUndoNode>(node_page_shift);
+constexpr int first_element_ordinal = first_ordinal<trUndoElement>(element_page_shift);
 
 // Lines of the listing: the bracket stands in column 36, names in files take 29 characters.
 constexpr int bracket_column = 35;
@@ -85,12 +87,30 @@ void swap_first_entries(Entries& entries, NumberMarks& marks, int count, trUndoH
   }
 }
 
+// Goes on in wide pages, the first of which lies ready in `spare` if it has one.
 template <class Array>
-void paginate(Array& array, int shift) {
-  if (array.page_shift() == shift) return;
-  Array wide(shift, page_capacity, page_increment);
+void widen(Array& array, Array& spare, int shift, int first) {
+  if (array.page_shift() == shift && array.pages() > 0) return;
+  Array wide(shift, page_capacity, page_increment, first);
+  if (spare.pages() > 0) wide.swap(spare);
   wide.copy(array, array.count(), 0, 0);
-  array.become(utCopy(), wide);
+  array.swap(wide);
+}
+
+// Moves what fills no page into one of its size, and leaves the wide one in `spare`. Were it freed instead, what the next record
+// allocates first would take a part of its place, and each of many small records would cost a wide page.
+template <class Array>
+void narrow(Array& array, Array& spare) {
+  if (array.count() >= array.page_size()) return;
+  int shift = 0;
+  while ((1 << shift) < array.count()) ++shift;
+  Array small(shift, page_capacity, page_increment);
+  if (array.count() > 0 && !small.get_block(0)) return;
+  small.copy(array, array.count(), 0, 0);
+  small.swap(array);
+  small.clear(0);
+  small.shrink(small.page_size(), 1);
+  if (spare.pages() == 0) small.swap(spare);
 }
 
 void make_fresh(trNode& node) {
@@ -102,8 +122,8 @@ void make_fresh(trNode& node) {
 
 trUndo::trUndo(trUndoHist* history, const utString& operation)
     : hist(history),
-      nodes(node_page_shift, page_capacity, page_increment, first_ordinal<trUndoNode>(node_page_shift)),
-      elements(element_page_shift, page_capacity, page_increment, first_ordinal<trUndoElement>(element_page_shift)) {
+      nodes(node_page_shift, page_capacity, page_increment, first_node_ordinal),
+      elements(element_page_shift, page_capacity, page_increment, first_element_ordinal) {
   reset(operation);
 }
 
@@ -119,13 +139,13 @@ void trUndo::reset(const utString& operation) {
 }
 
 void trUndo::use_full_pages() {
-  paginate(nodes, node_page_shift);
-  paginate(elements, element_page_shift);
+  widen(nodes, hist->spare_nodes_, node_page_shift, first_node_ordinal);
+  widen(elements, hist->spare_elements_, element_page_shift, first_element_ordinal);
 }
 
 void trUndo::trim_pages() {
-  nodes.repaginate();
-  elements.repaginate();
+  narrow(nodes, hist->spare_nodes_);
+  narrow(elements, hist->spare_elements_);
 }
 
 // A number between the present count and that at the opening was cut off by this operation, which reported it if there

@@ -68,6 +68,7 @@ class MENDEX_EXPORT trUndoHist {
 
  private:
   friend class trControl;
+  friend class trUndo;
 
   void attach(trUndo& record);
   void forget_tuples_of(const trUndo& record, int place);
@@ -76,5 +77,7 @@ class MENDEX_EXPORT trUndoHist {
   int last_ = -1;
   int current_ = -1;
   int full_history_ = 1;
+  trUndoNodecoPageArr spare_nodes_;        // a page, or none, that lies ready for the next record
+  trUndoElementcoPageArr spare_elements_;  // the same for its elements
   const trUndo* open_ = nullptr;  // attached by this history and not closed since
 };

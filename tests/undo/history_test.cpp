@@ -125,6 +125,25 @@ TEST(UndoHistory, ResumesTheRecordAtThePosition) {
   EXPECT_TRUE(is_sound(block));
 }
 
+// What a small record does not need of its first page serves the next one: a thousand of them take no thousand pages.
+TEST(UndoHistory, SmallRecordsShareAPage) {
+  BlockOf block(closed_box());
+  trUndoHist history(&block);
+  const BlockSnapshot before(block);
+  const trUndoElement* shared = nullptr;
+  for (int k = 0; k < 5; ++k) {
+    history.start("reverse");
+    for (int e = 1; e <= 1 + k; ++e) block.reverse_element(e);
+    const trUndoElement* const first = &history.records[k]->elements.at(0);
+    if (k == 0) shared = first;
+    EXPECT_EQ(first, shared);
+    EXPECT_EQ(history.finish(), 1);
+    EXPECT_NE(&history.records[k]->elements.at(0), shared);
+  }
+  for (int k = 0; k < 5; ++k) history.undo();
+  EXPECT_EQ(difference(before, block), "");
+}
+
 // Every touch is stored; an entity that was there is stored as it was at that moment, one that is being made as absent.
 TEST(UndoRecord, HoldsWhatWasBeforeEachTouch) {
   BlockOf block(closed_box());

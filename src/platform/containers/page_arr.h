@@ -196,6 +196,18 @@ class coPageArr {
     for (int k = 0; k < page_size_; ++k) new (page(0) + k) T();
   }
 
+  /// Exchanges pages and everything else with another array.
+  void swap(coPageArr& other) noexcept {
+    std::swap(pages_allocated_, other.pages_allocated_);
+    std::swap(count_, other.count_);
+    std::swap(page_size_, other.page_size_);
+    std::swap(page_shift_, other.page_shift_);
+    pages_.swap(other.pages_);
+    std::swap(first_ordinal_, other.first_ordinal_);
+    std::swap(current_block_, other.current_block_);
+    std::swap(current_page_, other.current_page_);
+  }
+
   void reverse() {
     using std::swap;
     for (int k = 0; k < count_ / 2; ++k) swap(at(k), at(count_ - 1 - k));
