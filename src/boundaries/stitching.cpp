@@ -12,6 +12,7 @@
 #include "mesh/aspect_utils.h"
 #include "mesh/memory_guard.h"
 #include "platform/spatial/live_tree.h"
+#include "platform/spatial/near_lists.h"
 #include "progress/progress.h"
 
 namespace {
@@ -20,6 +21,7 @@ namespace {
 constexpr int largest_plain_cycle = 32;
 // When a cycle meets more others than this, they are tried one after the other instead of being gathered beforehand.
 constexpr std::size_t most_gathered = 256;
+constexpr int searches_between_polls = 64;
 constexpr double rounding = 1e-12;
 
 struct Triple {
@@ -41,17 +43,23 @@ giBox3 surroundings(giBox3 box, double tol) {
   return box;
 }
 
+struct AwayFrom {
+  giBox3 query;
+  bool operator()(const giBox3& box) const { return !overlap(query, box); }
+};
+
 // Pairs nodes with edges, each once. Cycles are gone through in their order, and for each the others that it meets in theirs; of the
 // edges of one cycle a node takes the first that will do. Cycles without edges left are not looked at again, and a cycle is done with
 // when it has no nodes left.
 class StitchMatcher {
  public:
   StitchMatcher(trTriBlock& block, trCyclecoPageArr& cycles, double tol)
-      : block_(block), cycles_(cycles), tol_(tol), facts_(facts_of(cycles)), boxes_(boxes_of(cycles)) {
+      : block_(block), cycles_(cycles), tol_(tol), facts_(facts_of(cycles)), boxes_(boxes_of(cycles)), ahead_(facts_.size()) {
     for (int j = 0; j <= cycles.count(); ++j) next_live_.push_back(j);
     for (int j = 0; j < cycles.count(); ++j) {
       if (facts(j).edges_left == 0) drop(j);
     }
+    search_ahead();
   }
 
   std::vector<Triple> match() {
@@ -121,17 +129,35 @@ class StitchMatcher {
     }
   }
 
+  // Cycles whose box crosses nothing are left to be looked at in their turn.
+  void search_ahead() {
+    int searched = 0;
+    boxes_.visit_along_curve([&](int i) {
+      if (++searched % searches_between_polls == 0 && tr_interrupt()) return false;
+      const giBox3 query = surroundings(cycles_.at(i).box(), tol_);
+      if (overlap(query, query)) ahead_.fill(i, [&](auto take) { boxes_.visit(AwayFrom{query}, take); });
+      return true;
+    });
+  }
+
   // Gathers the cycles that may meet cycle i, itself among them, ascending; false when there are too many. Its own box may hold
   // something that does not compare.
   bool gather_near(int i) {
     near_.assign(1, i);
-    const giBox3 query = surroundings(cycles_.at(i).box(), tol_);
-    if (!overlap(query, query)) return !(tol_ > 0.0 && std::isinf(tol_));
-    const bool is_whole = boxes_.visit([&](const giBox3& box) { return !overlap(query, box); },
-                                       [&](int j) {
-                                         if (j != i) near_.push_back(j);
-                                         return near_.size() <= most_gathered;
-                                       });
+    const auto take = [&](int j) {
+      if (j != i) near_.push_back(j);
+      return near_.size() <= most_gathered;
+    };
+    bool is_whole = true;
+    if (ahead_.has(i)) {
+      ahead_.visit(i, [&](int j) {
+        if (boxes_.has(j)) take(j);
+      });
+    } else {
+      const giBox3 query = surroundings(cycles_.at(i).box(), tol_);
+      if (!overlap(query, query)) return !(tol_ > 0.0 && std::isinf(tol_));
+      is_whole = boxes_.visit(AwayFrom{query}, take);
+    }
     std::sort(near_.begin(), near_.end());
     return is_whole;
   }
@@ -221,6 +247,7 @@ class StitchMatcher {
   double tol_;
   std::vector<Facts> facts_;  // by cycle
   LiveTree<giBox3> boxes_;    // of the cycles that have edges left
+  NearLists ahead_;             // of boxes that may meet that of a cycle
   std::vector<int> next_live_;  // by cycle: itself while it has edges left, else one on the way to the next that has
   int nodes_left_ = 0;        // of the cycle in hand, or more
   std::vector<int> near_;

@@ -12,6 +12,7 @@
 #include "mesh/loop_it.h"
 #include "mesh/memory_guard.h"
 #include "platform/spatial/live_tree.h"
+#include "platform/spatial/near_lists.h"
 #include "progress/message.h"
 #include "progress/progress.h"
 
@@ -65,32 +66,43 @@ class OffEdge {
   giBox3 near_;
 };
 
-// A place on a cycle, in the order of the cycles and along each.
+// A place on a cycle, in the order of the cycles and along each; with the edge that leaves it.
 struct Place {
   int cycle;
   int node;
+  int next_node;
 };
 
 // The nodes of all live cycles, for finding those that may lie on an edge.
 class BoundaryNodes {
  public:
-  BoundaryNodes(const trTriBlock& block, const trCyclecoPageArr& cycles)
-      : block_(block), places_(places_of(block, cycles)), tree_(points_of(block, places_)) {}
+  BoundaryNodes(const trTriBlock& block, const trCyclecoPageArr& cycles, double tol)
+      : block_(block), tol_(tol), places_(places_of(block, cycles)), tree_(points_of(block, places_)), ahead_(places_.size()) {
+    search_ahead();
+  }
 
-  // The places near the edge, ascending; none that the exact test would take is missing, and none of them is cancelled.
-  const std::vector<int>& near(const OffEdge& is_off) {
+  // The places near the edge that leaves place k, ascending; none that the exact test would take is missing, and none of them is
+  // cancelled.
+  const std::vector<int>& near(int k) {
     found_.clear();
     cancelled_.clear();
-    tree_.visit(is_off, [this](int k) {
-      const bool is_cancelled = block_.node(place(k).node).side == 0;
-      (is_cancelled ? cancelled_ : found_).push_back(k);
-      return true;
-    });
-    for (const int k : cancelled_) tree_.remove(k);
+    const auto take = [this](int other) {
+      const bool is_cancelled = block_.node(place(other).node).side == 0;
+      (is_cancelled ? cancelled_ : found_).push_back(other);
+    };
+    if (ahead_.has(k)) {
+      ahead_.visit(k, [&](int other) {
+        if (tree_.has(other)) take(other);
+      });
+    } else if (const OffEdge is_off = off_edge(k); is_off.is_regular()) {
+      tree_.visit(is_off, [&](int other) { return take(other), true; });
+    }
+    for (const int other : cancelled_) tree_.remove(other);
     std::sort(found_.begin(), found_.end());
     return found_;
   }
 
+  int count() const { return static_cast<int>(places_.size()); }
   const Place& place(int k) const { return places_[static_cast<std::size_t>(k)]; }
   void remove(int k) { tree_.remove(k); }
 
@@ -100,7 +112,7 @@ class BoundaryNodes {
     std::vector<Place> places;
     for (int j = 0; j < cycles.count(); ++j) {
       for (trCycleIT it(&cycles.at(j)); ++it;) {
-        if (has_boundary_node(block, it.s_node()) && is_finite(block.point(it.s_node()))) places.push_back({j, it.s_node()});
+        if (has_boundary_node(block, it.s_node()) && is_finite(block.point(it.s_node()))) places.push_back({j, it.s_node(), it.e_node()});
       }
     }
     return places;
@@ -115,9 +127,28 @@ class BoundaryNodes {
 
   static bool is_finite(const giPoint3& p) { return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z); }
 
+  OffEdge off_edge(int k) const { return OffEdge(block_.point(place(k).node), block_.point(place(k).next_node), tol_); }
+
+  // An edge that leads nowhere is not searched.
+  void search_ahead() {
+    if (!(tol_ > 0.0)) return;
+    int searched = 0;
+    tree_.visit_along_curve([&](int k) {
+      if (++searched % searches_between_polls == 0 && tr_interrupt()) return false;
+      if (!has_boundary_node(block_, place(k).next_node)) return true;
+      const OffEdge is_off = off_edge(k);
+      if (is_off.is_regular()) ahead_.fill(k, [&](auto take) { tree_.visit(is_off, take); });
+      return true;
+    });
+  }
+
+  static constexpr int searches_between_polls = 64;
+
   const trTriBlock& block_;
+  double tol_;
   std::vector<Place> places_;
   LiveTree<giPoint3> tree_;  // of the places; those found cancelled are taken out
+  NearLists ahead_;          // for the edge that leaves each place, the others near it
   std::vector<int> found_;
   std::vector<int> cancelled_;
 };
@@ -126,17 +157,19 @@ class BoundaryNodes {
 class EdgeSplitter {
  public:
   EdgeSplitter(trTriBlock& block, trCyclecoPageArr& cycles, double tol)
-      : block_(block), cycles_(cycles), tol_(tol), nodes_(block, cycles), limit_element_(block.element_count()) {}
+      : block_(block), cycles_(cycles), tol_(tol), nodes_(block, cycles, tol), limit_element_(block.element_count()) {}
 
   // `format` takes the number of edges that were visited, of all of them.
   void split_all(const char* format, int edges) {
+    int next_place = 0;
     for (int i = 0; i < cycles_.count(); ++i) {
       for (trCycleIT it(&cycles_.at(i)); ++it;) {
+        const int place = is_at(next_place, i, it.s_node()) ? next_place++ : -1;
         if (tr_interrupt()) return;
         if (visited_ % 100 == 0) tr_report_progress(format, visited_, visited_ * 100.0 / edges);
         ++visited_;
         if (it.edge_cancelled() || !is_free(it.s_node(), it.e_node())) continue;
-        find_nodes(i, it);
+        find_nodes(place, it);
         if (on_nodes_.count() > 0) split(it.s_node(), it.e_node());
       }
     }
@@ -145,19 +178,23 @@ class EdgeSplitter {
   bool has_split() const { return deleted_ != 0 && created_ != 0; }
 
  private:
+  bool is_at(int k, int cycle, int node) const {
+    return k < nodes_.count() && nodes_.place(k).cycle == cycle && nodes_.place(k).node == node;
+  }
+
   bool is_free(int s, int e) const {
     return has_boundary_node(block_, s) && has_boundary_node(block_, e) && has_free_edge(block_, s, e);
   }
 
-  // The nodes on the current edge of cycle i. They, and the edge when there are any, are used up; so no node is found twice.
-  void find_nodes(int i, trCycleIT& it) {
+  // The nodes on the edge that leaves place k; -1: it leaves from nowhere. They, and the edge when there are any, are used up; so no
+  // node is found twice.
+  void find_nodes(int k, trCycleIT& it) {
     on_nodes_.clear(0);
     on_params_.clear(0);
-    const int s = it.s_node(), e = it.e_node();
-    const OffEdge is_off(block_.point(s), block_.point(e), tol_);
-    if (!(tol_ > 0.0) || !is_off.is_regular()) return;
-    for (const int k : nodes_.near(is_off)) {
-      const Place& place = nodes_.place(k);
+    if (k < 0 || !(tol_ > 0.0)) return;
+    const int i = nodes_.place(k).cycle, s = it.s_node(), e = it.e_node();
+    for (const int other : nodes_.near(k)) {
+      const Place& place = nodes_.place(other);
       if (place.cycle != i && !cycles_.at(i).box().crosses(cycles_.at(place.cycle).box(), tol_)) continue;
       double par = 0.0;
       if (block_.node(place.node).side == 0 || !block_.check_height_get_par(place.node, s, e, tol_, par)) continue;
@@ -165,7 +202,7 @@ class EdgeSplitter {
       on_params_[on_params_.count()] = par;
       it.cancel_edge();
       block_.node(place.node).side = 0;
-      nodes_.remove(k);
+      nodes_.remove(other);
     }
   }
 

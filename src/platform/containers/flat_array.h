@@ -31,6 +31,8 @@ class coFlatArray {
   const T& operator[](std::size_t i) const { return data_[i]; }
   T* begin() { return data_; }
   T* end() { return data_ + size_; }
+  const T* begin() const { return data_; }
+  const T* end() const { return data_ + size_; }
 
  private:
   T* data_ = nullptr;

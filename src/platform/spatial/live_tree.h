@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <new>
 #include <utility>
 #include <vector>
 
+#include "platform/containers/flat_array.h"
 #include "platform/geometry/box3.h"
 #include "platform/spatial/float_box.h"
 #include "platform/spatial/morton_order.h"
@@ -23,11 +25,14 @@ class LiveTree {
  public:
   explicit LiveTree(const std::vector<Item>& items) : places_(items.size()) {
     sort(items);
+    std::size_t total = 0;
     for (std::size_t count = (items.size() + width - 1) / width; count > 0; count = (count + arity - 1) / arity) {
-      levels_.push_back({nodes_.size(), count});
-      nodes_.resize(nodes_.size() + count);
+      levels_.push_back({total, count});
+      total += count;
       if (count == 1) break;
     }
+    allocate(nodes_, total);
+    for (Node& node : nodes_) node = Node();
     for (std::size_t at = 0; at < entries_.size(); ++at) add(nodes_[at / width], entries_[at]);
     for (std::size_t level = 1; level < levels_.size(); ++level) {
       for (std::size_t k = 0; k < levels_[level - 1].count; ++k) {
@@ -40,7 +45,18 @@ class LiveTree {
   }
 
   /// Items that are left.
-  int left() const { return nodes_.empty() ? 0 : nodes_.back().left; }
+  int left() const { return levels_.empty() ? 0 : root().left; }
+
+  bool has(int i) const { return entries_[places_[static_cast<std::size_t>(i)]].number >= 0; }
+
+  /// Calls visit(i) for the items that are left, neighbours in space one after the other, until it returns false. What is taken out
+  /// meanwhile may still be met.
+  template <class Visit>
+  void visit_along_curve(Visit visit) const {
+    for (const Entry& entry : entries_) {
+      if (entry.number >= 0 && !visit(entry.number)) return;
+    }
+  }
 
   /// Takes out item i, counted from 0 as they were given; out already, it stays so.
   void remove(int i) {
@@ -56,7 +72,7 @@ class LiveTree {
   /// @return whether it came to the end
   template <class Rejects, class Visit>
   bool visit(Rejects rejects, Visit visit) const {
-    if (nodes_.empty() || is_out(nodes_.back(), rejects)) return true;
+    if (levels_.empty() || is_out(root(), rejects)) return true;
     Place stack[max_pending];
     int pending = 0;
     stack[pending++] = {levels_.size() - 1, 0};
@@ -94,6 +110,14 @@ class LiveTree {
     std::size_t level, k;
   };
 
+  // Large pages, since a search jumps about in it.
+  template <class T>
+  static void allocate(coFlatArray<T>& array, std::size_t n) {
+    coFlatArray<T>(n).swap(array);
+    if (array.size() < n) throw std::bad_alloc();
+  }
+
+  const Node& root() const { return node(levels_.size() - 1, 0); }
   Node& node(std::size_t level, std::size_t k) { return nodes_[levels_[level].first + k]; }
   const Node& node(std::size_t level, std::size_t k) const { return nodes_[levels_[level].first + k]; }
 
@@ -109,13 +133,14 @@ class LiveTree {
     std::vector<FloatBox> rough;
     rough.reserve(items.size());
     for (const Item& item : items) rough.push_back(frame.map(live_box(item).min(), live_box(item).max()));
-    entries_.reserve(items.size());
+    allocate(entries_, items.size());
+    std::size_t at = 0;
     for (const int i : morton_order(rough)) {
       const Item& item = items[static_cast<std::size_t>(i)];
       const giBox3& box = live_box(item);
       const bool ordered = box.min().x <= box.max().x && box.min().y <= box.max().y && box.min().z <= box.max().z;
-      places_[static_cast<std::size_t>(i)] = entries_.size();
-      entries_.push_back({item, ordered ? i : -1});
+      places_[static_cast<std::size_t>(i)] = at;
+      entries_[at++] = {item, ordered ? i : -1};
     }
   }
 
@@ -135,8 +160,8 @@ class LiveTree {
     return true;
   }
 
-  std::vector<Entry> entries_;        // along the curve
-  std::vector<std::size_t> places_;   // of each item in entries_
-  std::vector<Node> nodes_;           // the leaves first, the root last
+  coFlatArray<Entry> entries_;       // along the curve
+  std::vector<std::size_t> places_;  // of each item in entries_
+  coFlatArray<Node> nodes_;          // the leaves first, the root last
   std::vector<Level> levels_;
 };
