@@ -59,21 +59,20 @@ Json made_report(const BatchJob& job) {
 }
 
 Json report_on(const BatchJob& job, const BatchOutcome& outcome) {
-  Json report = Json::parse(outcome.report, nullptr, false);
+  Json report = Json::parse(outcome.report);
   if (!report.is_object()) report = made_report(job);
-  report["exit"] = static_cast<int>(outcome.code);
-  report.emplace("error", nullptr);
-  if (!outcome.error.empty()) report["error"] = outcome.error;
+  report.set("exit", static_cast<int>(outcome.code));
+  if (!report.contains("error")) report.set("error", nullptr);
+  if (!outcome.error.empty()) report.set("error", outcome.error);
   return report;
 }
 
 std::string line_for_people(const BatchJob& job, const BatchOutcome& outcome) {
-  const Json report = report_on(job, outcome);
   std::string line = formatted("%-18s", words_of(outcome)) + job.input;
   if (outcome.code <= ExitCode::defects_found && !job.output.empty()) line += " -> " + job.output;
   if (outcome.end != BatchEnd::not_started) line += formatted("  (%.2f s)", outcome.seconds);
-  const Json& error = report["error"];
-  if (error.is_string() && !error.get_ref<const std::string&>().empty()) line += ": " + error.get_ref<const std::string&>();
+  const std::string error = report_on(job, outcome).text("error");
+  if (!error.empty()) line += ": " + error;
   return printable(line);
 }
 
@@ -96,7 +95,7 @@ void BatchReport::add(const BatchJob& job, const BatchOutcome& outcome) {
 void BatchReport::finish(double seconds) const {
   if (is_json_) {
     Json summary = {{"schema", "mendex.batch/1"}, {"files", files_}};
-    for (std::size_t k = 0; k < code_total; ++k) summary[code_names[k].key] = by_code_[k];
+    for (std::size_t k = 0; k < code_total; ++k) summary.set(code_names[k].key, by_code_[k]);
     summary.update({{"timed_out", timed_out_}, {"not_started", not_started_}, {"seconds", number(seconds)}, {"exit", static_cast<int>(worst_)}});
     std::printf("%s\n", line_of(summary).c_str());
     return;

@@ -1,5 +1,5 @@
+#include <algorithm>
 #include <cmath>
-#include <nlohmann/json.hpp>
 
 #include "check_report.h"
 #include "json_values.h"
@@ -27,7 +27,7 @@ Json boundaries_with_places(const MeshCheck& check) {
 Json sick_edges_with_places(const MeshCheck& check) {
   Json list = Json::array();
   for (const FoundSickEdge& edge : check.sick_edges) {
-    list.push_back({{"nodes", edge.nodes}, {"elements", edge.elements}, {"at", triple(edge.at)}});
+    list.push_back({{"nodes", Json::array({edge.nodes[0], edge.nodes[1]})}, {"elements", edge.elements}, {"at", triple(edge.at)}});
   }
   return list;
 }

@@ -65,8 +65,9 @@ Json json_of(const MeshState& state) {
 std::string json_of(const Session& session, const EditArguments& arguments, const EditAccount& account) {
   Json done = Json::array();
   for (const EditResult& result : account.results) {
-    done.push_back({{"what", result.what}, {"count", result.count}});
-    if (result.limit) done.back()["limit"] = number(*result.limit);
+    Json entry = {{"what", result.what}, {"count", result.count}};
+    if (result.limit) entry.set("limit", number(*result.limit));
+    done.push_back(std::move(entry));
   }
   return line_of({{"file", arguments.input},
                   {"format", name_of(account.read.format)},

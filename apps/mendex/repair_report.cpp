@@ -109,8 +109,8 @@ Json json_of(const RepairState& state) {
 
 Json json_of(const StepAccount& step) {
   Json parameters = Json::object(), counts = Json::object();
-  for (const auto& [name, value] : step.parameters) parameters[name] = number(value);
-  for (const auto& [name, value] : step.counts) counts[name] = value;
+  for (const auto& [name, value] : step.parameters) parameters.set(name, number(value));
+  for (const auto& [name, value] : step.counts) counts.set(name, value);
   return {{"name", name_of(step.step)}, {"result", name_of(step.result)}, {"parameters", parameters},
           {"counts", counts},           {"refused", step.refused},        {"milliseconds", number(step.milliseconds)}};
 }

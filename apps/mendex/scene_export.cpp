@@ -6,9 +6,9 @@
 #include <algorithm>
 #include <assimp/Exporter.hpp>
 #include <memory>
-#include <nlohmann/json.hpp>
 
 #include "failure.h"
+#include "json_values.h"
 #include "scene_3mf.h"
 #include "scene_file.h"
 #include "scene_polygon_files.h"
@@ -117,10 +117,13 @@ std::string base64(const void* data, std::size_t size) {
 
 // The buffer goes into the file itself: two files could not take their targets' places at once.
 std::string with_own_buffer(const aiExportDataBlob& blob) {
-  nlohmann::json scene = nlohmann::json::parse(std::string(static_cast<const char*>(blob.data), blob.size), nullptr, false);
-  if (scene.is_discarded() || !scene.contains("buffers") || blob.next == nullptr) fail("the exporter gave no buffer");
-  scene["buffers"][0]["uri"] = "data:application/octet-stream;base64," + base64(blob.next->data, blob.next->size);
-  return scene.dump();
+  std::string scene;
+  if (blob.next != nullptr) {
+    scene = with_buffer(std::string(static_cast<const char*>(blob.data), blob.size),
+                        "data:application/octet-stream;base64," + base64(blob.next->data, blob.next->size));
+  }
+  if (scene.empty()) fail("the exporter gave no buffer");
+  return scene;
 }
 
 std::string exported_bytes(const aiScene& scene, MeshFormat format) {

@@ -25,9 +25,8 @@ std::string text_of(double value) {
 }
 
 std::string escaped(const std::string& text) {
-  const std::string quoted = Json(text).dump(-1, ' ', false, Json::error_handler_t::replace);  // mends what is no UTF-8
   std::string escaped;
-  for (const char c : Json::parse(quoted).get<std::string>()) {
+  for (const char c : valid_utf8(text)) {
     switch (c) {
       case '&': escaped += "&amp;"; break;
       case '<': escaped += "&lt;"; break;
@@ -145,7 +144,7 @@ void write_svg(std::FILE* file, const SectionDrawing& drawing) {
 }
 
 void write_json(std::FILE* file, const SectionDrawing& drawing) {
-  std::fprintf(file, "{\"file\":%s,\"axis\":\"%c\",\"sections\":[", line_of(Json(drawing.model)).c_str(), drawing.axis);
+  std::fprintf(file, "{\"file\":%s,\"axis\":\"%c\",\"sections\":[", line_of(drawing.model).c_str(), drawing.axis);
   const char* before_cut = "";
   for (const SectionAt& cut : drawing.cuts) {
     std::fprintf(file, "%s\n {\"at\":%s,\"polylines\":[", before_cut, text_of(cut.at).c_str());

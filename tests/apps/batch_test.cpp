@@ -6,16 +6,15 @@
 
 #include <chrono>
 #include <filesystem>
-#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "apps/process.h"
 #include "apps/test_files.h"
 #include "build_paths.h"
+#include "support/json_document.h"
 
 namespace {
 
-using Json = nlohmann::json;
 using Names = std::vector<std::string>;
 
 // A job that says so of itself and ends well.
@@ -44,9 +43,9 @@ struct BatchResult {
   double seconds;
 
   Json values(const char* key) const {
-    Json list = Json::array();
-    for (const Json& report : reports) list.push_back(report.value(key, Json("missing")));
-    return list;
+    std::vector<Json> list;
+    for (const Json& report : reports) list.push_back(report.value(key, "missing"));
+    return Json::array(list);
   }
 };
 
@@ -55,7 +54,7 @@ BatchResult run_batch(const TestFolder& folder, Names words) {
   const auto start = std::chrono::steady_clock::now();
   const ProcessResult result = run_process(batch_setup(folder, words));
   const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
-  BatchResult batch{result.exit_code, lines_of(result.output), {}, result.errors, time.count()};
+  BatchResult batch{result.exit_code, lines_of(result.output), nullptr, result.errors, time.count()};
   if (!batch.reports.empty()) {
     batch.summary = batch.reports.back();
     batch.reports.pop_back();
@@ -113,7 +112,8 @@ TEST(MendexBatch, EveryEndHasItsCodeAndItsReport) {
   EXPECT_EQ(result.reports[1]["steps"], Json::parse("[1]"));
   const Json& made = result.reports[2];
   EXPECT_EQ(made["schema"], "mendex.report/1");
-  EXPECT_EQ(made["input"], (Json{{"path", "job2.stl"}, {"format", nullptr}, {"bytes", std::filesystem::file_size(folder.path("job2.stl"))}, {"complete", nullptr}}));
+  const std::string bytes = std::to_string(std::filesystem::file_size(folder.path("job2.stl")));
+  EXPECT_EQ(made["input"], Json::parse(R"({"path": "job2.stl", "format": null, "complete": null, "bytes": )" + bytes + "}"));
   for (const char* key : {"before", "defect_count", "budget", "after"}) EXPECT_TRUE(made.at(key).is_null()) << key;
   for (const auto& [key, count] : expected) EXPECT_EQ(result.summary[key], count) << key;
   EXPECT_EQ(result.summary["files"], std::size(cases));
@@ -287,7 +287,7 @@ TEST(MendexBatch, RepairsManyFiles) {
   EXPECT_EQ(reports[1]["exit"], 0) << reports[1];
   EXPECT_EQ(reports[2]["exit"], 0) << reports[2];
   const auto result_of = [](const Json& report, const char* step) {
-    for (const Json& each : report["steps"]) {
+    for (const Json& each : report["steps"].elements()) {
       if (each["name"] == step) return each["result"].dump();
     }
     return std::string("none");

@@ -8,7 +8,7 @@ std::vector<FacetCorners> box_facets() { return facets_of(closed_box({}, 1, 2, 3
 
 std::vector<int> elements_in(const Json& list) {
   std::vector<int> numbers;
-  for (const Json& entry : list) numbers.push_back(entry.at("element"));
+  for (const Json& entry : list.elements()) numbers.push_back(entry.at("element").get<int>());
   return numbers;
 }
 

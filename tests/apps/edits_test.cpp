@@ -7,7 +7,7 @@ namespace {
 const std::vector<FacetCorners> tetrahedron = {
     {0, 0, 0, 0, 3, 0, 3, 0, 0}, {0, 0, 0, 3, 0, 0, 0, 0, 3}, {0, 0, 0, 0, 0, 3, 0, 3, 0}, {3, 0, 0, 0, 3, 0, 0, 0, 3}};
 
-double volume_of_shell(const std::string& path) { return check(path)["found"]["shells"][0]["volume"]; }
+double volume_of_shell(const std::string& path) { return check(path)["found"]["shells"][0]["volume"].get<double>(); }
 
 }  // namespace
 

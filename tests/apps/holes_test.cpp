@@ -46,7 +46,7 @@ TEST(MendexHoles, FillClosesThemAll) {
   EXPECT_EQ(report["boundaries_left"], 0);
   const Json after = check(folder.path("out.stl"));
   EXPECT_EQ(after["clean"], true) << after["volume"];
-  EXPECT_NEAR(after["volume"], 512.0, 1e-4);
+  EXPECT_NEAR(after["volume"].get<double>(), 512.0, 1e-4);
 }
 
 TEST(MendexHoles, CapsHaveNodesAtTheSpacing) {
@@ -62,7 +62,7 @@ TEST(MendexHoles, CapsHaveNodesAtTheSpacing) {
   for (const char* name : {"auto.stl", "fine.stl"}) {
     const Json after = check(folder.path(name));
     EXPECT_EQ(after["clean"], true) << name;
-    EXPECT_NEAR(after["volume"], 512.0, 1e-3) << name;
+    EXPECT_NEAR(after["volume"].get<double>(), 512.0, 1e-3) << name;
   }
 }
 

@@ -51,7 +51,7 @@ TEST(MendexLengths, TellTheLengthThatWasUsed) {
     Arguments arguments = {verb, in};
     if (std::string(verb) != "check") arguments.insert(arguments.end(), {"-o", out});
     arguments.insert(arguments.end(), options.begin(), options.end());
-    return report_of(arguments, -1).at(Json::json_pointer(where));
+    return report_of(arguments, -1).at_path(where);
   };
   const Json size = info(in)["box"];
   double diagonal_sq = 0.0;

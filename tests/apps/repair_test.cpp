@@ -7,16 +7,14 @@
 #include <cstring>
 #include <filesystem>
 #include <map>
-#include <nlohmann/json.hpp>
 #include <set>
 
 #include "apps/process.h"
 #include "apps/test_files.h"
 #include "support/breakages.h"
+#include "support/json_document.h"
 
 namespace {
-
-using Json = nlohmann::json;
 
 FacetCorners facet_of(const Corners& corners) {
   FacetCorners facet;
@@ -60,12 +58,11 @@ struct Repaired {
   Json report;
   std::string errors;
 
-  const Json& step(const std::string& name) const {
-    for (const Json& step : report["steps"]) {
+  Json step(const std::string& name) const {
+    for (const Json& step : report["steps"].elements()) {
       if (step["name"] == name) return step;
     }
-    static const Json none;
-    return none;
+    return nullptr;
   }
 };
 
@@ -73,7 +70,7 @@ Repaired repair(std::vector<std::string> arguments) {
   arguments.insert(arguments.begin(), "repair");
   arguments.emplace_back("--json");
   const ProcessResult result = run_mendex(arguments);
-  return {result.exit_code, Json::parse(result.output, nullptr, false), result.errors};
+  return {result.exit_code, Json::parse(result.output), result.errors};
 }
 
 FacetCorners facet(float ax, float ay, float az, float bx, float by, float bz, float cx, float cy, float cz) { return {ax, ay, az, bx, by, bz, cx, cy, cz}; }
@@ -104,7 +101,7 @@ TEST(MendexRepair, MendsBrokenModels) {
     ASSERT_LE(repaired.exit_code, 1) << repaired.errors;
     const Json& after = repaired.report["after"];
     const bool is_closed = after["open_edges"] == 0 && after["sick_edges"] == 0 && after["opposed_edges"] == 0 && after["inside_out_shells"] == 0;
-    const double volume = after["volume"];
+    const double volume = after["volume"].get<double>();
     const bool has_volume = std::fabs(volume - model.volume) <= 0.01 * model.volume;
     const std::multiset<FacetCorners> facets = facets_in(out);
     std::size_t changed = 0;
@@ -144,7 +141,7 @@ TEST(MendexRepair, LeavesSoundShellsAlone) {
   const std::string mixed = folder.write("mixed.stl", binary_stl(facets));
   repaired = repair({mixed, "-i"});
   EXPECT_EQ(repaired.exit_code, 0);
-  EXPECT_EQ(repaired.step("orient")["counts"], (Json{{"shells turned outward", 1}}));
+  EXPECT_EQ(repaired.step("orient")["counts"], Json::parse(R"({"shells turned outward": 1})"));
   EXPECT_EQ(repaired.report["output"]["backup"], mixed + "~");
   EXPECT_EQ(contents_of_file(mixed + "~"), binary_stl(facets));
   for (const FacetCorners& f : tetrahedron(5)) EXPECT_TRUE(has(facets_in(mixed), f));

@@ -75,9 +75,8 @@ TEST_F(MendexScene, CarriesColours) {
 // Two objects of a glTF scene: one moved, one mirrored, whose triangle is turned so that it still faces as its object does.
 TEST_F(MendexScene, NodesMoveTheirMeshes) {
   convert(folder_.write("t.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n"), folder_.path("t.gltf"));
-  Json scene = Json::parse(contents_of_file(folder_.path("t.gltf")));
-  scene["nodes"] = Json::array({{{"mesh", 0}, {"translation", {5, 0, 0}}}, {{"mesh", 0}, {"scale", {1, 1, -1}}, {"translation", {0, 0, 7}}}});
-  scene["scenes"][0]["nodes"] = {0, 1};
+  const Json scene = Json::parse(contents_of_file(folder_.path("t.gltf"))).merged_with(Json::parse(R"({"scenes": [{"nodes": [0, 1]}], "nodes": [
+      {"mesh": 0, "translation": [5, 0, 0]}, {"mesh": 0, "scale": [1, 1, -1], "translation": [0, 0, 7]}]})"));
   EXPECT_EQ(text_of(folder_.write("moved.gltf", scene.dump())),
             "OFF\n 6 2 0\n 5 0 0\n 6 0 0\n 5 1 0\n 0 0 7\n 1 0 7\n 0 1 7\n3 0 1 2\n3 3 5 4\n");
 }

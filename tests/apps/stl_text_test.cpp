@@ -17,7 +17,7 @@ int triangles_in(const std::string& path) {
   const ProcessResult result = run_mendex({"info", "--json", path});
   if (result.exit_code != 0) return -result.exit_code;
   const Json report = Json::parse(result.output);
-  EXPECT_TRUE(report["complete"]) << result.errors;
+  EXPECT_EQ(report["complete"], true) << result.errors;
   return report["elements"].get<int>();
 }
 
