@@ -50,10 +50,10 @@ void apply(const ChildLimits& limits) {
   if (limits.memory_bytes) MemoryLimit::set(*limits.memory_bytes);
   if (!limits.seconds) return;
   constexpr double grace = 10.0;
-  rlimit limit = {};
-  getrlimit(RLIMIT_CPU, &limit);
-  limit.rlim_cur = std::min<rlim_t>(limit.rlim_max, static_cast<rlim_t>(std::ceil(std::min(*limits.seconds, 1e9) + grace)));
-  setrlimit(RLIMIT_CPU, &limit);
+  rlimit processor = {};
+  getrlimit(RLIMIT_CPU, &processor);
+  processor.rlim_cur = std::min<rlim_t>(processor.rlim_max, static_cast<rlim_t>(std::ceil(std::min(*limits.seconds, 1e9) + grace)));
+  setrlimit(RLIMIT_CPU, &processor);
 }
 
 // The other process. The parent has no threads, so that anything may be called here.

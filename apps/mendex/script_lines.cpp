@@ -9,11 +9,11 @@
 
 #include "failure.h"
 #include "interruption.h"
+#include "mesh_format.h"
 
 namespace {
 
 constexpr std::size_t piece_bytes = 16 * 1024;
-constexpr const char byte_order_mark[] = "\xEF\xBB\xBF";
 
 }  // namespace
 
@@ -56,7 +56,7 @@ bool ScriptLines::read_more() {
   is_at_end_ = size <= 0;
   Interruption::check();
   if (size < 0) throw Failure(ExitCode::cannot_read, std::strerror(error));
-  if (is_first && piece_.compare(0, 3, byte_order_mark) == 0) at_ = 3;
+  if (is_first && starts_with_byte_order_mark(piece_)) at_ = byte_order_mark.size();
   return size > 0;
 }
 

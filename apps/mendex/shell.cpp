@@ -101,7 +101,7 @@ ExitCode converse(CommandShell& shell) {
   return ExitCode::interrupted;
 }
 
-std::string in_quotes(const std::string& path) {
+std::string as_one_word(const std::string& path) {
   std::string text = "\"";
   for (const char c : path) text += (c == '"' || c == '\\' ? std::string("\\") : "") + c;
   return text + "\"";
@@ -111,7 +111,7 @@ ExitCode run_shell(Session& session, const std::string& file) {
   const bool is_typed = isatty(STDIN_FILENO) != 0;
   CommandShell shell(session, is_typed ? CommandShell::Manner::typed : CommandShell::Manner::script);
   if (is_typed) shell.note("mendex " MENDEX_VERSION "; help lists the commands, quit leaves\n");
-  if (!file.empty()) shell.execute("read " + in_quotes(file));
+  if (!file.empty()) shell.execute("read " + as_one_word(file));
   return is_typed ? converse(shell) : run_script(shell, "-");
 }
 

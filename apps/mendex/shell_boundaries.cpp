@@ -15,8 +15,6 @@ namespace {
 
 using Action = ShellCommand::Action;
 
-constexpr int most_passes = 1000000;
-
 [[noreturn]] void no_boundary(int number) {
   throw Failure(ExitCode::wrong_usage, "there is no boundary " + std::to_string(number) + "; boundaries lists those that there are");
 }
@@ -133,7 +131,7 @@ Action parse_staple(CommandShell& shell, ShellWords& words) {
 
 Action parse_astaple(CommandShell& shell, ShellWords& words) {
   const double tolerance = words.length("a tolerance");
-  const int limit = words.is_empty() ? 10 : words.count("a number of passes", 1, most_passes);
+  const int limit = words.is_empty() ? 10 : words.passes();
   return [&shell, tolerance, limit] { shell.control.action_astaple(tolerance, limit); };
 }
 
@@ -160,7 +158,7 @@ void take_ladder(AutoStitch& stitch, ShellWords& words) {
 void take_options(AutoStitch& stitch, ShellWords& words) {
   while (!words.is_empty()) {
     switch (words.choice({"passes", "merge", "orient", "cancel", "target"})) {
-      case 0: stitch.limit = words.count("a number of passes", 1, most_passes); break;
+      case 0: stitch.limit = words.passes(); break;
       case 1: stitch.merges_first = true; break;
       case 2: stitch.orients = true; break;
       case 3: stitch.cancels = true; break;

@@ -13,8 +13,6 @@ namespace {
 
 using Action = ShellCommand::Action;
 
-constexpr int most_passes = 1000000;
-
 Action parse_undup(CommandShell& shell, ShellWords& words) {
   const double tolerance = words.is_empty() ? exact_copies : words.length("a tolerance");
   return [&shell, tolerance] { shell.control.action_undup(tolerance); };
@@ -26,7 +24,7 @@ Action parse_renumber(CommandShell& shell, ShellWords&) {
 
 Action parse_swap(CommandShell& shell, ShellWords& words) {
   const double aspect = words.limit("a ratio");
-  const int passes = words.is_empty() ? 10 : words.count("a number of passes", 1, most_passes);
+  const int passes = words.is_empty() ? 10 : words.passes();
   return [&shell, aspect, passes] { shell.control.action_swap(aspect, passes); };
 }
 

@@ -31,6 +31,8 @@ class ShellWords {
   double spacing(const char* what);
   /// A whole number.
   int count(const char* what, int least, int most = INT_MAX);
+  /// A number of passes.
+  int passes() { return count("a number of passes", 1, 1000000); }
   /// So many finite numbers, separated by blanks or commas.
   std::vector<double> numbers(const char* what, std::size_t count);
   /// Three numbers that are not all 0.

@@ -19,7 +19,7 @@
 namespace {
 
 // Bounds of what rounding can do, relative to the numbers involved; generous, since they only decide what is looked at closely.
-constexpr double rounding = 1e-12;
+constexpr double relative_rounding = 1e-12;
 constexpr double place_rounding = 4e-16;
 // Squares of lengths below this lose digits, or are 0.
 constexpr double least_length = 1e-150;
@@ -30,7 +30,7 @@ class OffEdge {
   OffEdge(const giPoint3& s, const giPoint3& e, double tol) : start_(s), along_(e - s), length_sq_(along_.length_sq()), near_(s, s) {
     double size = tol;
     for (int k = 0; k < 3; ++k) size = std::max({size, std::fabs(s[k]), std::fabs(e[k])});
-    reach_ = tol + rounding * size + least_length;
+    reach_ = tol + relative_rounding * size + least_length;
     near_.merge(e);
     near_.grow(reach_);
   }
@@ -52,10 +52,10 @@ class OffEdge {
       centre_sq += c * c;
       radius_sq += h * h;
     }
-    const double slack = rounding * (size + half + length_sq_) + least_length * least_length;
+    const double slack = relative_rounding * (size + half + length_sq_) + least_length * least_length;
     if (mid + half < -slack || mid - half > length_sq_ + slack) return true;
     const double reach = std::sqrt(radius_sq) + reach_;
-    return centre_sq - mid * mid / length_sq_ > reach * reach + rounding * centre_sq;
+    return centre_sq - mid * mid / length_sq_ > reach * reach + relative_rounding * centre_sq;
   }
 
  private:

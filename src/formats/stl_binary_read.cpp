@@ -8,6 +8,7 @@
 
 #include "formats/bin_read.h"
 #include "formats/entity_limit.h"
+#include "formats/stl_layout.h"
 #include "mesh/memory_guard.h"
 #include "progress/message.h"
 #include "formats/tri_read.h"
@@ -18,8 +19,6 @@
 
 namespace {
 
-constexpr int header_bytes = 80;
-constexpr int facet_bytes = 50;
 constexpr int normal_bytes = 12;
 constexpr int corner_bytes = 12;
 constexpr int facets_a_chunk = 1300;  // close to 64 KB
@@ -33,33 +32,33 @@ giPoint3 read_point(const char* bytes) {
 // Hands out the facets' bytes; reads ahead in chunks, but never past the last facet that is wanted.
 class FacetBytes {
  public:
-  FacetBytes(std::FILE* file, std::uint32_t facets) : file_(file), left_(facets), buffer_(facets_a_chunk * facet_bytes) {}
+  FacetBytes(std::FILE* file, std::uint32_t facets) : file_(file), left_(facets), buffer_(facets_a_chunk * stl::facet_bytes) {}
 
   // Moves to the next facet; false when the file ends before all its bytes.
   bool next() {
-    at_ += facet_bytes;
-    if (at_ + facet_bytes <= filled_) return true;
+    at_ += stl::facet_bytes;
+    if (at_ + stl::facet_bytes <= filled_) return true;
     if (at_ < filled_) return false;
     read_chunk();
-    return filled_ >= facet_bytes;
+    return filled_ >= stl::facet_bytes;
   }
   const char* bytes() const { return buffer_.data() + at_; }
   // Bytes of the current facet that are there.
-  int available() const { return std::min(filled_ - at_, facet_bytes); }
+  int available() const { return std::min(filled_ - at_, stl::facet_bytes); }
 
  private:
   void read_chunk() {
     const std::uint32_t facets = std::min<std::uint32_t>(left_, facets_a_chunk);
     left_ -= facets;
     at_ = 0;
-    filled_ = static_cast<int>(std::fread(buffer_.data(), 1, std::size_t{facets} * facet_bytes, file_));
+    filled_ = static_cast<int>(std::fread(buffer_.data(), 1, std::size_t{facets} * stl::facet_bytes, file_));
   }
 
   std::FILE* file_;
   std::uint32_t left_;  // facets not read yet
   std::vector<char> buffer_;
   int filled_ = 0;
-  int at_ = -facet_bytes;
+  int at_ = -stl::facet_bytes;
 };
 
 // Stores the corners that are complete in a facet cut short.
@@ -71,8 +70,8 @@ void append_loose_corners(trTriBlock& mesh, const char* bytes, int available) {
 
 // Echoes the header up to its first zero byte. False when it is cut short.
 bool read_header(trBinRead& in) {
-  char header[header_bytes + 1] = {};
-  if (in.b_read(header, header_bytes)) {
+  char header[stl::header_bytes + 1] = {};
+  if (in.b_read(header, stl::header_bytes)) {
     std::fputs(tr_brnknls("Error reading file header data\n"), stderr);
     return false;
   }

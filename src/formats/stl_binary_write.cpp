@@ -3,15 +3,13 @@
 #include "formats/bin_write.h"
 #include "formats/facet_geometry.h"
 #include "formats/offset.h"
+#include "formats/stl_layout.h"
 #include "formats/tri_write.h"
 #include "mesh/memory_guard.h"
 #include "progress/output.h"
 #include "progress/progress.h"
 
 namespace {
-
-constexpr int header_bytes = 80;
-constexpr int facet_bytes = 50;
 
 // Writes one record a facet, so that a failure is told at the facet whose bytes found no room.
 class FacetWriter {
@@ -29,7 +27,7 @@ class FacetWriter {
       at = put(at, scale_ * static_cast<float>(p.z));
     }
     put(at, attribute);
-    out_.b_write(record_, facet_bytes);
+    out_.b_write(record_, stl::facet_bytes);
   }
 
  private:
@@ -41,14 +39,14 @@ class FacetWriter {
 
   trBinWrite& out_;
   float scale_;
-  char record_[facet_bytes];
+  char record_[stl::facet_bytes];
 };
 
 bool write_header(trBinWrite& out, bool coloured) {
-  char header[header_bytes] = {};
+  char header[stl::header_bytes] = {};
   const char* text = coloured ? "Binary STL file written by Brenko - COLOR=rgba" : "Binary STL file written by Brenko";
   std::memcpy(header, text, std::strlen(text));
-  if (!out.b_write(header, header_bytes)) return true;
+  if (!out.b_write(header, stl::header_bytes)) return true;
   std::fputs(tr_brnknls("Error writing file header\n"), stderr);
   return false;
 }

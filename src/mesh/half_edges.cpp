@@ -16,8 +16,8 @@
 namespace {
 
 // How many elements ahead memory is fetched: in a shuffled mesh every node is a cache miss.
-constexpr int far_ahead = 24;
-constexpr int near_ahead = 12;
+constexpr int far_elements_ahead = 24;
+constexpr int near_elements_ahead = 12;
 
 [[noreturn]] void end_on_undefined_node(int node) {
   std::fprintf(stderr, "%s%d\n", tr_brnknls("ERROR! Edge reference to undefined node #"), node);
@@ -138,7 +138,7 @@ void trTriBlock::build_edges() {
   const int last = element_count() - 1;
   for (int e = 1; e <= last; ++e) {
     if (tr_interrupt()) return;
-    table.prefetch(element(std::min(e + far_ahead, last)), element(std::min(e + near_ahead, last)));
+    table.prefetch(element(std::min(e + far_elements_ahead, last)), element(std::min(e + near_elements_ahead, last)));
     if (element(e).valid()) table.link(element(e), *hubs_);
   }
   table.hand_over(*this);
