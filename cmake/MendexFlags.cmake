@@ -23,6 +23,12 @@ if(MENDEX_BUILD_FUZZ)
     -fsanitize=fuzzer-no-link "-fsanitize-coverage-ignorelist=${PROJECT_SOURCE_DIR}/fuzz/coverage_ignore.txt")
 endif()
 
+# Whether a target's sources are compiled in batches. Names of one source are then seen by others, so that the builds that people
+# work with do without.
+function(mendex_unity target)
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ${MENDEX_UNITY} UNITY_BUILD_BATCH_SIZE 12)
+endfunction()
+
 # A tree that was built can be moved: the program finds the library beside itself.
 if(PROJECT_IS_TOP_LEVEL)
   set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
