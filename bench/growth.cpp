@@ -4,6 +4,7 @@
 #include <climits>
 #include <cmath>
 #include <cstdio>
+#include <iterator>
 
 #include "control_actions.h"
 #include "formats/tri_write.h"
@@ -20,12 +21,17 @@ constexpr double patience_seconds = 30.0;
 constexpr double too_long_to_repeat = 8.0;
 constexpr double seconds_for_repeats = 1.0;
 constexpr int most_runs = 5;
-constexpr std::size_t largest_small_size = 1'000'000;
 // Times below it are those of the clock and of calls, and say nothing of growth.
 constexpr double least_seconds = 1e-3;
 
 constexpr const char* undone = ", undone";
 constexpr const char* redone = ", redone";
+
+// The first size, below the start of growth, is there to foresee the time at the next.
+std::vector<std::size_t> sizes_of(const GrowthInput& input) {
+  if (input.is_small) return {10'000, growth_start, 300'000, 1'000'000};
+  return {std::begin(model_sizes), std::end(model_sizes)};
+}
 
 struct Counts {
   int nodes;
@@ -48,8 +54,8 @@ Cost cost_of_edit(Subject& subject, const ControlAction& action) {
 void Growth::run() {
   for (const GrowthInput& input : growth_inputs()) {
     if (!is_asked_for(input.name, options_.inputs)) continue;
-    for (const std::size_t facets : model_sizes) {
-      if (facets <= options_.largest_size && (!input.is_small || facets <= largest_small_size)) run_size(input, facets);
+    for (const std::size_t facets : sizes_of(input)) {
+      if (facets <= options_.largest_size) run_size(input, facets);
     }
   }
 }
@@ -62,8 +68,7 @@ void Growth::run_size(const GrowthInput& input, std::size_t facets) {
     require(writer.write_native(0) == 1, "write_native failed");
   }
   std::fprintf(stderr, "growth, %s, %zu triangles\n", input.name, facets);
-  // Sizes below the start of growth are there to foresee the time at the next.
-  const bool is_judged = options_.largest_size > model_sizes[0] && (input.is_small || facets >= growth_start);
+  const bool is_judged = facets >= growth_start;
   for (const ControlAction& action : control_actions()) {
     if (!is_asked_for(action.name, options_.only) || !is_asked_for(input.name, action.inputs)) continue;
     if (!is_within_patience({action.name, input.name}, facets)) continue;
@@ -116,11 +121,9 @@ void Growth::add(const Key& key, std::size_t facets, double seconds) {
 double Growth::exponent(const Key& key) const {
   const Times& times = times_.at(key);
   if (times.rbegin()->second < least_seconds) return not_measured;
-  const bool is_small = std::any_of(growth_inputs().begin(), growth_inputs().end(),
-                                    [&](const GrowthInput& input) { return input.is_small && key.second == input.name; });
   std::vector<std::pair<double, double>> points;
   for (const auto& [size, seconds] : times) {
-    if (is_small || size >= growth_start) points.emplace_back(static_cast<double>(size), seconds);
+    if (size >= growth_start) points.emplace_back(static_cast<double>(size), seconds);
   }
   return fitted_growth(points);
 }

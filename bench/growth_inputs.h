@@ -15,7 +15,7 @@ struct GrowthScale {
 /// A mesh whose size can be chosen, hard on operations in a way of its own.
 struct GrowthInput {
   const char* name;
-  bool is_small;  ///< measured from 10^4 to 10^6 triangles, not from 10^5 on
+  bool is_small;  ///< measured from 10^5 to 10^6 triangles, not to 4 x 10^6
   std::unique_ptr<trTriBlock> (*make)(std::size_t facets, const std::filesystem::path& folder, GrowthScale& scale);
 };
 
