@@ -6,7 +6,7 @@
 namespace {
 
 constexpr double right_angle = 1.5707963267948966;
-// What rounding can take from a bound: angles, and the squared height that comes out of a difference of squares.
+// What rounding can take from a bound: angles and their sines, and the squared height that comes out of a difference of squares.
 constexpr double angle_slack = 1e-7;
 constexpr double height_slack = 1e-14;
 constexpr double place_slack = 1e-15;  // of a centre, relative to its coordinates
@@ -46,22 +46,28 @@ EdgeConeTree::Cone EdgeConeTree::joined(const Cone& a, const Cone& b) {
   cone.axis = a.axis.dot(b.axis) < 0.0 ? a.axis - b.axis : a.axis + b.axis;
   cone.axis.make_unit();
   cone.spread = std::max(line_angle(cone.axis, a.axis) + a.spread, line_angle(cone.axis, b.axis) + b.spread);
+  cone.cos_spread = std::cos(cone.spread);
+  cone.sin_spread = std::sin(cone.spread);
   cone.shortest = std::min(a.shortest, b.shortest);
   return cone;
 }
 
-// Every comparison is false where something is not a number, and then nothing is passed over.
+// The sine of the angle by which the direction leaves the cone comes from those of its parts. Every comparison is false where something is
+// not a number, and then nothing is passed over.
 bool EdgeConeTree::is_beyond(const Cone& cone, const giPoint3& p, double reach, double tol) {
   if (cone.is_empty()) return true;
   const double d = p.distance(cone.centre);
   const double r = cone.radius + reach;
-  if (!(d > r) || !std::isfinite(d)) return false;
+  if (!(d > r) || !std::isfinite(d) || !(cone.spread < right_angle)) return false;
   giVector3 towards = p - cone.centre;
   towards.make_unit();
-  const double outside = line_angle(towards, cone.axis) - cone.spread - std::asin(r / d) - angle_slack;
-  if (!(outside > 0.0)) return false;
+  const double sin_sphere = r / d, cos_sphere = std::sqrt((1.0 - sin_sphere) * (1.0 + sin_sphere));
+  const double sin_within = cone.sin_spread * cos_sphere + cone.cos_spread * sin_sphere;
+  const double cos_within = cone.cos_spread * cos_sphere - cone.sin_spread * sin_sphere;
+  const double sin_outside = towards.cross(cone.axis).length() * cos_within - std::fabs(towards.dot(cone.axis)) * sin_within - angle_slack;
+  if (!(sin_outside > 0.0)) return false;
   const double longest = std::max(2.0 * cone.radius, d + r);
-  const double least = cone.shortest * (d - r) * std::sin(std::min(outside, right_angle)) / longest;
+  const double least = cone.shortest * (d - r) * sin_outside / longest;
   return least * least * (1.0 - 1e-9) - height_slack * longest * longest - least_square > tol * tol;
 }
 

@@ -93,6 +93,7 @@ class EdgeConeTree {
     double radius = -1.0;
     giVector3 axis;       // unit
     double spread = 0.0;  // angle between the axis and any edge, whichever way it runs
+    double cos_spread = 1.0, sin_spread = 0.0;
     double shortest = 0.0;
   };
   static constexpr std::size_t edges_a_leaf = 8;
