@@ -68,17 +68,26 @@ void Growth::run_size(const GrowthInput& input, std::size_t facets) {
     require(writer.write_native(0) == 1, "write_native failed");
   }
   std::fprintf(stderr, "growth, %s, %zu triangles\n", input.name, facets);
-  const bool is_judged = facets >= growth_start;
   for (const ControlAction& action : control_actions()) {
     if (!is_asked_for(action.name, options_.only) || !is_asked_for(input.name, action.inputs)) continue;
     if (!is_within_patience({action.name, input.name}, facets)) continue;
-    double taken = 0.0;
-    int runs = 0;
-    do {
-      taken += run_action(action, input, facets, scale);
-      ++runs;
-    } while (is_judged && runs < most_runs && taken <= (runs == 1 ? too_long_to_repeat : seconds_for_repeats));
+    try {
+      repeat_action(action, input, facets, scale);
+    } catch (const std::exception& problem) {
+      const std::string text = std::string(action.name) + ", " + input.name + " at " + std::to_string(facets) + " triangles, " + problem.what();
+      std::fprintf(stderr, "%s\n", text.c_str());
+      failed_.push_back({text, 0.0, false, not_measured});
+    }
   }
+}
+
+void Growth::repeat_action(const ControlAction& action, const GrowthInput& input, std::size_t facets, const GrowthScale& scale) {
+  double taken = 0.0;
+  int runs = 0;
+  do {
+    taken += run_action(action, input, facets, scale);
+    ++runs;
+  } while (facets >= growth_start && runs < most_runs && taken <= (runs == 1 ? too_long_to_repeat : seconds_for_repeats));
 }
 
 double Growth::run_action(const ControlAction& action, const GrowthInput& input, std::size_t facets, const GrowthScale& scale) {
@@ -181,5 +190,7 @@ std::vector<GoalLine> Growth::judge(double limit) const {
     const double value = exponent(key);
     if (!std::isnan(value)) lines.push_back({"growth exponent, " + key.first + ", " + key.second, limit, false, value});
   }
-  return worst_and_missed(std::move(lines));
+  lines = worst_and_missed(std::move(lines));
+  lines.insert(lines.begin(), failed_.begin(), failed_.end());
+  return lines;
 }

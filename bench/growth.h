@@ -34,6 +34,7 @@ class Growth {
   using Times = std::map<std::size_t, double>;      // by size, least seconds
 
   void run_size(const GrowthInput& input, std::size_t facets);
+  void repeat_action(const ControlAction& action, const GrowthInput& input, std::size_t facets, const GrowthScale& scale);
   /// The seconds that the action took.
   double run_action(const ControlAction& action, const GrowthInput& input, std::size_t facets, const GrowthScale& scale);
   bool is_within_patience(const Key& key, std::size_t facets) const;
@@ -47,4 +48,5 @@ class Growth {
   std::filesystem::path folder_;
   std::map<Key, Times> times_;
   std::map<Key, double> bytes_a_facet_;
+  std::vector<GoalLine> failed_;
 };

@@ -81,6 +81,7 @@ class Summary {
     }
     print_memory(facts_.memory);
     std::vector<GoalLine> goals = judge_goals(facts_);
+    goals.insert(goals.begin(), failed_.begin(), failed_.end());
     if (has_part("growth")) {
       growth_.run();
       growth_.print();
@@ -106,8 +107,7 @@ class Summary {
         if (spent[measure.name] > options_.patience || (measure.is_peer() && facets > largest_judged_size)) continue;
         const double start = seconds_on_the_clock();
         for (const auto& model : models) {
-          warm_memory(warm_bytes_a_facet * static_cast<double>(facets));
-          facts_.results.add(measure.name, facets, model->order(), measure.run(*model));
+          run(measure, *model);
         }
         spent[measure.name] += seconds_on_the_clock() - start;
       }
@@ -118,6 +118,18 @@ class Summary {
       if (facets == facts_.judged_size) {
         facts_.ascii_bytes = static_cast<double>(std::filesystem::file_size(models[0]->ascii_file()));
       }
+    }
+  }
+
+  // A measure that fails misses its goal, and the others go on.
+  void run(const Measure& measure, const Model& model) {
+    warm_memory(warm_bytes_a_facet * static_cast<double>(model.facets()));
+    try {
+      facts_.results.add(measure.name, model.facets(), model.order(), measure.run(model));
+    } catch (const std::exception& problem) {
+      const std::string text = measure.name + " at " + std::to_string(model.facets()) + " triangles, " + problem.what();
+      std::fprintf(stderr, "%s\n", text.c_str());
+      failed_.push_back({text, 0.0, false, not_measured});
     }
   }
 
@@ -136,6 +148,7 @@ class Summary {
   ScratchFolder folder_;
   Growth growth_;
   RunFacts facts_;
+  std::vector<GoalLine> failed_;
 };
 
 }  // namespace

@@ -9,7 +9,8 @@
 
 namespace {
 
-// Round a hole of half-angle 0.5 in the unit sphere: as many points as the model has facets, half of them on the boundary.
+// Round a hole of half-angle 0.5 in the unit sphere: as many points as the model has facets, half of them on the boundary. The others lie
+// an edge away, but not nearer than where they tell the slope.
 struct Hole {
   giPoint3coPageArr ring;
   giPoint3coPageArr boundary;
@@ -19,7 +20,7 @@ struct Hole {
     const double step = 2.0 * std::acos(-1.0) / count;
     for (int k = 0; k < count; ++k) {
       boundary[k] = at(0.5, k * step);
-      ring[k] = at(0.5 * (1.0 + 0.866 * step), (k + 0.5) * step);
+      ring[k] = at(0.5 + std::fmax(0.433 * step, 1e-5), (k + 0.5) * step);
     }
   }
 
