@@ -81,7 +81,7 @@ class MENDEX_EXPORT trCycleArray {
   int stitch(double tol);
   /// Splits the elements on boundary edges where boundary nodes lie on the edge, strictly between its ends and nearer
   /// than `tol`, into fans through those nodes. Elements made by this pass are not split again by it.
-  /// @return 1 when elements were deleted and made. Cost: about n log n for n free edges; up to 120 bytes a free edge meanwhile.
+  /// @return 1 when elements were deleted and made. Cost: about n log n for n free edges; up to 170 bytes a free edge meanwhile.
   int superstitch(double tol);
   /// Merges boundary nodes that lie within `tol` of each other, inclusive: the one met first along the cycles stays, its
   /// attributes averaged with those of the others. Elements that collapse are deleted.
