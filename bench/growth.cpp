@@ -22,7 +22,7 @@ constexpr double too_long_to_repeat = 8.0;
 constexpr double seconds_for_repeats = 1.0;
 constexpr int most_runs = 5;
 // Times below it are those of the clock and of calls, and say nothing of growth.
-constexpr double least_seconds = 1e-3;
+constexpr double least_seconds = 1e-2;
 
 constexpr const char* undone = ", undone";
 constexpr const char* redone = ", redone";
@@ -142,7 +142,7 @@ std::string Growth::cell(const Key& key) const {
   const auto found = times_.find(key);
   if (found == times_.end()) return "";
   const auto& [size, seconds] = *found->second.rbegin();
-  if (seconds < least_seconds) return "< 1 ms";
+  if (seconds < least_seconds) return "< 10 ms";
   char text[80];
   const double value = exponent(key);
   std::snprintf(text, sizeof text, std::isnan(value) ? "%.0f ns" : "%.0f ns, %.2f", seconds * 1e9 / static_cast<double>(size), value);
