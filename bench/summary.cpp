@@ -107,7 +107,7 @@ class Summary {
         if (spent[measure.name] > options_.patience || (measure.is_peer() && facets > largest_judged_size)) continue;
         const double start = seconds_on_the_clock();
         for (const auto& model : models) {
-          run(measure, *model);
+          run_measure(measure, *model);
         }
         spent[measure.name] += seconds_on_the_clock() - start;
       }
@@ -122,7 +122,7 @@ class Summary {
   }
 
   // A measure that fails misses its goal, and the others go on.
-  void run(const Measure& measure, const Model& model) {
+  void run_measure(const Measure& measure, const Model& model) {
     warm_memory(warm_bytes_a_facet * static_cast<double>(model.facets()));
     try {
       facts_.results.add(measure.name, model.facets(), model.order(), measure.run(model));

@@ -21,7 +21,6 @@ namespace {
 constexpr int largest_plain_cycle = 32;
 // When a cycle meets more others than this, they are tried one after the other instead of being gathered beforehand.
 constexpr std::size_t most_gathered = 256;
-constexpr int searches_between_polls = 64;
 constexpr double rounding = 1e-12;
 
 struct Triple {
@@ -131,9 +130,8 @@ class StitchMatcher {
 
   // Cycles whose box crosses nothing are left to be looked at in their turn.
   void search_ahead() {
-    int searched = 0;
     boxes_.visit_along_curve([&](int i) {
-      if (++searched % searches_between_polls == 0 && tr_interrupt()) return false;
+      if (tr_interrupt()) return false;
       const giBox3 query = surroundings(cycles_.at(i).box(), tol_);
       if (overlap(query, query)) ahead_.fill(i, [&](auto take) { boxes_.visit(AwayFrom{query}, take); });
       return true;

@@ -91,9 +91,7 @@ class BoundaryNodes {
       (is_cancelled ? cancelled_ : found_).push_back(other);
     };
     if (ahead_.has(k)) {
-      ahead_.visit(k, [&](int other) {
-        if (tree_.has(other)) take(other);
-      });
+      ahead_.visit(k, take);  // what was taken out since is cancelled
     } else if (const OffEdge is_off = off_edge(k); is_off.is_regular()) {
       tree_.visit(is_off, [&](int other) { return take(other), true; });
     }
@@ -132,17 +130,14 @@ class BoundaryNodes {
   // An edge that leads nowhere is not searched.
   void search_ahead() {
     if (!(tol_ > 0.0)) return;
-    int searched = 0;
     tree_.visit_along_curve([&](int k) {
-      if (++searched % searches_between_polls == 0 && tr_interrupt()) return false;
+      if (tr_interrupt()) return false;
       if (!has_boundary_node(block_, place(k).next_node)) return true;
       const OffEdge is_off = off_edge(k);
       if (is_off.is_regular()) ahead_.fill(k, [&](auto take) { tree_.visit(is_off, take); });
       return true;
     });
   }
-
-  static constexpr int searches_between_polls = 64;
 
   const trTriBlock& block_;
   double tol_;

@@ -87,14 +87,14 @@ void swap_first_entries(Entries& entries, NumberMarks& marks, int count, trUndoH
   }
 }
 
-// Goes on in wide pages, the first of which lies ready in `spare` if it has one.
+// Goes on in wide pages, the first of which lies ready in `spare` if it has one; without memory in those that there are.
 template <class Array>
 void widen(Array& array, Array& spare, int shift, int first) {
   if (array.page_shift() == shift && array.pages() > 0) return;
   Array wide(shift, page_capacity, page_increment, first);
   if (spare.pages() > 0) wide.swap(spare);
   wide.copy(array, array.count(), 0, 0);
-  array.swap(wide);
+  if (wide.count() == array.count()) array.swap(wide);
 }
 
 // Moves what fills no page into one of its size, and leaves the wide one in `spare`. Were it freed instead, what the next record
