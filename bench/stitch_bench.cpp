@@ -89,6 +89,17 @@ Cost time_stitch_soup(const Model& model) {
   return cost;
 }
 
+// Each triangle meets hundreds of others, of which the first few use up its nodes.
+Cost time_stitch_soup_wide(const Model& model) {
+  const Block block = loaded_block(model);
+  trCycleArray set(block.get());
+  set.num_boundaries();
+  int result = 0;
+  const Cost cost = cost_of([&] { result = set.stitch(15.0 * model.shortest_edge()); });
+  require(result == 1 && static_cast<std::size_t>(block->valid_elements()) > model.facets(), "wide stitching of loose triangles");
+  return cost;
+}
+
 }  // namespace
 
 void add_stitch_measures(std::vector<Measure>& list) {
@@ -100,4 +111,5 @@ void add_stitch_measures(std::vector<Measure>& list) {
   list.push_back({"merge_boundary_soup", "unduplicate_1e-6_edge", time_merge_soup});
   list.push_back({"superstitch_soup", "unduplicate_1e-6_edge", time_superstitch_soup});
   list.push_back({"stitch_soup", "unduplicate_1e-6_edge", time_stitch_soup});
+  list.push_back({"stitch_soup_wide", "unduplicate_1e-6_edge", time_stitch_soup_wide});
 }

@@ -76,8 +76,8 @@ class MENDEX_EXPORT trCycleArray {
   /// Joins boundary nodes to boundary edges by triangles: a node and an edge that make a triangle of less than `tol` in
   /// height. Each node and each edge is used once, pairs being taken in the order of the walk along the cycles. The
   /// height is not bounded along the edge: any node in line with it will do.
-  /// @return 1 when a pair was found, also when its edge had vanished before its turn. Cost: about n log n for n free edges, but a test for
-  /// every other cycle for each cycle that meets more than 256 within `tol`; up to 150 bytes a cycle and 40 a free edge meanwhile.
+  /// @return 1 when a pair was found, also when its edge had vanished before its turn. Cost: about n log n for n free edges, and a test for
+  /// each pair of cycles within `tol` of which one keeps nodes that nothing takes; up to 150 bytes a cycle and 40 a free edge meanwhile.
   int stitch(double tol);
   /// Splits the elements on boundary edges where boundary nodes lie on the edge, strictly between its ends and nearer
   /// than `tol`, into fans through those nodes. Elements made by this pass are not split again by it.

@@ -19,8 +19,6 @@ namespace {
 
 // Cycles up to this many edges are searched edge by edge.
 constexpr int largest_plain_cycle = 32;
-// When a cycle meets more others than this, they are tried one after the other instead of being gathered beforehand.
-constexpr std::size_t most_gathered = 256;
 constexpr double rounding = 1e-12;
 
 struct Triple {
@@ -54,7 +52,6 @@ class StitchMatcher {
  public:
   StitchMatcher(trTriBlock& block, trCyclecoPageArr& cycles, double tol)
       : block_(block), cycles_(cycles), tol_(tol), facts_(facts_of(cycles)), boxes_(boxes_of(cycles)), ahead_(facts_.size()) {
-    for (int j = 0; j <= cycles.count(); ++j) next_live_.push_back(j);
     for (int j = 0; j < cycles.count(); ++j) {
       if (facts(j).edges_left == 0) drop(j);
     }
@@ -102,28 +99,39 @@ class StitchMatcher {
   // Takes a cycle whose edges are used up out of the searches.
   void drop(int j) {
     boxes_.remove(j);
-    next_live_[static_cast<std::size_t>(j)] = j + 1;
   }
 
-  // The first cycle from j on that has edges left; the number of cycles when there is none.
-  int next_live(int j) {
-    int end = j;
-    while (next_live_[static_cast<std::size_t>(end)] != end) end = next_live_[static_cast<std::size_t>(end)];
-    while (j != end) {
-      int& next = next_live_[static_cast<std::size_t>(j)];
-      j = next;
-      next = end;
-    }
-    return end;
-  }
-
+  // With the cycles that it may meet, itself among them, ascending. Where its own box holds something that does not compare, it meets
+  // no other.
   void match_cycle(int i) {
-    if (!gather_near(i)) {
-      for (int j = next_live(0); j < cycles_.count() && nodes_left_ > 0 && !tr_interrupt(); j = next_live(j + 1)) match_cycles(i, j);
-      return;
+    const giBox3 query = surroundings(cycles_.at(i).box(), tol_);
+    if (ahead_.has(i)) {
+      match_those_ahead(i);
+    } else if (overlap(query, query)) {
+      match_many(i, AwayFrom{query});
+    } else {
+      match_cycles(i, i);
     }
+  }
+
+  void match_those_ahead(int i) {
+    near_.assign(1, i);
+    ahead_.visit(i, [&](int j) {
+      if (j != i && boxes_.has(j)) near_.push_back(j);
+    });
+    std::sort(near_.begin(), near_.end());
     for (const int j : near_) {
       if (nodes_left_ == 0 || tr_interrupt()) return;
+      match_cycles(i, j);
+    }
+  }
+
+  // The first few of them may use up the nodes.
+  void match_many(int i, const AwayFrom& away) {
+    LiveTree<giBox3>::Ascending<AwayFrom> near(boxes_, away);
+    while (nodes_left_ > 0 && !tr_interrupt()) {
+      const int j = near.next();
+      if (j < 0) return;
       match_cycles(i, j);
     }
   }
@@ -136,28 +144,6 @@ class StitchMatcher {
       if (overlap(query, query)) ahead_.fill(i, [&](auto take) { boxes_.visit(AwayFrom{query}, take); });
       return true;
     });
-  }
-
-  // Gathers the cycles that may meet cycle i, itself among them, ascending; false when there are too many. Its own box may hold
-  // something that does not compare.
-  bool gather_near(int i) {
-    near_.assign(1, i);
-    const auto take = [&](int j) {
-      if (j != i) near_.push_back(j);
-      return near_.size() <= most_gathered;
-    };
-    bool is_whole = true;
-    if (ahead_.has(i)) {
-      ahead_.visit(i, [&](int j) {
-        if (boxes_.has(j)) take(j);
-      });
-    } else {
-      const giBox3 query = surroundings(cycles_.at(i).box(), tol_);
-      if (!overlap(query, query)) return !(tol_ > 0.0 && std::isinf(tol_));
-      is_whole = boxes_.visit(AwayFrom{query}, take);
-    }
-    std::sort(near_.begin(), near_.end());
-    return is_whole;
   }
 
   void match_cycles(int i, int j) {
@@ -245,8 +231,7 @@ class StitchMatcher {
   double tol_;
   std::vector<Facts> facts_;  // by cycle
   LiveTree<giBox3> boxes_;    // of the cycles that have edges left
-  NearLists ahead_;             // of boxes that may meet that of a cycle
-  std::vector<int> next_live_;  // by cycle: itself while it has edges left, else one on the way to the next that has
+  NearLists ahead_;           // of boxes that may meet that of a cycle
   int nodes_left_ = 0;        // of the cycle in hand, or more
   std::vector<int> near_;
   std::vector<int> starts_;

@@ -57,7 +57,8 @@ void add_ring_wall(Shape& shape, int n, int parts, double z, double height) {
 // Small boundaries of every kind: loose and connected triangles on a coarse grid, so that nodes coincide, lie on edges
 // and in line with them; walls with sides divided in different ways; some coordinates moved a little, some not numbers.
 Shape random_boundaries(Random& random) {
-  Shape shape = random_tangle(random, random.between(3, 14), random.between(1, 16), random.between(2, 5));
+  const bool is_crowd = random.one_in(40);
+  Shape shape = random_tangle(random, random.between(3, is_crowd ? 30 : 14), random.between(1, is_crowd ? 40 : 16), random.between(2, 5));
   if (random.one_in(2)) shape = exploded(shape);
   if (random.one_in(4)) {
     shape = Shape();

@@ -9,6 +9,7 @@
 
 #include "oracles/point_tree_literal.h"
 #include "platform/spatial/box_tree.h"
+#include "platform/spatial/live_tree.h"
 #include "platform/spatial/point_index.h"
 #include "support/random.h"
 
@@ -57,6 +58,48 @@ TEST(BoxTree, FindsExactlyTheBoxesThatOverlap) {
         ASSERT_EQ(found_by_tree(tree, query), expected) << count << " boxes at " << offset;
         found_total += expected.size();
       }
+    }
+  }
+  EXPECT_GT(found_total, 1000u);
+}
+
+struct OutOf {
+  giBox3 query;
+  bool operator()(const giBox3& box) const { return !box.crosses(query, 0.0); }
+};
+
+std::vector<int> left_of(const std::vector<int>& numbers, const LiveTree<giBox3>& tree) {
+  std::vector<int> left;
+  std::copy_if(numbers.begin(), numbers.end(), std::back_inserter(left), [&](int i) { return tree.has(i); });
+  return left;
+}
+
+// Boxes are taken out between the searches, and in the middle of each.
+TEST(LiveTree, NamesWhatIsLeftByNumberAndOneAtATime) {
+  Random random(12);
+  std::size_t found_total = 0;
+  for (const int count : {0, 1, 8, 9, 33, 600, 3000}) {
+    std::vector<giBox3> boxes;
+    for (int i = 0; i < count; ++i) boxes.push_back(random_box(random, 0.0));
+    LiveTree<giBox3> tree(boxes);
+    for (int q = 0; q < 60; ++q) {
+      giBox3 query = random_box(random, 0.0);
+      query.grow(random.below(6));
+      const std::vector<int> expected = left_of(found_by_all(boxes, query), tree);
+      std::vector<int> any_order, ascending;
+      ASSERT_TRUE(tree.visit(OutOf{query}, [&](int i) { return any_order.push_back(i), true; }));
+      std::sort(any_order.begin(), any_order.end());
+      ASSERT_EQ(any_order, expected) << count << " boxes";
+      LiveTree<giBox3>::Ascending<OutOf> near(tree, {query});
+      const std::size_t middle = expected.size() / 2;
+      while (ascending.size() < middle) ascending.push_back(near.next());
+      ASSERT_TRUE(std::equal(ascending.begin(), ascending.end(), expected.begin())) << count << " boxes";
+      for (int k = 0; k < count / 60; ++k) tree.remove(random.below(count));
+      ascending.clear();
+      for (int i = near.next(); i >= 0; i = near.next()) ascending.push_back(i);
+      ASSERT_TRUE(std::is_sorted(ascending.begin(), ascending.end()));
+      ASSERT_EQ(left_of(ascending, tree), left_of({expected.begin() + static_cast<std::ptrdiff_t>(middle), expected.end()}, tree));
+      found_total += expected.size();
     }
   }
   EXPECT_GT(found_total, 1000u);

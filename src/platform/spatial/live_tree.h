@@ -1,7 +1,10 @@
 #pragma once
 
 #include <algorithm>
+#include <climits>
 #include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <new>
 #include <utility>
 #include <vector>
@@ -14,11 +17,12 @@
 inline giBox3 live_box(const giPoint3& p) { return giBox3(p, p); }
 inline const giBox3& live_box(const giBox3& box) { return box; }
 
-/// Points or boxes of fixed places that can be taken out one by one, for searches that may also end early.
+/// Points or boxes of fixed places that can be taken out one by one, for searches that may also end early, or go by number.
 ///
 /// Items with a coordinate that is not a number are out from the start, and so are empty boxes.
 /// Method: the items are sorted along a Morton curve, eight by eight, and bounded by a tree of boxes, four below each, that counts
-/// what is left below each. The four lie side by side, so that a search waits for memory once a level. Nothing recurses.
+/// what is left below each and knows the least number there. The four lie side by side, so that a search waits for memory once a
+/// level. Nothing recurses.
 /// Cost: O(n) to build, O(log n) a removal; 50 bytes a point, 74 a box.
 template <class Item>
 class LiveTree {
@@ -40,6 +44,7 @@ class LiveTree {
         Node& parent = node(level, k / arity);
         parent.box.merge(child.box);
         parent.left += child.left;
+        parent.least = std::min(parent.least, child.least);
       }
     }
   }
@@ -64,7 +69,11 @@ class LiveTree {
     if (entries_[at].number < 0) return;
     entries_[at].number = -1;
     std::size_t k = at / width;
-    for (std::size_t level = 0; level < levels_.size(); ++level, k /= arity) --node(level, k).left;
+    for (std::size_t level = 0; level < levels_.size(); ++level, k /= arity) {
+      Node& holder = node(level, k);
+      --holder.left;
+      if (holder.least == i) holder.least = least_below(level, k);
+    }
   }
 
   /// Calls visit(i) for the items that are left, in no stated order, until it returns false. Those in a box, or whose
@@ -90,6 +99,9 @@ class LiveTree {
     return true;
   }
 
+  template <class Rejects>
+  class Ascending;
+
  private:
   static constexpr std::size_t width = 8;
   static constexpr std::size_t arity = 4;
@@ -101,6 +113,7 @@ class LiveTree {
   struct Node {
     giBox3 box;
     int left = 0;
+    int least = INT_MAX;  // of the numbers left; the largest int when none is
   };
   struct Level {
     std::size_t first, count;  // of its nodes
@@ -148,6 +161,21 @@ class LiveTree {
     if (entry.number < 0) return;
     leaf.box.merge(live_box(entry.item));
     ++leaf.left;
+    leaf.least = std::min(leaf.least, entry.number);
+  }
+
+  int least_below(std::size_t level, std::size_t k) const {
+    int least = INT_MAX;
+    if (level == 0) {
+      for (std::size_t at = k * width; at < std::min(k * width + width, entries_.size()); ++at) {
+        if (entries_[at].number >= 0) least = std::min(least, entries_[at].number);
+      }
+    } else {
+      for (std::size_t at = k * arity; at < std::min(k * arity + arity, levels_[level - 1].count); ++at) {
+        least = std::min(least, node(level - 1, at).least);
+      }
+    }
+    return least;
   }
 
   template <class Rejects, class Visit>
@@ -164,4 +192,61 @@ class LiveTree {
   std::vector<std::size_t> places_;  // of each item in entries_
   coFlatArray<Node> nodes_;          // the leaves first, the root last
   std::vector<Level> levels_;
+};
+
+/// The items left in a tree that a test of boxes does not turn down, by number and one at a time: for those who want but the first
+/// few of very many. Items may be taken out of the tree meanwhile; some of those may still be named.
+/// Cost: O(log n) for each box that is looked into, and those are only the ones that hold a number below the next to be named.
+template <class Item>
+template <class Rejects>
+class LiveTree<Item>::Ascending {
+ public:
+  /// rejects(box) may be asked about any box that holds items, as in visit().
+  Ascending(const LiveTree& tree, Rejects rejects) : tree_(tree), rejects_(rejects) {
+    if (!tree_.levels_.empty()) push_node(tree_.levels_.size() - 1, 0);
+  }
+
+  /// The next item, or -1 at the end.
+  int next() {
+    while (!pending_.empty()) {
+      std::pop_heap(pending_.begin(), pending_.end(), std::greater<>());
+      const Pending first = pending_.back();
+      pending_.pop_back();
+      if (first.at.level == item_level) return first.least;
+      open(first.at);
+    }
+    return -1;
+  }
+
+ private:
+  // A node of the tree, or an item.
+  struct Pending {
+    int least;
+    Place at;
+    bool operator>(const Pending& other) const { return least > other.least; }
+  };
+  static constexpr std::size_t item_level = SIZE_MAX;
+
+  void push(const Pending& pending) {
+    pending_.push_back(pending);
+    std::push_heap(pending_.begin(), pending_.end(), std::greater<>());
+  }
+
+  void push_node(std::size_t level, std::size_t k) {
+    const Node& node = tree_.node(level, k);
+    if (!is_out(node, rejects_)) push({node.least, {level, k}});
+  }
+
+  void open(Place at) {
+    if (at.level == 0) {
+      tree_.visit_leaf(at.k * width, rejects_, [this](int number) { return push({number, {item_level, 0}}), true; });
+      return;
+    }
+    const std::size_t end = std::min(at.k * arity + arity, tree_.levels_[at.level - 1].count);
+    for (std::size_t k = at.k * arity; k < end; ++k) push_node(at.level - 1, k);
+  }
+
+  const LiveTree& tree_;
+  Rejects rejects_;
+  std::vector<Pending> pending_;  // a heap
 };
