@@ -54,7 +54,7 @@ Block sheet(std::size_t facets, const fs::path&, GrowthScale& scale) {
 }
 
 Block hub(std::size_t facets, const fs::path&, GrowthScale& scale) {
-  scale = {20.0 * 3.14 / static_cast<double>(facets), 1.25};
+  scale = {16.0 * 3.14 / static_cast<double>(facets), 1.25};
   return block_of(fan(facets), FacetOrder::ordered);
 }
 

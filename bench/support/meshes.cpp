@@ -111,7 +111,8 @@ Mesh fan(std::size_t facets) {
   mesh.points.emplace_back(0.1, 0.2, 3.0);
   for (int i = 0; i < n; ++i) {
     const double angle = 2.0 * pi * i / n;
-    mesh.points.emplace_back(10.0 * std::cos(angle), 10.0 * std::sin(angle), 0.0);
+    const double r = 10.0 + std::cos(7.0 * angle);
+    mesh.points.emplace_back(r * std::cos(angle), r * std::sin(angle), 0.0);
     mesh.triangles.push_back({0, i + 1, (i + 1) % n + 1});
   }
   return mesh;

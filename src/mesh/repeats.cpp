@@ -1,10 +1,13 @@
 // Elements that repeat another, or lie back to back with it.
 
+#include <cstdint>
+#include <new>
 #include <unordered_map>
 #include <vector>
 
-#include "mesh/tri_block.h"
 #include "mesh/memory_guard.h"
+#include "mesh/tri_block.h"
+#include "platform/containers/flat_array.h"
 #include "platform/spatial/hash_mix.h"
 #include "progress/progress.h"
 
@@ -31,64 +34,74 @@ int last_position(const trElement& t, int node) {
 // The elements of one node by their other two corners, those of a pair in the order of the node's list.
 class HubElements {
  public:
-  HubElements(const trTriBlock& block, int hub) : block_(block) {
+  HubElements(const trTriBlock& block, int hub) : block_(block), entries_(1) {
     trIntListIT it(block.node(hub).elements);
     while (++it) {
       const trElement& t = block.element(it());
       const int k = t.valid() ? last_position(t, hub) : -1;
-      if (k >= 0) entries_.push_back({{t[(k + 1) % 3], t[(k + 2) % 3]}, it(), -1});
+      if (k >= 0) entries_.push_back({{t[(k + 1) % 3], t[(k + 2) % 3]}, it(), 0});
     }
-    std::size_t size = 1;
-    while (size < 2 * entries_.size()) size *= 2;
-    heads_.assign(size, -1);
+    std::size_t lanes = 1;
+    while (lanes * lane < 2 * entries_.size()) lanes *= 2;
+    coFlatArray<Slot>(lanes * lane).swap(slots_);
+    if (slots_.size() == 0) throw std::bad_alloc();
+    last_lane_ = lanes - 1;
     // From the last to the first, so that each chain comes to be in the order of the list.
-    for (std::size_t k = entries_.size(); k-- > 0;) {
-      int& head = head_of(entries_[k].pair);
-      entries_[k].next = head;
-      head = static_cast<int>(k);
+    for (std::size_t k = entries_.size() - 1; k > 0; --k) {
+      Slot& slot = slot_of(entries_[k].pair);
+      entries_[k].next = slot.first;
+      slot.first = static_cast<int>(k);
     }
   }
 
   // The first valid element of that pair other than i; 0 if none.
   int find(int i, CornerPair pair) {
-    if (entries_.empty()) return 0;
-    int& head = head_of(pair);
-    while (head >= 0 && entry(head).next >= 0 && !is_valid(head)) head = entry(head).next;  // deleted for good
-    for (int k = head; k >= 0; k = entry(k).next) {
+    int& first = slot_of(pair).first;
+    while (entry(first).next != 0 && !is_valid(first)) first = entry(first).next;  // deleted for good
+    for (int k = first; k != 0; k = entry(k).next) {
       if (entry(k).element != i && is_valid(k)) return entry(k).element;
     }
     return 0;
   }
 
  private:
+  // Numbered from 1.
   struct Entry {
     CornerPair pair;
     int element;
-    int next;  // entry of the same pair; -1 at the end
+    int next;  // entry of the same pair; 0 at the end
   };
+  struct Slot {
+    int first;  // entry of a chain; 0 where none is
+    std::uint32_t tag;
+  };
+  static constexpr std::size_t lane = 32;
 
   const Entry& entry(int k) const { return entries_[static_cast<std::size_t>(k)]; }
   bool is_valid(int k) const { return block_.element(entry(k).element).valid(); }
 
-  // Where the search for a pair starts. Neighbours round a hub mostly have numbers near each other, and so come to lie in the same two
-  // lines of the cache; no more than 256 pairs share those, whatever the mesh.
-  static std::size_t first_slot(CornerPair pair) {
+  // Where a pair is or would be. Neighbours round a hub mostly have numbers near each other; in the order of those numbers they come to
+  // lie side by side. Tags keep entries of other pairs out of it. Pairs that find their lane full part to others.
+  Slot& slot_of(CornerPair pair) {
     constexpr int shift = 4;
     const auto next = static_cast<std::uint32_t>(pair.next), prev = static_cast<std::uint32_t>(pair.prev);
-    const std::uint64_t block = mix_hash((std::uint64_t{next >> shift} << 32) | (prev >> shift));
-    return (block << (shift + 1)) | ((2 * next + 13 * prev) & ((2u << shift) - 1));
-  }
-
-  int& head_of(CornerPair pair) {
-    const std::size_t mask = heads_.size() - 1;
-    std::size_t slot = first_slot(pair) & mask;
-    while (heads_[slot] >= 0 && !(entry(heads_[slot]).pair == pair)) slot = (slot + 1) & mask;
-    return heads_[slot];
+    const auto tag = static_cast<std::uint32_t>(mix_hash((std::uint64_t{next} << 32) | prev) >> 32);
+    std::size_t place = (next >> shift) + mix_hash((next >> shift) - (prev >> shift));
+    for (;; place += tag | 1) {
+      Slot* const slots = &slots_[(place & last_lane_) * lane];
+      for (std::size_t k = 0; k < lane; ++k) {
+        Slot& slot = slots[(2 * next + 13 * prev + k) % lane];
+        if (slot.first != 0 && (slot.tag != tag || !(entry(slot.first).pair == pair))) continue;
+        slot.tag = tag;
+        return slot;
+      }
+    }
   }
 
   const trTriBlock& block_;
   std::vector<Entry> entries_;
-  std::vector<int> heads_;  // first entries of chains, by open addressing, at most half full; -1 where none is
+  coFlatArray<Slot> slots_;  // by open addressing in lanes, at most half full
+  std::size_t last_lane_ = 0;
 };
 
 class TwinSearch {

@@ -72,9 +72,42 @@ bool has_page(Array& array, int i) {
   return (i >> array.page_shift()) < array.pages() || array.get_block(i >> array.page_shift()) != 0;
 }
 
-// Swaps the first entry of every number below `count`.
-template <class Entries>
-void swap_first_entries(Entries& entries, NumberMarks& marks, int count, trUndoHist* hist) {
+// Fetches the lists of the nodes that come next, all at once and each one cell at a time: whoever emptied them one after the other
+// would wait for every cell.
+class ListsAhead {
+ public:
+  ListsAhead(const trTriBlock& block, const trUndoNodecoPageArr& nodes) : block_(block), nodes_(nodes) {}
+
+  // Entry k is about to be exchanged.
+  void advance(int k) {
+    for (coCellPool::Link& link : links_) {
+      if (link == 0 || coCellPool::live() == 0) continue;
+      link = coCellPool::next(link);
+      coCellPool::prefetch(link);
+    }
+    links_[k % ahead] = first_cell(k + ahead);
+  }
+
+ private:
+  static constexpr int ahead = 8;  // as many as a list has cells, or more
+
+  coCellPool::Link first_cell(int k) const {
+    if (k >= nodes_.count()) return 0;
+    const int i = nodes_.at(k).index;
+    if (i < 0 || i >= block_.node_count()) return 0;
+    const coCellPool::Link link = block_.node(i).elements.head();
+    coCellPool::prefetch(link);
+    return link;
+  }
+
+  const trTriBlock& block_;
+  const trUndoNodecoPageArr& nodes_;
+  coCellPool::Link links_[ahead] = {};
+};
+
+// Swaps the first entry of every number below `count`; calls before(k) for each entry.
+template <class Entries, class Before>
+void swap_first_entries(Entries& entries, NumberMarks& marks, int count, trUndoHist* hist, Before before) {
   const int n = entries.count();
   const auto is_number = [count](int i) { return i >= 0 && i < count; };
   for (int k = 0; k < n; ++k) {
@@ -83,6 +116,7 @@ void swap_first_entries(Entries& entries, NumberMarks& marks, int count, trUndoH
   }
   for (int k = 0; k < n; ++k) {
     auto& entry = entries.at(k);
+    before(k);
     if (is_number(entry.index) && marks.mark(entry.index)) entry.swap(hist);
   }
 }
@@ -214,7 +248,8 @@ void trUndo::swap_nodes() {
   const int now = block.node_count();
   const int tuples = hist->saved_data.tuples.count();
   grow_nodes(block, node_count);
-  swap_first_entries(nodes, node_marks(), block.node_count(), hist);
+  ListsAhead lists(block, nodes);
+  swap_first_entries(nodes, node_marks(), block.node_count(), hist, [&](int k) { lists.advance(k); });
   cut_nodes(block, node_count);
   node_count = now;
   if (hist->saved_data.tuples.count() > tuples) saved_data_end_ = hist->saved_data.tuples.count();
@@ -224,7 +259,7 @@ void trUndo::swap_elements() {
   trTriBlock& block = *hist->triblock;
   const int now = block.element_count();
   grow_elements(block, element_count);
-  swap_first_entries(elements, element_marks(), block.element_count(), hist);
+  swap_first_entries(elements, element_marks(), block.element_count(), hist, [](int) {});
   cut_elements(block, element_count);
   element_count = now;
 }

@@ -136,18 +136,19 @@ TEST(Diagonals, MatchTheRuleWordByWord) {
 }
 
 // At a node with more elements than are walked one by one, the answers must stay those of the walk, for every
-// multiplicity.
+// multiplicity, also where far more pairs come together than share a place of the index.
 TEST(Repeats, AtAHubMatchTheWalk) {
   Random random(12);
   for (int round = 0; round < 30; ++round) {
     trTriBlock block;
     LiteralMesh literal;
-    for (int i = 1; i <= 12; ++i) {
+    const int nodes = random.one_in(2) ? 12 : 45;
+    for (int i = 1; i <= nodes; ++i) {
       block.set_node(i, giPoint3(i, i * i, 0));
       literal.set_node(i, giPoint3(i, i * i, 0));
     }
     for (int k = 0; k < 400; ++k) {
-      const int t[3] = {1, random.between(1, 12), random.between(1, 12)};
+      const int t[3] = {1, random.between(1, nodes), random.between(1, nodes)};
       const int turn = random.below(3);
       block.set_element(k + 1, t[turn], t[(turn + 1) % 3], t[(turn + 2) % 3]);
       literal.set_element(k + 1, t[turn], t[(turn + 1) % 3], t[(turn + 2) % 3]);
