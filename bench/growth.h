@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,7 @@ struct GrowthOptions {
   std::size_t largest_size = 0;
   std::string only;    ///< actions whose name holds one of these texts; empty: all
   std::string inputs;  ///< inputs whose name holds one of these texts; empty: all
+  double limit = 0.0;  ///< what grows faster is measured again
 };
 
 /// How the time of each action of the controller grows with the size of each growth input: the action on a mesh just read, then taking
@@ -33,7 +35,10 @@ class Growth {
   using Key = std::pair<std::string, std::string>;  // action, input
   using Times = std::map<std::size_t, double>;      // by size, least seconds
 
-  void run_size(const GrowthInput& input, std::size_t facets);
+  /// Of the actions named, or of all when none is.
+  void run_size(const GrowthInput& input, std::size_t facets, const std::set<std::string>& chosen);
+  /// Those that grow beyond the limit on an input, or are taken back or done again so.
+  std::set<std::string> beyond_limit(const GrowthInput& input) const;
   void repeat_action(const ControlAction& action, const GrowthInput& input, std::size_t facets, const GrowthScale& scale);
   /// The seconds that the action took.
   double run_action(const ControlAction& action, const GrowthInput& input, std::size_t facets, const GrowthScale& scale);

@@ -65,7 +65,7 @@ class Summary {
       : options_(options),
         sizes_(chosen_sizes(options)),
         measures_(chosen_measures(options)),
-        growth_({options.largest_size, options.only, options.inputs}, folder_.path()) {}
+        growth_({options.largest_size, options.only, options.inputs, growth_limit}, folder_.path()) {}
 
   int run() {
     if (sizes_.empty())

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "mesh/tri_block.h"
+#include "platform/utilities/prefetch.h"
 #include "progress/message.h"
 #include "undo/undo_hist.h"
 
@@ -72,7 +73,7 @@ bool has_page(Array& array, int i) {
   return (i >> array.page_shift()) < array.pages() || array.get_block(i >> array.page_shift()) != 0;
 }
 
-// Fetches the lists of the nodes that come next, all at once and each one cell at a time: whoever emptied them one after the other
+// Fetches the nodes that come next, and their lists, all at once and each one cell at a time: whoever emptied them one after the other
 // would wait for every cell.
 class ListsAhead {
  public:
@@ -80,6 +81,10 @@ class ListsAhead {
 
   // Entry k is about to be exchanged.
   void advance(int k) {
+    if (const int i = number(k + 2 * ahead); i >= 0) {
+      co_prefetch_for_writing(&block_.node(i));
+      co_prefetch_for_writing(&block_.point(i));
+    }
     for (coCellPool::Link& link : links_) {
       if (link == 0 || coCellPool::live() == 0) continue;
       link = coCellPool::next(link);
@@ -91,10 +96,15 @@ class ListsAhead {
  private:
   static constexpr int ahead = 8;  // as many as a list has cells, or more
 
+  // Of the node that entry k is about; -1 where there is none.
+  int number(int k) const {
+    const int i = k < nodes_.count() ? nodes_.at(k).index : -1;
+    return i < block_.node_count() ? i : -1;
+  }
+
   coCellPool::Link first_cell(int k) const {
-    if (k >= nodes_.count()) return 0;
-    const int i = nodes_.at(k).index;
-    if (i < 0 || i >= block_.node_count()) return 0;
+    const int i = number(k);
+    if (i < 0) return 0;
     const coCellPool::Link link = block_.node(i).elements.head();
     coCellPool::prefetch(link);
     return link;
@@ -259,7 +269,13 @@ void trUndo::swap_elements() {
   trTriBlock& block = *hist->triblock;
   const int now = block.element_count();
   grow_elements(block, element_count);
-  swap_first_entries(elements, element_marks(), block.element_count(), hist, [](int) {});
+  const auto fetch = [&](int k) {
+    constexpr int ahead = 16;
+    if (k + ahead >= elements.count()) return;
+    const int e = elements.at(k + ahead).index;
+    if (e >= 0 && e < block.element_count()) co_prefetch_for_writing(&block.element(e));
+  };
+  swap_first_entries(elements, element_marks(), block.element_count(), hist, fetch);
   cut_elements(block, element_count);
   element_count = now;
 }
