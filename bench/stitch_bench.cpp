@@ -78,27 +78,21 @@ Cost time_superstitch_soup(const Model& model) {
   return cost;
 }
 
-// Each node is in line with an edge that ends beside it.
-Cost time_stitch_soup(const Model& model) {
+Cost time_stitch_soup(const Model& model, double edges_wide, std::size_t facets_expected) {
   const Block block = loaded_block(model);
   trCycleArray set(block.get());
   set.num_boundaries();
   int result = 0;
-  const Cost cost = cost_of([&] { result = set.stitch(0.01 * model.shortest_edge()); });
-  require(result == 1 && static_cast<std::size_t>(block->valid_elements()) > 2 * model.facets(), "stitching of loose triangles");
+  const Cost cost = cost_of([&] { result = set.stitch(edges_wide * model.shortest_edge()); });
+  require(result == 1 && static_cast<std::size_t>(block->valid_elements()) > facets_expected, "stitching of loose triangles");
   return cost;
 }
 
+// Each node is in line with an edge that ends beside it.
+Cost time_stitch_soup_narrow(const Model& model) { return time_stitch_soup(model, 0.01, 2 * model.facets()); }
+
 // Each triangle meets hundreds of others, of which the first few use up its nodes.
-Cost time_stitch_soup_wide(const Model& model) {
-  const Block block = loaded_block(model);
-  trCycleArray set(block.get());
-  set.num_boundaries();
-  int result = 0;
-  const Cost cost = cost_of([&] { result = set.stitch(15.0 * model.shortest_edge()); });
-  require(result == 1 && static_cast<std::size_t>(block->valid_elements()) > model.facets(), "wide stitching of loose triangles");
-  return cost;
-}
+Cost time_stitch_soup_wide(const Model& model) { return time_stitch_soup(model, 15.0, model.facets()); }
 
 }  // namespace
 
@@ -110,6 +104,6 @@ void add_stitch_measures(std::vector<Measure>& list) {
   list.push_back({"close_t_junctions", "flat_parse", time_close<Seams::t_junctions>});
   list.push_back({"merge_boundary_soup", "unduplicate_1e-6_edge", time_merge_soup});
   list.push_back({"superstitch_soup", "unduplicate_1e-6_edge", time_superstitch_soup});
-  list.push_back({"stitch_soup", "unduplicate_1e-6_edge", time_stitch_soup});
+  list.push_back({"stitch_soup", "unduplicate_1e-6_edge", time_stitch_soup_narrow});
   list.push_back({"stitch_soup_wide", "unduplicate_1e-6_edge", time_stitch_soup_wide});
 }

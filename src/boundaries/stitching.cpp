@@ -53,7 +53,7 @@ class StitchMatcher {
   StitchMatcher(trTriBlock& block, trCyclecoPageArr& cycles, double tol)
       : block_(block), cycles_(cycles), tol_(tol), facts_(facts_of(cycles)), boxes_(boxes_of(cycles)), ahead_(facts_.size()) {
     for (int j = 0; j < cycles.count(); ++j) {
-      if (facts(j).edges_left == 0) drop(j);
+      if (facts(j).edges_left == 0) boxes_.remove(j);
     }
     search_ahead();
   }
@@ -94,11 +94,6 @@ class StitchMatcher {
     int n = 0;
     for (trCycleIT it(&cycles_.at(i)); ++it;) n += !it.node_cancelled();
     return n;
-  }
-
-  // Takes a cycle whose edges are used up out of the searches.
-  void drop(int j) {
-    boxes_.remove(j);
   }
 
   // With the cycles that it may meet, itself among them, ascending. Where its own box holds something that does not compare, it meets
@@ -181,7 +176,7 @@ class StitchMatcher {
     if (!is_matched) return;
     block_.node(n).side = 0;
     --nodes_left_;
-    if (--facts(j).edges_left == 0) drop(j);
+    if (--facts(j).edges_left == 0) boxes_.remove(j);
   }
 
   bool match_in_walk(int n, int j) {

@@ -75,9 +75,9 @@ bool has_page(Array& array, int i) {
 
 // Fetches the nodes that come next, and their lists, all at once and each one cell at a time: whoever emptied them one after the other
 // would wait for every cell.
-class ListsAhead {
+class NodesAhead {
  public:
-  ListsAhead(const trTriBlock& block, const trUndoNodecoPageArr& nodes) : block_(block), nodes_(nodes) {}
+  NodesAhead(const trTriBlock& block, const trUndoNodecoPageArr& nodes) : block_(block), nodes_(nodes) {}
 
   // Entry k is about to be exchanged.
   void advance(int k) {
@@ -86,7 +86,7 @@ class ListsAhead {
       co_prefetch_for_writing(&block_.point(i));
     }
     for (coCellPool::Link& link : links_) {
-      if (link == 0 || coCellPool::live() == 0) continue;
+      if (link == 0 || coCellPool::live() == 0) continue;  // with the last cell in use, all of them are gone
       link = coCellPool::next(link);
       coCellPool::prefetch(link);
     }
@@ -258,8 +258,8 @@ void trUndo::swap_nodes() {
   const int now = block.node_count();
   const int tuples = hist->saved_data.tuples.count();
   grow_nodes(block, node_count);
-  ListsAhead lists(block, nodes);
-  swap_first_entries(nodes, node_marks(), block.node_count(), hist, [&](int k) { lists.advance(k); });
+  NodesAhead nodes_ahead(block, nodes);
+  swap_first_entries(nodes, node_marks(), block.node_count(), hist, [&](int k) { nodes_ahead.advance(k); });
   cut_nodes(block, node_count);
   node_count = now;
   if (hist->saved_data.tuples.count() > tuples) saved_data_end_ = hist->saved_data.tuples.count();
