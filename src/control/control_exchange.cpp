@@ -122,7 +122,7 @@ void trControl::take_host_mesh(coFeaturePool& pool) {
   for (int k = 0; k < host.triangle_count(); ++k) {
     if (!host.is_taken(k)) continue;
     const giTriangle& t = host.triangle(k);
-    triblock_.append_triangle(first_node + t[0], first_node + t[1], first_node + t[2]);
+    triblock_.append_element(first_node + t[0], first_node + t[1], first_node + t[2]);
   }
 }
 

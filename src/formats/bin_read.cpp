@@ -1,7 +1,6 @@
 #include "formats/bin_read.h"
 
 #include <algorithm>
-#include <cstring>
 
 static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "values are read in the machine's byte order, which must be that of the files");
 
@@ -32,7 +31,7 @@ void trBinRead::fetch() {
   at_ = 0;
 }
 
-int trBinRead::read_bytes(char* bytes, int n) {
+int trBinRead::read_on(char* bytes, int n) {
   int read = 0;
   while (read < n) {
     if (at_ == fetched_.size() && expected_ > 0) fetch();

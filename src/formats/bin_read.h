@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <vector>
 
 #include "platform/utilities/export.h"
@@ -25,7 +27,19 @@ class MENDEX_EXPORT trBinRead {
   /// Tells that the next `bytes` bytes of the stream are for this object, which then fetches them in larger pieces.
   void expect(std::int64_t bytes) { expected_ = bytes > 0 ? bytes : 0; }
   /// Reads up to n bytes and returns how many there were; sets `error` when there were fewer.
-  int read_bytes(char* bytes, int n);
+  int read_bytes(char* bytes, int n) {
+    const auto count = static_cast<std::size_t>(n);
+    const char* const from = ahead(0, count);
+    if (n < 0 || from == nullptr) return read_on(bytes, n);
+    std::memcpy(bytes, from, count);
+    at_ += count;
+    passed_ += n;
+    return n;
+  }
+  /// The `count` bytes that follow behind the next `offset` ones; null where they were not fetched yet.
+  const char* ahead(std::size_t offset, std::size_t count) const {
+    return at_ + offset + count <= fetched_.size() ? fetched_.data() + at_ + offset : nullptr;
+  }
   /// How many bytes were handed out.
   std::int64_t passed() const { return passed_; }
 
@@ -36,9 +50,10 @@ class MENDEX_EXPORT trBinRead {
   template <class T>
   T read_value();
   void fetch();
+  int read_on(char* bytes, int n);
 
   std::int64_t passed_ = 0;
-  std::int64_t expected_ = 0;   // bytes that may be fetched ahead
+  std::int64_t expected_ = 0;  // bytes that may be fetched ahead
   std::vector<char> fetched_;
-  std::size_t at_ = 0;          // in what was fetched
+  std::size_t at_ = 0;  // in what was fetched
 };

@@ -25,7 +25,7 @@ class NumberLimit {
   NumberLimit(std::FILE* file, int record_bytes) : left_(bytes_left(file)), record_bytes_(record_bytes) {}
 
   /// Whether the file may use the number.
-  bool allows(int number) const { return number >= 1 && number <= highest(); }
+  bool allows(int number) const { return number >= 1 && (number <= always_allowed || number <= highest()); }
   /// The same for the number of one more record, which counts for a stream without known end.
   bool allows_next(int number) {
     ++records_;
@@ -35,8 +35,10 @@ class NumberLimit {
  private:
   std::int64_t highest() const {
     const std::int64_t records = left_ < 0 ? records_ : std::max(records_, left_ / record_bytes_);
-    return std::min<std::int64_t>(std::max<std::int64_t>(1 << 24, 64 * records), last_entity_number);
+    return std::min<std::int64_t>(std::max<std::int64_t>(always_allowed, 64 * records), last_entity_number);
   }
+
+  static constexpr int always_allowed = 1 << 24;
 
   std::int64_t left_;
   int record_bytes_;

@@ -42,7 +42,8 @@ class KvxBlocks {
       report("Triangle blocks %4d/%d Nodes %5d/%d", j, count);
       giPoint3 point;
       if (read_node(point) || node_ >= last_entity_number) return false;
-      mesh_.set_node(++node_, point);
+      ++node_;
+      mesh_.append_node(point);
     }
     return true;
   }
@@ -57,9 +58,17 @@ class KvxBlocks {
       ++element_;
       bool is_whole = corners[0] != corners[1] && corners[1] != corners[2] && corners[2] != corners[0];
       for (const int corner : corners) is_whole = is_whole && corner >= 0 && corner < nodes;
-      if (is_whole) mesh_.set_element(element_, before + 1 + corners[0], before + 1 + corners[1], before + 1 + corners[2]);
+      if (is_whole) make_element(before + 1 + corners[0], before + 1 + corners[1], before + 1 + corners[2]);
     }
     return true;
+  }
+
+  void make_element(int a, int b, int c) {
+    if (element_ == mesh_.element_count()) {
+      mesh_.append_element(a, b, c);
+    } else {
+      mesh_.set_element(element_, a, b, c);
+    }
   }
 
   trTriBlock& mesh_;

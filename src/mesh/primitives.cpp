@@ -134,6 +134,27 @@ void trTriBlock::reverse_element(int e) {
   mark_changed();
 }
 
+// Node i, whose slot there is room for, as `set_node` of a new number leaves it.
+inline trNode& trTriBlock::put_new_node(int i, const giPoint3& p) {
+  giPoint3& place = (*points_)[i];
+  trNode& fresh = (*nodes_)[i];
+  place = storable(p);
+  fresh.coords = &place;
+  fresh.invalid = 0;
+  fresh.a_edges.clear();
+  fresh.d_edges.clear();
+  fresh.elements.clear();
+  return fresh;
+}
+
+// What so many new nodes make stale.
+inline void trTriBlock::note_new_nodes(int count) {
+  undup_tol = 0.0;
+  box_.reset();
+  edit_count_ += count;
+  ++geometry_revision_;
+}
+
 void trTriBlock::append_facet(const giPoint3 corners[3]) {
   if (!coMemoryScope::is_open()) return tr_guarded(this, [&] { append_facet(corners); });
   const int n = node_count();
@@ -144,25 +165,22 @@ void trTriBlock::append_facet(const giPoint3 corners[3]) {
     return;
   }
   make_room_for_node(n + 2);
-  for (int k = 0; k < 3; ++k) {
-    giPoint3& p = (*points_)[n + k];
-    trNode& fresh = (*nodes_)[n + k];
-    p = storable(corners[k]);
-    fresh.coords = &p;
-    fresh.invalid = 0;
-    fresh.a_edges.clear();
-    fresh.d_edges.clear();
-    fresh.elements.clear();
-    fresh.elements.insert_front(e);
-  }
+  for (int k = 0; k < 3; ++k) put_new_node(n + k, corners[k]).elements.insert_front(e);
   (*elements_)[e] = trElement(n, n + 1, n + 2);
-  undup_tol = 0.0;
-  box_.reset();
-  edit_count_ += 4;
-  ++geometry_revision_;
+  note_new_nodes(3);
+  ++edit_count_;
 }
 
-// Exactly `set_node` of the next numbers, at the cost of a copy where no record and no edges have to follow.
+void trTriBlock::append_node(const giPoint3& p) {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, [&] { append_node(p); });
+  const int i = node_count();
+  if (undo != nullptr || edges_built) return set_node(i, p);
+  if (!points_->has_room() || !nodes_->has_room()) make_room_for_node(i);
+  put_new_node(i, p);
+  note_new_nodes(1);
+}
+
+// Exactly `append_node` of each.
 void trTriBlock::append_points(const giPoint3coPageArr& points) {
   const int first = node_count();
   if (undo != nullptr || edges_built) {
@@ -170,32 +188,19 @@ void trTriBlock::append_points(const giPoint3coPageArr& points) {
     return;
   }
   if (points.count() > 0) make_room_for_node(first + points.count() - 1);
-  for (int k = 0; k < points.count(); ++k) {
-    giPoint3& p = (*points_)[first + k];
-    trNode& fresh = (*nodes_)[first + k];
-    p = storable(points.at(k));
-    fresh.coords = &p;
-    fresh.invalid = 0;
-    fresh.a_edges.clear();
-    fresh.d_edges.clear();
-    fresh.elements.clear();
-  }
-  edit_count_ += points.count();
-  undup_tol = 0.0;
-  box_.reset();
-  ++geometry_revision_;
+  for (int k = 0; k < points.count(); ++k) put_new_node(first + k, points.at(k));
+  note_new_nodes(points.count());
 }
 
 // A mesh from outside makes the element lists stale in the end; they need not follow each triangle.
 void trTriBlock::begin_triangles() { elements_referenced = 0; }
 
-// Exactly `set_element` of the next number.
-void trTriBlock::append_triangle(int a, int b, int c) {
+void trTriBlock::append_element(int a, int b, int c) {
+  if (!coMemoryScope::is_open()) return tr_guarded(this, [&] { append_element(a, b, c); });
   const int e = element_count();
-  if (undo != nullptr || edges_built) {
-    set_element(e, a, b, c);
-    return;
-  }
+  if (undo != nullptr || edges_built) return set_element(e, a, b, c);
+  if (!elements_->has_room() && !elements_->expand(e + 1)) throw std::bad_alloc();
   (*elements_)[e] = trElement(a, b, c);
+  if (elements_referenced) enter_in_lists(e);
   ++edit_count_;
 }

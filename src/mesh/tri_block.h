@@ -119,6 +119,9 @@ class MENDEX_EXPORT trTriBlock : public trMeshArrays {
 
   /// Exactly `set_node` of the next three numbers and `set_element` of the next element, at the cost of a copy.
   void append_facet(const giPoint3 corners[3]);
+  /// Exactly `set_node` of the next number, and `set_element` of the next, at the cost of a copy while no edges are built.
+  void append_node(const giPoint3& p);
+  void append_element(int a, int b, int c);
 
   void delete_elements(const intcoPageArr& list);
   /// Deletes elements through `delete_element`, in the order of the set; numbers outside the block are passed over. Returns 1.
@@ -295,9 +298,10 @@ class MENDEX_EXPORT trTriBlock : public trMeshArrays {
   bool merge_plane_nodes(const intcoPageArr& plane_nodes, double tol);
   int cut_edge(int a, int b, int axis, double value, double tol);
   void enter_in_lists(int e) const;
+  trNode& put_new_node(int i, const giPoint3& p);
+  void note_new_nodes(int count);
   void append_points(const giPoint3coPageArr& points);
   void begin_triangles();
-  void append_triangle(int a, int b, int c);
   void give_nodes(giTriBlock& out) const;
   void give_elements(giTriBlock& out) const;
   void give_colours(giTriBlock& out) const;

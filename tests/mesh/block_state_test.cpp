@@ -96,6 +96,47 @@ TEST(AppendFacet, EqualsItsParts) {
   }
 }
 
+// set_node and set_element of the next numbers by another name, whether or not edges and lists are current; nodes come before the
+// elements that share them.
+TEST(AppendNodeAndElement, EqualSettingTheNextNumbers) {
+  for (const int edges : {0, 1}) {
+    for (const int lists : {0, 1}) {
+      for (const bool journal : {false, true}) {
+        BlockOf block(flat_sheet(2, 2));
+        BlockOf other(flat_sheet(2, 2));
+        JournalRecorder recorder(block), of_other(other);
+        for (trTriBlock* const each : {static_cast<trTriBlock*>(&block), static_cast<trTriBlock*>(&other)}) {
+          if (edges) each->build_edges();
+          each->elements_referenced = lists;
+          each->undup_tol = 1.0;
+          if (!journal) each->undo = nullptr;
+        }
+        const Shape sheet = flat_sheet(3, 3);
+        const int before = block.node_count();
+        for (const giPoint3& point : sheet.points) {
+          block.append_node(point);
+          other.set_node(other.node_count(), point);
+        }
+        for (const auto& t : sheet.triangles) {
+          block.append_element(before + t[0], before + t[1], before + t[2]);
+          other.set_element(other.element_count(), before + t[0], before + t[1], before + t[2]);
+        }
+        EXPECT_EQ(BlockSnapshot(block).difference(BlockSnapshot(other)), "");
+        EXPECT_EQ(block.undup_tol, 0.0);
+        EXPECT_EQ(block.elements_referenced, lists);
+        EXPECT_EQ(block.box().max(), other.box().max());
+        EXPECT_TRUE(recorder.reports() == of_other.reports());
+        for (int i = 1; i < block.node_count(); ++i) {
+          EXPECT_EQ(entries(block.node(i).elements), entries(other.node(i).elements)) << i;
+          EXPECT_EQ(entries(block.node(i).a_edges), entries(other.node(i).a_edges)) << i;
+        }
+        block.reference_elements();
+        EXPECT_TRUE(is_sound(block));
+      }
+    }
+  }
+}
+
 // Lists of a deleted node that elements still name can fill again; a node that takes its number after a renumbering
 // starts empty.
 TEST(AppendFacet, StartsWithEmptyLists) {

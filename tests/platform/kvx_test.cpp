@@ -62,9 +62,28 @@ std::FILE* pipe_of(const std::string& bytes) {
 
 }  // namespace
 
+// The definition, bit by bit, of as many bytes as make several steps of the tables and a rest, in one go and in two.
+TEST(Kvx, ChecksumIsCrc32) {
+  const auto literal = [](const std::string& bytes) {
+    std::uint32_t crc = ~0u;
+    for (const char byte : bytes) {
+      crc ^= static_cast<unsigned char>(byte);
+      for (int bit = 0; bit < 8; ++bit) crc = (crc >> 1) ^ ((crc & 1u) != 0 ? 0xedb88320u : 0u);
+    }
+    return ~crc;
+  };
+  EXPECT_EQ(kvx::checksum_of("123456789", 9), 0xcbf43926u) << "the catalogued value";
+  std::string bytes;
+  for (unsigned n = 0; n < 70; ++n) {
+    const std::size_t half = bytes.size() / 2;
+    EXPECT_EQ(kvx::checksum_of(bytes.data(), bytes.size()), literal(bytes)) << n << " bytes";
+    EXPECT_EQ(kvx::checksum_of(bytes.data() + half, n - half, kvx::checksum_of(bytes.data(), half)), literal(bytes)) << n << " bytes";
+    bytes.push_back(static_cast<char>(n * n * 37 + 11));
+  }
+}
+
 // Coordinates that single precision holds are stored so, a chunk of nodes at a time; triangles with three nodes of their own take nothing.
 TEST(Kvx, LayoutToTheByte) {
-  EXPECT_EQ(kvx::checksum_of("56789", 5, kvx::checksum_of("1234", 4)), 0xcbf43926u) << "CRC-32";
   trTriBlock mesh;
   mesh.set_node(1, giPoint3());
   mesh.set_node(2, giPoint3(1.0, 0.0, 0.0));
@@ -77,20 +96,26 @@ TEST(Kvx, LayoutToTheByte) {
   EXPECT_TRUE(are_same(write_format(kvx_format, mesh).bytes, file_of("Created by MendEX2410", 1, block(3, 1, 0, chunk(2, 3, doubles) + chunk(3, 1, "")))));
 }
 
-// Every triangle comes back with three nodes of its own, to the bit.
+// Every triangle comes back with three nodes of its own, to the bit. Chunks of 4096 nodes whose coordinates single precision holds,
+// infinite ones too, take half the room, and triangles with three nodes of their own take none.
 TEST(Kvx, TrianglesComeBackToTheBit) {
   Random random(31);
   trTriBlock mesh;
   const double odd[] = {1e300, -0.0, 5e-324, 1.0 / 3.0, std::numeric_limits<double>::infinity(), std::nan("7")};
-  constexpr int triangles = 5000;  // several chunks, some of which hold single precision only
+  constexpr int triangles = 5000;
+  constexpr int doubles = 9000;  // nodes that need double precision, and so do the chunks that they stand in
   for (int i = 1; i <= 3 * triangles; ++i) {
-    const double x = i / 3 % 2000 == 7 ? odd[random.below(6)] : random.between(-1000, 1000);
-    mesh.set_node(i, giPoint3(x, i, static_cast<double>(static_cast<float>(random.unit()))));
+    const double x = i / 3 % 2000 == 7 ? odd[random.below(6)] : random.between(-1000.0, 1000.0);
+    const double small = i % 100 == 0 ? -std::numeric_limits<double>::infinity() : static_cast<double>(static_cast<float>(random.unit()));
+    mesh.set_node(i, giPoint3(i <= doubles ? x : small, i, small));
   }
   for (int e = 1; e <= triangles; ++e) mesh.set_element(e, 3 * e, 3 * e - 1, 3 * e - 2);
   mesh.delete_element(4);
   trTriBlock again;
-  EXPECT_EQ(read_format(kvx_format, again, write_format(kvx_format, mesh).bytes).result, 1);
+  const std::string bytes = write_format(kvx_format, mesh).bytes;
+  constexpr std::size_t heads = 12 * (4 + 2) + 20 + 53;  // of chunks, block and file
+  EXPECT_EQ(bytes.size(), heads + 24 * 3 * 4096 + 12 * (3 * (triangles - 1) - 3 * 4096));
+  EXPECT_EQ(read_format(kvx_format, again, bytes).result, 1);
   const std::vector<double> before = geometry_of(mesh), after = geometry_of(again);
   ASSERT_EQ(after.size() + 9, before.size()) << "only the nodes of the deleted element are missing";
   EXPECT_EQ(std::memcmp(before.data(), after.data(), after.size() * sizeof(double)), 0);

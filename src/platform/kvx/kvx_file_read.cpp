@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <climits>
 #include <cstring>
+#include <numeric>
 
 #include "platform/kvx/kvx_layout.h"
 
@@ -126,65 +127,44 @@ int vrpKVXFileRead::read_chunk(int entries_left) {
   return 0;
 }
 
-int vrpKVXFileRead::load_nodes(std::uint32_t layout) {
-  if (!is_nodes(layout)) return fail();
+int vrpKVXFileRead::load_nodes() {
+  if (read_chunk(nodes_left_) || !is_nodes(layout_)) return fail();
   const std::size_t count = std::size_t{entries_} * static_cast<std::size_t>(values_a_node_);
   values_.resize(count);
-  if (static_cast<ChunkLayout>(layout) == ChunkLayout::double_nodes) {
+  if (static_cast<ChunkLayout>(layout_) == ChunkLayout::double_nodes) {
     std::memcpy(values_.data(), bytes_.data(), count * sizeof(double));
     return 0;
   }
+  const char* const bytes = bytes_.data();
+  double* const values = values_.data();
   for (std::size_t k = 0; k < count; ++k) {
     float value = 0;
-    std::memcpy(&value, bytes_.data() + k * sizeof value, sizeof value);
-    values_[k] = double{value};
+    std::memcpy(&value, bytes + k * sizeof value, sizeof value);
+    values[k] = double{value};
   }
   return 0;
 }
 
-int vrpKVXFileRead::next_node(const double*& values) {
-  if (has_failed_ || nodes_left_ == 0) return fail();
-  if (at_ == entries_ && (read_chunk(nodes_left_) || load_nodes(layout_))) return fail();
-  values = values_.data() + at_++ * static_cast<std::size_t>(values_a_node_);
-  --nodes_left_;
-  return 0;
-}
-
-int vrpKVXFileRead::read_node(double& x, double& y, double& z) {
-  const double* values = nullptr;
-  if (next_node(values)) return 1;
-  x = values[0];
-  y = values[1];
-  z = values[2];
+int vrpKVXFileRead::load_triangles() {
+  if (read_chunk(triangles_left_) || !is_triangles(layout_)) return fail();
+  corners_.resize(3 * std::size_t{entries_});
+  if (static_cast<ChunkLayout>(layout_) == ChunkLayout::listed_triangles) {
+    std::memcpy(corners_.data(), bytes_.data(), bytes_.size());
+  } else {
+    std::iota(corners_.begin(), corners_.end(), 3 * triangles_read_);
+  }
+  triangles_read_ += static_cast<int>(entries_);
   return 0;
 }
 
 int vrpKVXFileRead::read_node(double& x, double& y, double& z, double& nx, double& ny, double& nz) {
-  const double* values = nullptr;
-  if (values_a_node_ != 6 || next_node(values)) return fail();
+  const double* const values = values_a_node_ == 6 ? next_node() : lost<double>();
+  if (values == nullptr) return 1;
   x = values[0];
   y = values[1];
   z = values[2];
   nx = values[3];
   ny = values[4];
   nz = values[5];
-  return 0;
-}
-
-int vrpKVXFileRead::read_tri(int& a, int& b, int& c) {
-  if (has_failed_ || nodes_left_ != 0 || triangles_left_ == 0) return fail();
-  if (at_ == entries_ && (read_chunk(triangles_left_) || !is_triangles(layout_))) return fail();
-  int corners[3];
-  if (static_cast<ChunkLayout>(layout_) == ChunkLayout::listed_triangles) {
-    std::memcpy(corners, bytes_.data() + at_ * sizeof corners, sizeof corners);
-  } else {
-    for (int k = 0; k < 3; ++k) corners[k] = 3 * triangles_read_ + k;
-  }
-  ++at_;
-  ++triangles_read_;
-  --triangles_left_;
-  a = corners[0];
-  b = corners[1];
-  c = corners[2];
   return 0;
 }

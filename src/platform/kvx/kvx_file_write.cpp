@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <iterator>
 #include <limits>
 
 #include "platform/kvx/kvx_layout.h"
@@ -21,10 +22,9 @@ void append(std::vector<char>& bytes, T value) {
 // Whether the value survives single precision to the bit. What is not a number keeps its payload in double precision only, and values
 // beyond the range of float must not be converted at all.
 bool fits_single(double value) {
-  if (std::isinf(value)) return true;
-  if (!(std::fabs(value) <= double{std::numeric_limits<float>::max()})) return false;
-  const double back = static_cast<double>(static_cast<float>(value));
-  return std::memcmp(&back, &value, sizeof value) == 0;
+  const double size = std::fabs(value);
+  const double in_range = size <= double{std::numeric_limits<float>::max()} ? value : 0.0;
+  return static_cast<double>(static_cast<float>(in_range)) == value || size == std::numeric_limits<double>::infinity();
 }
 
 }  // namespace
@@ -62,6 +62,8 @@ int vrpKVXFileWrite::new_block(int nodes, int triangles, int normals) {
   if (has_failed_ || header_place_ < 0 || is_in_block() || nodes < 0 || triangles < 0) return fail();
   const std::uint32_t head[3] = {static_cast<std::uint32_t>(nodes), static_cast<std::uint32_t>(triangles), normals != 0};
   const std::uint32_t checksum = kvx::checksum_of(head, sizeof head);
+  values_.resize((normals ? 6 : 3) * chunk_entries);
+  corners_.resize(3 * chunk_entries);
   nodes_left_ = node_count_ = nodes;
   triangles_left_ = triangles;
   values_a_node_ = normals ? 6 : 3;
@@ -70,60 +72,50 @@ int vrpKVXFileWrite::new_block(int nodes, int triangles, int normals) {
   return put(kvx::block_tag, kvx::tag_bytes) || put(head, sizeof head) || put(&checksum, sizeof checksum);
 }
 
-int vrpKVXFileWrite::write_node(const giPoint3& point, vrpKVXApi25 layout) {
-  if (values_a_node_ == 6) return write_node(point, giVector3(), layout);
-  if (has_failed_ || nodes_left_ == 0) return fail();
-  --nodes_left_;
-  values_.insert(values_.end(), {point.x, point.y, point.z});
-  return nodes_left_ == 0 || values_.size() == 3u * kvx::entries_a_chunk ? close_nodes() : 0;
-}
-
 int vrpKVXFileWrite::write_node(const giPoint3& point, const giVector3& normal, vrpKVXApi25) {
   if (has_failed_ || nodes_left_ == 0 || values_a_node_ != 6) return fail();
-  --nodes_left_;
-  values_.insert(values_.end(), {point.x, point.y, point.z, normal.x(), normal.y(), normal.z()});
-  return nodes_left_ == 0 || values_.size() == 6u * kvx::entries_a_chunk ? close_nodes() : 0;
+  const double values[] = {point.x, point.y, point.z, normal.x(), normal.y(), normal.z()};
+  std::copy(std::begin(values), std::end(values), values_.data() + 6 * entries_++);
+  return --nodes_left_ == 0 || entries_ == chunk_entries ? close_nodes() : 0;
 }
 
 int vrpKVXFileWrite::close_nodes() {
-  const bool is_single = std::all_of(values_.begin(), values_.end(), fits_single);
-  bytes_.clear();
-  for (const double value : values_) is_single ? append(bytes_, static_cast<float>(value)) : append(bytes_, value);
-  const std::uint32_t entries = static_cast<std::uint32_t>(values_.size()) / static_cast<std::uint32_t>(values_a_node_);
-  values_.clear();
-  const auto layout = is_single ? kvx::ChunkLayout::single_nodes : kvx::ChunkLayout::double_nodes;
-  return put_chunk(static_cast<std::uint32_t>(layout), entries, bytes_);
-}
-
-int vrpKVXFileWrite::write_tri(int a, int b, int c) {
-  if (has_failed_ || nodes_left_ != 0 || triangles_left_ == 0) return fail();
-  for (const int node : {a, b, c}) {
-    if (node < 0 || node >= node_count_) return fail();
+  const std::size_t count = entries_ * static_cast<std::size_t>(values_a_node_);
+  const double* const values = values_.data();
+  bool is_single = true;
+  for (std::size_t k = 0; k < count; ++k) is_single &= fits_single(values[k]);
+  if (!is_single) {
+    bytes_.resize(count * sizeof(double));
+    std::memcpy(bytes_.data(), values, bytes_.size());
+    return put_chunk(kvx::ChunkLayout::double_nodes);
   }
-  --triangles_left_;
-  corners_.insert(corners_.end(), {a, b, c});
-  return triangles_left_ == 0 || corners_.size() == 3u * kvx::entries_a_chunk ? close_triangles() : 0;
+  bytes_.resize(count * sizeof(float));
+  char* const bytes = bytes_.data();
+  for (std::size_t k = 0; k < count; ++k) {
+    const auto single = static_cast<float>(values[k]);
+    std::memcpy(bytes + k * sizeof single, &single, sizeof single);
+  }
+  return put_chunk(kvx::ChunkLayout::single_nodes);
 }
 
 int vrpKVXFileWrite::close_triangles() {
-  bool is_plain = true;
+  const std::size_t count = 3 * entries_;
+  const int* const corners = corners_.data();
   const std::int64_t first_corner = 3 * std::int64_t{first_of_chunk_};
-  for (std::size_t k = 0; k < corners_.size(); ++k) is_plain = is_plain && corners_[k] == first_corner + static_cast<std::int64_t>(k);
-  bytes_.clear();
-  if (!is_plain) {
-    for (const int corner : corners_) append(bytes_, corner);
-  }
-  const std::uint32_t entries = static_cast<std::uint32_t>(corners_.size() / 3);
-  corners_.clear();
-  first_of_chunk_ += static_cast<int>(entries);
-  const auto layout = is_plain ? kvx::ChunkLayout::plain_triangles : kvx::ChunkLayout::listed_triangles;
-  return put_chunk(static_cast<std::uint32_t>(layout), entries, bytes_);
+  bool is_plain = true;
+  for (std::size_t k = 0; k < count; ++k) is_plain &= corners[k] == first_corner + static_cast<std::int64_t>(k);
+  first_of_chunk_ += static_cast<int>(entries_);
+  bytes_.resize(is_plain ? 0 : count * sizeof(int));
+  if (!is_plain) std::memcpy(bytes_.data(), corners, bytes_.size());
+  return put_chunk(is_plain ? kvx::ChunkLayout::plain_triangles : kvx::ChunkLayout::listed_triangles);
 }
 
-int vrpKVXFileWrite::put_chunk(std::uint32_t layout, std::uint32_t entries, const std::vector<char>& bytes) {
-  kvx::ChunkHead head{layout, entries, 0};
-  head.checksum = kvx::chunk_checksum(head, bytes);
-  return put(&head, sizeof head) || put(bytes.data(), bytes.size());
+int vrpKVXFileWrite::put_chunk(kvx::ChunkLayout layout) {
+  static_assert(chunk_entries == kvx::entries_a_chunk, "readers refuse larger chunks");
+  kvx::ChunkHead head{static_cast<std::uint32_t>(layout), static_cast<std::uint32_t>(entries_), 0};
+  head.checksum = kvx::chunk_checksum(head, bytes_);
+  entries_ = 0;
+  return put(&head, sizeof head) || put(bytes_.data(), bytes_.size());
 }
 
 int vrpKVXFileWrite::write_end() {

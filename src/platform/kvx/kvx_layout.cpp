@@ -1,4 +1,4 @@
-// Eight bytes a step, with eight tables: M. Kounavis and F. Berry, "Novel table lookup-based algorithms for high-performance CRC
+// Sixteen bytes a step, with sixteen tables: M. Kounavis and F. Berry, "Novel table lookup-based algorithms for high-performance CRC
 // generation", 2008.
 
 #include <array>
@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr std::size_t step = 8;
+constexpr std::size_t step = 16;
 using Tables = std::array<std::array<std::uint32_t, 256>, step>;
 
 // Table k has the checksum of each byte with k zero bytes behind it.
@@ -30,9 +30,11 @@ constexpr Tables make_tables() {
 
 constexpr Tables tables = make_tables();
 
-std::uint32_t checksum_of_step(std::uint32_t low, std::uint32_t high) {
-  return tables[7][low & 0xffu] ^ tables[6][low >> 8 & 0xffu] ^ tables[5][low >> 16 & 0xffu] ^ tables[4][low >> 24] ^
-         tables[3][high & 0xffu] ^ tables[2][high >> 8 & 0xffu] ^ tables[1][high >> 16 & 0xffu] ^ tables[0][high >> 24];
+// The checksum of a word with 4 `words_behind` zero bytes behind it.
+template <std::size_t words_behind>
+std::uint32_t checksum_of_word(std::uint32_t word) {
+  constexpr std::size_t k = 4 * words_behind;
+  return tables[k + 3][word & 0xffu] ^ tables[k + 2][word >> 8 & 0xffu] ^ tables[k + 1][word >> 16 & 0xffu] ^ tables[k][word >> 24];
 }
 
 }  // namespace
@@ -41,9 +43,9 @@ std::uint32_t kvx::checksum_of(const void* data, std::size_t count, std::uint32_
   const auto* bytes = static_cast<const unsigned char*>(data);
   std::uint32_t crc = ~before;
   for (; count >= step; bytes += step, count -= step) {
-    std::uint32_t words[2];
+    std::uint32_t words[step / 4];
     std::memcpy(words, bytes, sizeof words);
-    crc = checksum_of_step(crc ^ words[0], words[1]);
+    crc = checksum_of_word<3>(crc ^ words[0]) ^ checksum_of_word<2>(words[1]) ^ checksum_of_word<1>(words[2]) ^ checksum_of_word<0>(words[3]);
   }
   for (; count != 0; ++bytes, --count) crc = (crc >> 8) ^ tables[0][(crc ^ *bytes) & 0xffu];
   return ~crc;
