@@ -135,8 +135,8 @@ void CutField::take(const std::vector<int>& order, const Gathered& gathered) {
   });
 }
 
-std::vector<int> CutField::elements_crossing(const giBox3& box) const {
-  std::vector<int> found;
+std::vector<CutField::Member> CutField::members_crossing(const giBox3& box) const {
+  std::vector<Member> found;
   giBox3 grown = box;
   grown.grow(tol_);
   const FloatBox rough = frame_.map(grown.min(), grown.max());
@@ -144,11 +144,11 @@ std::vector<int> CutField::elements_crossing(const giBox3& box) const {
       rough, [](int, int) { return false; },
       [&](int b) {
         for (unsigned lanes = blocks_.block(b).overlapping(rough); lanes != 0; lanes &= lanes - 1) {
-          const int e = element(b * BoxBlock::width + lowest_bit(lanes));
-          if (element_box(block_, e).crosses(box, tol_)) found.push_back(e);
+          const int position = b * BoxBlock::width + lowest_bit(lanes);
+          if (element_box(block_, triangle(position)).crosses(box, tol_)) found.push_back({element(position), position});
         }
       });
-  std::sort(found.begin(), found.end());
+  std::sort(found.begin(), found.end(), [](const Member& a, const Member& b) { return a.element < b.element; });
   return found;
 }
 

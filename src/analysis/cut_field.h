@@ -38,8 +38,13 @@ class CutField {
   const BoxBlocks& blocks() const { return blocks_; }
   const trTriBlock& block() const { return block_; }
 
-  /// Elements that `box` crosses within the tolerance, ascending.
-  std::vector<int> elements_crossing(const giBox3& box) const;
+  /// An element and where it stands in the order.
+  struct Member {
+    int element;
+    int position;
+  };
+  /// What `box` crosses within the tolerance, in ascending order of the elements.
+  std::vector<Member> members_crossing(const giBox3& box) const;
 
   int hub_count() const { return static_cast<int>(hub_nodes_.size()); }
   int hub_node(int hub) const { return hub_nodes_[static_cast<std::size_t>(hub)]; }

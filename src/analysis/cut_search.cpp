@@ -104,7 +104,8 @@ void CutSearch::test(int i, int j) {
 
 void CutSearch::record(int i, int j) {
   const CutPair pair = std::minmax(field_.element(i), field_.element(j));
-  if (!element_box(field_.block(), pair.first).crosses(element_box(field_.block(), pair.second), tol_)) return;
+  const giBox3 box = element_box(field_.block(), field_.triangle(i));
+  if (!box.crosses(element_box(field_.block(), field_.triangle(j)), tol_)) return;
   mark(i);
   mark(j);
   if (!keeps_pairs_) return;

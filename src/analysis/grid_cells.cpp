@@ -23,6 +23,7 @@ GridCells::GridCells(const trBoxGrid& grid, double tol)
       low_[k].push_back(cell.min()[k]);
       high_[k].push_back(cell.max()[k]);
     }
+    scale_[k] = low_[k].empty() ? 0.0 : div_[k] / (high_[k].back() - low_[k].front());
   }
 }
 
@@ -39,9 +40,8 @@ CellRange GridCells::range(const giBox3& box) const {
     const double high = box.max()[k] + tol_;
     const auto ends_before = [&](int i) { return !(low <= high_[k][static_cast<std::size_t>(i)] + tol_); };
     const auto starts_behind = [&](int i) { return !(low_[k][static_cast<std::size_t>(i)] - tol_ <= high); };
-    const double scale = div_[k] / (high_[k].back() - low_[k].front());
     const auto guess = [&](double x) {
-      const double at = (x - low_[k].front()) * scale;
+      const double at = (x - low_[k].front()) * scale_[k];
       return at > 0.0 ? static_cast<int>(std::min<double>(at, div_[k] - 1)) : 0;
     };
     int& first = range.first[k] = guess(low);
@@ -54,30 +54,34 @@ CellRange GridCells::range(const giBox3& box) const {
   return range;
 }
 
-// Differences along all three axes at the corners of each range, summed up in the end (F. Crow, "Summed-area tables for
-// texture mapping", 1984).
+// Elements within one cell are counted there. Of the others, differences along all three axes at the corners of each range are summed up
+// in the end (F. Crow, "Summed-area tables for texture mapping", 1984).
 std::vector<int> GridCells::element_counts(const trTriBlock& block) const {
   const int size[3] = {div_[0] + 1, div_[1] + 1, div_[2] + 1};
   const int step[3] = {size[1] * size[2], size[2], 1};
   std::vector<int> sums(static_cast<std::size_t>(size[0]) * static_cast<std::size_t>(step[0]));
+  std::vector<int> counts(static_cast<std::size_t>(count()));
   for (int e = 1; e < block.element_count(); ++e) {
     if (tr_interrupt()) return {};
     block.prefetch_corners(e + trTriBlock::corners_ahead);
     const giBox3 box = element_box(block, e);
     if (box.is_empty()) continue;
     const CellRange cells = range(box);
-    if (!cells.is_empty()) add(cells, sums, size);
+    if (cells.is_single()) {
+      ++counts[static_cast<std::size_t>(number(cells.first))];
+    } else if (!cells.is_empty()) {
+      add(cells, sums, size);
+    }
   }
   for (int k = 0; k < 3; ++k) {
     for (int i = 0; i < static_cast<int>(sums.size()); ++i) {
       if (i / step[k] % size[k] > 0) sums[static_cast<std::size_t>(i)] += sums[static_cast<std::size_t>(i - step[k])];
     }
   }
-  std::vector<int> counts;
-  counts.reserve(static_cast<std::size_t>(count()));
+  std::size_t cell = 0;
   for (int i = 0; i < static_cast<int>(sums.size()); ++i) {
     const bool inside = i / step[0] < div_[0] && i / step[1] % size[1] < div_[1] && i % size[2] < div_[2];
-    if (inside) counts.push_back(sums[static_cast<std::size_t>(i)]);
+    if (inside) counts[cell++] += sums[static_cast<std::size_t>(i)];
   }
   return counts;
 }

@@ -16,6 +16,7 @@ struct CellRange {
     }
     return false;
   }
+  bool is_single() const { return first[0] == last[0] && first[1] == last[1] && first[2] == last[2]; }
   CellRange common(const CellRange& other) const;
 };
 
@@ -41,4 +42,5 @@ class GridCells {
   int div_[3];
   std::vector<double> low_[3];  // of the cells along each axis
   std::vector<double> high_[3];
+  double scale_[3];  // cells a unit of length
 };

@@ -43,6 +43,7 @@ void VisitOrder::number_elements() {
   elements_.erase(std::unique(elements_.begin(), elements_.end()), elements_.end());
   index_.resize(static_cast<std::size_t>(field_.block().element_count()));
   for (std::size_t k = 0; k < elements_.size(); ++k) {
+    if (k + trTriBlock::corners_ahead < elements_.size()) field_.block().prefetch_corners(elements_[k + trTriBlock::corners_ahead]);
     index_[static_cast<std::size_t>(elements_[k])] = static_cast<int>(k);
     ranges_.push_back(cells_.range(element_box(field_.block(), elements_[k])));
   }
@@ -140,12 +141,14 @@ void VisitOrder::visit_cell(int cell, const std::vector<int>& pairs, Report repo
     }
     return;
   }
-  const std::vector<int> members = field_.elements_crossing(box);
+  const std::vector<CutField::Member> members = field_.members_crossing(box);
   const auto local = [&](int e) {
-    return static_cast<int>(std::lower_bound(members.begin(), members.end(), e) - members.begin());
+    const auto lies_before = [](const CutField::Member& member, int number) { return member.element < number; };
+    return static_cast<int>(std::lower_bound(members.begin(), members.end(), e, lies_before) - members.begin());
   };
   std::vector<giBox3> boxes;
-  for (const int e : members) boxes.push_back(element_box(field_.block(), e));
+  boxes.reserve(members.size());
+  for (const CutField::Member& member : members) boxes.push_back(element_box(field_.block(), field_.triangle(member.position)));
   std::vector<OctantReplay::Pair> local_pairs;
   for (const int p : pairs) {
     const CutPair& pair = pairs_[static_cast<std::size_t>(p)];
