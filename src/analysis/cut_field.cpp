@@ -43,7 +43,7 @@ CutField::CutField(const trTriBlock& block, double tol) : block_(block), tol_(to
   take(grouped(gathered, order), gathered);
 }
 
-void CutField::gather(Gathered& gathered) const {
+void CutField::gather(Gathered& gathered) {
   const giBox3 whole = block_.box();
   const auto expected = static_cast<std::size_t>(block_.element_count());
   gathered.elements.reserve(expected);
@@ -53,7 +53,10 @@ void CutField::gather(Gathered& gathered) const {
   for (int e = 1; e < block_.element_count() && !tr_interrupt(); ++e) {
     block_.prefetch_corners(e + trTriBlock::corners_ahead);
     giBox3 box = element_box(block_, e);
-    if (!box.crosses(whole, tol_)) continue;
+    if (!box.crosses(whole, tol_)) {
+      if (!box.is_empty()) left_out_.push_back(e);
+      continue;
+    }
     box.grow(tol_);
     const trElement& t = block_.element(e);
     const bool normal = has_normal(block_, t, tol_);

@@ -38,6 +38,9 @@ class CutField {
   const BoxBlocks& blocks() const { return blocks_; }
   const trTriBlock& block() const { return block_; }
 
+  /// The elements that were left out: those whose coordinates are no numbers, and those that lie off the block's box.
+  const std::vector<int>& left_out() const { return left_out_; }
+
   /// An element and where it stands in the order.
   struct Member {
     int element;
@@ -66,7 +69,7 @@ class CutField {
     const auto at = static_cast<std::size_t>(g);
     return {group_start_[at], group_start_[at + 1] - 1};
   }
-  void gather(Gathered& gathered) const;
+  void gather(Gathered& gathered);
   void number_hubs(const Gathered& gathered, const std::vector<int>& order);
   std::vector<int> grouped(const Gathered& gathered, const std::vector<int>& order);
   void take(const std::vector<int>& order, const Gathered& gathered);
@@ -76,6 +79,7 @@ class CutField {
   FloatFrame frame_;
   std::vector<CutTriangle> triangles_;
   std::vector<int> elements_;
+  std::vector<int> left_out_;
   std::vector<int> group_start_ = {0, 0, 0};
   std::vector<int> hub_nodes_;
   std::vector<int> hub_of_node_;  // by node; empty when there is no hub

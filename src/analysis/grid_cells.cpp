@@ -54,17 +54,16 @@ CellRange GridCells::range(const giBox3& box) const {
   return range;
 }
 
-// Elements within one cell are counted there. Of the others, differences along all three axes at the corners of each range are summed up
+// Boxes within one cell are counted there. Of the others, differences along all three axes at the corners of each range are summed up
 // in the end (F. Crow, "Summed-area tables for texture mapping", 1984).
-std::vector<int> GridCells::element_counts(const trTriBlock& block) const {
+std::vector<int> GridCells::box_counts(int n, const std::function<giBox3(int)>& box_of) const {
   const int size[3] = {div_[0] + 1, div_[1] + 1, div_[2] + 1};
   const int step[3] = {size[1] * size[2], size[2], 1};
   std::vector<int> sums(static_cast<std::size_t>(size[0]) * static_cast<std::size_t>(step[0]));
   std::vector<int> counts(static_cast<std::size_t>(count()));
-  for (int e = 1; e < block.element_count(); ++e) {
+  for (int k = 0; k < n; ++k) {
     if (tr_interrupt()) return {};
-    block.prefetch_corners(e + trTriBlock::corners_ahead);
-    const giBox3 box = element_box(block, e);
+    const giBox3 box = box_of(k);
     if (box.is_empty()) continue;
     const CellRange cells = range(box);
     if (cells.is_single()) {
@@ -84,6 +83,13 @@ std::vector<int> GridCells::element_counts(const trTriBlock& block) const {
     if (inside) counts[cell++] += sums[static_cast<std::size_t>(i)];
   }
   return counts;
+}
+
+std::vector<int> GridCells::element_counts(const trTriBlock& block) const {
+  return box_counts(block.element_count() - 1, [&](int k) {
+    block.prefetch_corners(1 + k + trTriBlock::corners_ahead);
+    return element_box(block, 1 + k);
+  });
 }
 
 void GridCells::add(const CellRange& range, std::vector<int>& sums, const int size[3]) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <vector>
 
 #include "analysis/box_grid.h"
@@ -31,7 +32,10 @@ class GridCells {
   giBox3 box(int cell) const;
   /// All cells that a box crosses. Cost: O(1) where the cells are about alike in size.
   CellRange range(const giBox3& box) const;
-  /// How many elements cross each cell; empty when interrupted. Cost: O(elements + cells). Polls for each element.
+  /// How many of n boxes cross each cell, `box(k)` being that of k from 0 up; empty ones cross none. Empty when interrupted. Polls for each.
+  /// Cost: O(n + cells).
+  std::vector<int> box_counts(int n, const std::function<giBox3(int)>& box) const;
+  /// The same of the boxes of all elements.
   std::vector<int> element_counts(const trTriBlock& block) const;
 
  private:

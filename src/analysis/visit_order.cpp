@@ -26,12 +26,21 @@ std::vector<int> VisitOrder::elements_of(std::vector<CutPair> pairs) {
   if (pairs_.empty()) return {};
   number_elements();
   if (tr_interrupt()) return {};
-  cell_counts_ = cells_.element_counts(field_.block());
+  count_in_cells();
   if (cell_counts_.empty()) return {};
   read_front();
   if (tr_interrupt()) return {};
   find_last_places();
   return tr_interrupt() ? std::vector<int>() : cleaned();
+}
+
+// The boxes come from the triangles of the search, which lie side by side.
+void VisitOrder::count_in_cells() {
+  const std::vector<int>& left_out = field_.left_out();
+  cell_counts_ = cells_.box_counts(field_.count() + static_cast<int>(left_out.size()), [&](int k) {
+    return k < field_.count() ? element_box(field_.block(), field_.triangle(k))
+                              : element_box(field_.block(), left_out[static_cast<std::size_t>(k - field_.count())]);
+  });
 }
 
 void VisitOrder::number_elements() {

@@ -27,6 +27,7 @@ class VisitOrder {
   int index(int element) const { return index_[static_cast<std::size_t>(element)]; }
   CellRange range(const CutPair& pair) const;
   void number_elements();
+  void count_in_cells();
   void read_front();
   void find_last_places();
   void visit_cell(int cell, const std::vector<int>& pairs, Report report, const std::function<bool(int)>& found) const;
