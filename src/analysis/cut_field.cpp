@@ -27,7 +27,7 @@ bool has_normal(const trTriBlock& block, const trElement& t, double tol) {
 // The elements that can cut others, in ascending order.
 struct CutField::Gathered {
   std::vector<int> elements;
-  std::vector<FloatBox> boxes;
+  coLargeVector<FloatBox> boxes;
   std::vector<char> has_normal;
   std::vector<int> uses;  // by node: the corners that name it
   bool any_normal = false;

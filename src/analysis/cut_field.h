@@ -4,6 +4,7 @@
 
 #include "analysis/triangle_cut.h"
 #include "mesh/tri_block.h"
+#include "platform/containers/large_vector.h"
 #include "platform/spatial/box_blocks.h"
 
 /// A run of positions in a list, or of numbers of any kind: first to last, both included.
@@ -77,7 +78,7 @@ class CutField {
   const trTriBlock& block_;
   double tol_;
   FloatFrame frame_;
-  std::vector<CutTriangle> triangles_;
+  coLargeVector<CutTriangle> triangles_;
   std::vector<int> elements_;
   std::vector<int> left_out_;
   std::vector<int> group_start_ = {0, 0, 0};

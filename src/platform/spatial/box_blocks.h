@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/containers/large_vector.h"
 #include "platform/spatial/float_box.h"
 
 #if defined(__SSE2__)
@@ -151,7 +152,7 @@ class BoxBlocks {
   int levels_ = 0;
   std::size_t level_start_[max_levels] = {};
   int level_count_[max_levels] = {};
-  std::vector<BoxBlock> blocks_;
+  coLargeVector<BoxBlock> blocks_;
 };
 
 /// Calls walk.visit(i, j), i < j, for the pairs of boxes of the list that overlap.

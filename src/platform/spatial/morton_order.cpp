@@ -33,7 +33,8 @@ struct Stretch {
 
 // All centres when that is not much longer than the middle nine tenths of a sample of them, else some lengths of those
 // beyond each end.
-Stretch stretch_of(const std::vector<FloatBox>& boxes, int axis) {
+template <class Boxes>
+Stretch stretch_of(const Boxes& boxes, int axis) {
   constexpr std::size_t sample_size = 1000;
   const std::size_t stride = boxes.size() / sample_size + 1;
   std::vector<double> sample;
@@ -63,9 +64,10 @@ std::uint64_t spread(std::uint64_t x) {
   return (x | x << 2) & 0x1249249249249249u;
 }
 
-std::vector<Entry> coded(const std::vector<FloatBox>& boxes) {
+template <class Boxes>
+coLargeVector<Entry> coded(const Boxes& boxes) {
   const std::array<Stretch, 3> stretch = {stretch_of(boxes, 0), stretch_of(boxes, 1), stretch_of(boxes, 2)};
-  std::vector<Entry> entries(boxes.size());
+  coLargeVector<Entry> entries(boxes.size());
   for (std::size_t i = 0; i < boxes.size(); ++i) {
     entries[i] = {std::uint64_t{1} << (3 * steps_bits), static_cast<int>(i)};
     if (overlaps_nothing(boxes[i])) continue;
@@ -78,11 +80,11 @@ std::vector<Entry> coded(const std::vector<FloatBox>& boxes) {
 
 // The upper bits by radix, the least significant digit first; what they leave equal, mostly little or nothing, by
 // comparison.
-void sort_by_code(std::vector<Entry>& entries) {
+void sort_by_code(coLargeVector<Entry>& entries) {
   constexpr int digit_bits = 11;
   constexpr int lowest_shift = 64 - 3 * digit_bits;
   constexpr std::size_t digits = std::size_t{1} << digit_bits;
-  std::vector<Entry> sorted(entries.size());
+  coLargeVector<Entry> sorted(entries.size());
   std::vector<std::size_t> starts(digits);
   for (int shift = lowest_shift; shift < 64; shift += digit_bits) {
     const auto digit = [shift](const Entry& entry) { return (entry.code >> shift) & (digits - 1); };
@@ -105,12 +107,16 @@ void sort_by_code(std::vector<Entry>& entries) {
   }
 }
 
-}  // namespace
-
-std::vector<int> morton_order(const std::vector<FloatBox>& boxes) {
-  std::vector<Entry> entries = coded(boxes);
+template <class Boxes>
+std::vector<int> order_of(const Boxes& boxes) {
+  coLargeVector<Entry> entries = coded(boxes);
   sort_by_code(entries);
   std::vector<int> order(entries.size());
   for (std::size_t i = 0; i < entries.size(); ++i) order[i] = entries[i].number;
   return order;
 }
+
+}  // namespace
+
+std::vector<int> morton_order(const std::vector<FloatBox>& boxes) { return order_of(boxes); }
+std::vector<int> morton_order(const coLargeVector<FloatBox>& boxes) { return order_of(boxes); }

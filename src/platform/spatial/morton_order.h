@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "platform/containers/large_vector.h"
 #include "platform/spatial/float_box.h"
 
 /// The numbers 0 to boxes.size() - 1 in the order of the box centres along a Morton curve (G. Morton, "A computer
@@ -12,3 +13,4 @@
 /// border, so that a few stray boxes do not cost the resolution where the others are. Cost: O(n), by radix sort; 32
 /// bytes a box while it runs.
 std::vector<int> morton_order(const std::vector<FloatBox>& boxes);
+std::vector<int> morton_order(const coLargeVector<FloatBox>& boxes);
