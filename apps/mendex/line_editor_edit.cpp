@@ -1,11 +1,15 @@
 // Line editing by libedit.
 
 #include <histedit.h>
+#include <signal.h>
+#include <sys/select.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <clocale>
 #include <cstdio>
+#include <cwchar>
 
 #include "interruption.h"
 #include "line_editor.h"
@@ -23,7 +27,7 @@ class LineEditor::Lines {
     el_set(editor_, EL_CLIENTDATA, this);
     el_set(editor_, EL_PROMPT, prompt_of);
     el_set(editor_, EL_EDITOR, "emacs");
-    el_set(editor_, EL_SAFEREAD, 0);  // an interrupted read ends the line
+    el_set(editor_, EL_GETCFN, read_key);
     el_set(editor_, EL_HIST, history, history_);
     el_set(editor_, EL_ADDFN, "mendex-complete", "Complete a word", complete_word);
     el_set(editor_, EL_BIND, "^I", "mendex-complete", nullptr);
@@ -74,6 +78,42 @@ class LineEditor::Lines {
   }
 
   static char* prompt_of(EditLine* editor) { return of(editor).prompt_.data(); }
+
+  // Whether there is something to read before a signal asks to stop. Signals are held back but during the wait, so that none comes unseen
+  // between two keys and leaves the wait without an end.
+  static bool waits_for_input() {
+    sigset_t all, before;
+    sigfillset(&all);
+    sigprocmask(SIG_SETMASK, &all, &before);
+    int ready = -1;
+    while (ready < 0 && !Interruption::requested()) {
+      fd_set input;
+      FD_ZERO(&input);
+      FD_SET(STDIN_FILENO, &input);
+      ready = pselect(STDIN_FILENO + 1, &input, nullptr, nullptr, nullptr, &before);
+      if (ready < 0 && errno != EINTR) break;
+    }
+    sigprocmask(SIG_SETMASK, &before, nullptr);
+    return ready > 0;
+  }
+
+  // One character of the locale, as the editor reads it by itself: 1; 0 at the end of the input, -1 when interrupted. Bytes that are no
+  // character are passed over.
+  static int read_key(EditLine*, wchar_t* key) {
+    std::mbstate_t state = {};
+    while (true) {
+      char byte = 0;
+      if (!waits_for_input()) return -1;
+      const ssize_t count = ::read(STDIN_FILENO, &byte, 1);
+      if (count <= 0) return static_cast<int>(count);
+      const std::size_t length = std::mbrtowc(key, &byte, 1, &state);
+      if (length == static_cast<std::size_t>(-1)) {
+        state = {};
+      } else if (length != static_cast<std::size_t>(-2)) {
+        return 1;
+      }
+    }
+  }
 
   static unsigned char complete_word(EditLine* editor, int key) {
     const LineInfo* const line = el_line(editor);
