@@ -27,12 +27,18 @@ class Judge {
  public:
   explicit Judge(const RunFacts& facts) : facts_(facts) {}
 
-  void at_most(const std::string& text, double limit, double value) { lines_.push_back({text, limit, false, value}); }
-  void at_least(const std::string& text, double limit, double value) { lines_.push_back({text, limit, true, value}); }
+  using Names = std::vector<std::string>;
+
+  void at_most(const std::string& text, double limit, double value, Names measures = {}) {
+    lines_.push_back({text, limit, false, value, std::move(measures)});
+  }
+  void at_least(const std::string& text, double limit, double value, Names measures = {}) {
+    lines_.push_back({text, limit, true, value, std::move(measures)});
+  }
 
   void ratio(const std::string& measure, const std::string& yardstick, FacetOrder order, double limit) {
     at_most(measure + " / " + yardstick + ", " + name_of(order), limit,
-            facts_.results.ratio(measure, yardstick, facts_.judged_size, order));
+            facts_.results.ratio(measure, yardstick, facts_.judged_size, order), {measure, yardstick});
   }
 
   void ratio(const std::string& measure, const std::string& yardstick, double limit) {
@@ -42,13 +48,13 @@ class Judge {
   void rate(const TextFormat& format, std::size_t facets) {
     for (const FacetOrder order : orders) {
       at_least(std::string(format.measure) + ", MB/s, " + name_of(order), format.megabytes_a_second,
-               format.bytes_a_facet * static_cast<double>(facets) / 1e6 / seconds(format.measure, order));
+               format.bytes_a_facet * static_cast<double>(facets) / 1e6 / seconds(format.measure, order), {format.measure});
     }
   }
 
   void shuffled_against_ordered(const std::string& measure, double limit) {
     at_most(measure + ", shuffled / ordered", limit,
-            seconds(measure, FacetOrder::shuffled) / seconds(measure, FacetOrder::ordered));
+            seconds(measure, FacetOrder::shuffled) / seconds(measure, FacetOrder::ordered), {measure});
   }
 
   // What recording adds to an edit, at most 0.6 of the edit alone, or what new memory as large as the record takes to touch where that is
@@ -59,7 +65,8 @@ class Judge {
       const double alone = seconds(edit, order);
       const double touch = seconds("new_pages", order) * facts_.results.bytes(journalled, facts_.judged_size, order) / new_bytes;
       at_most("what " + journalled + " adds to " + edit + ", of what it may, " + name_of(order), 1.0,
-              (seconds(journalled, order) - alone) / std::max(0.6 * alone, touch));
+              std::isnan(touch) ? not_measured : (seconds(journalled, order) - alone) / std::max(0.6 * alone, touch),
+              {journalled, edit, "new_pages"});
     }
   }
 
@@ -78,7 +85,7 @@ class Judge {
       least = time;
       fastest = other.name;
     }
-    at_most(measure + " / " + fastest + ", " + name_of(order), limit, seconds(measure, order) / least);
+    at_most(measure + " / " + fastest + ", " + name_of(order), limit, seconds(measure, order) / least, {measure, fastest});
   }
 
   void peer(const std::string& measure, double limit) {
@@ -92,7 +99,7 @@ class Judge {
     for (const Measure& measure : all_measures()) {
       if (measure.is_floor() || measure.is_peer() || measure.is_scattered) continue;
       const double exponent = facts_.results.growth(measure.name, growth_start, FacetOrder::ordered);
-      if (!std::isnan(exponent)) found.push_back({"growth exponent, " + measure.name + ", ordered", limit, false, exponent});
+      if (!std::isnan(exponent)) found.push_back({"growth exponent, " + measure.name + ", ordered", limit, false, exponent, {}});
     }
     for (GoalLine& line : worst_and_missed(std::move(found))) lines_.push_back(std::move(line));
   }

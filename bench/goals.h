@@ -29,6 +29,7 @@ struct GoalLine {
   double limit = 0.0;
   bool at_least = false;  ///< the limit is a minimum
   double value = 0.0;     ///< not a number where it was not measured
+  std::vector<std::string> measures = {};  ///< whose times it compares
 
   bool met() const { return at_least ? value >= limit : value <= limit; }
 };

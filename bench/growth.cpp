@@ -94,7 +94,7 @@ void Growth::run_size(const GrowthInput& input, std::size_t facets, const std::s
     } catch (const std::exception& problem) {
       const std::string text = std::string(action.name) + ", " + input.name + " at " + std::to_string(facets) + " triangles, " + problem.what();
       std::fprintf(stderr, "%s\n", text.c_str());
-      failed_.push_back({text, 0.0, false, not_measured});
+      failed_.push_back({text, 0.0, false, not_measured, {}});
     }
   }
 }
